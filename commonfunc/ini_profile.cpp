@@ -1,0 +1,230 @@
+// Reading goes file -> text -> `parse_file` -> value; writing goes text -> `with_profile_value`
+// -> file. Oddities of the format that existing files rely on: names match by prefix, the white
+// space after a section head belongs to the head, a new key becomes the section's first line, the
+// byte 0xFF ends the text, and inserting a key squeezes "%%" behind it.
+#include "commonfunc/ini_profile.h"
+
+#include "commonfunc/file_ops.h"
+#include "commonfunc/message.h"
+#include "commonfunc/text.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+
+namespace
+{
+
+/// Positions that a search found, -1 where it found nothing.
+struct Positions {
+    int section_start = -1, section_end = -1;
+    int key_start = -1, key_end = -1;
+    int value_start = -1, value_end = -1;
+};
+
+struct IniText {
+    std::string text; ///< up to the first 0xFF
+    bool opened = false;
+    bool too_large = false;    ///< the file holds more than one buffer does
+    bool rest_dropped = false; ///< something stands behind a 0xFF or NUL
+};
+
+IniText load_text(const char* path)
+{
+    IniText result;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "re"),
+                                                               &std::fclose);
+    if (!file) {
+        return result;
+    }
+    result.opened = true;
+    result.text.resize(INI_BUFFER_SIZE);
+    std::size_t length = std::fread(&result.text[0], 1, INI_BUFFER_SIZE, file.get());
+    result.too_large = length == INI_BUFFER_SIZE;
+    length -= result.too_large ? 1 : 0;
+    result.text.resize(length);
+    // Kept: a genuine 0xFF ends the text like the end-of-file mark does.
+    result.text.resize(std::min(length, result.text.find('\xFF')));
+    result.rest_dropped = std::strlen(result.text.c_str()) < length;
+    return result;
+}
+
+/// True when the `length` bytes at `name` are the beginning of `wanted`.
+bool is_prefix_of(const char* name, int length, const char* wanted)
+{
+    return std::strncmp(wanted, name, static_cast<std::size_t>(length)) == 0;
+}
+
+bool is_white(char c) { return c == ' ' || c == '\t' || newline(static_cast<unsigned char>(c)); }
+
+int line_end(const char* text, int at)
+{
+    return at + static_cast<int>(std::strcspn(text + at, "\r\n"));
+}
+
+/// Looks at one line; sets the key and value positions when it answers the key.
+bool line_answers(const char* text, int start, int end, const char* key, Positions& found)
+{
+    if (text[start] == ';') {
+        return false;
+    }
+    const void* equals = std::memchr(text + start, '=', static_cast<std::size_t>(end - start));
+    if (equals == nullptr) {
+        return false;
+    }
+    const int at = static_cast<int>(static_cast<const char*>(equals) - text);
+    if (at == start || !is_prefix_of(text + start, at - start, key)) {
+        return false;
+    }
+    found.key_start = start;
+    found.key_end = at - 1;
+    found.value_start = at + 1;
+    found.value_end = end;
+    return true;
+}
+
+/// Walks the lines of a section from `at`; leaves `at` behind its last line.
+bool section_answers(const char* text, int& at, const char* key, Positions& found)
+{
+    while (!end_of_string(static_cast<unsigned char>(text[at])) &&
+           !left_barce(static_cast<unsigned char>(text[at]))) {
+        const int end = line_end(text, at);
+        if (line_answers(text, at, end, key, found)) {
+            return true;
+        }
+        at = text[end] == '\0' ? end : end + 1;
+    }
+    return false;
+}
+
+Positions search(const char* section, const char* key, const char* text)
+{
+    Positions found;
+    int at = 0;
+    while (!end_of_string(static_cast<unsigned char>(text[at]))) {
+        const bool at_line_start = at == 0 || newline(static_cast<unsigned char>(text[at - 1]));
+        if (!at_line_start || !left_barce(static_cast<unsigned char>(text[at]))) {
+            ++at;
+            continue;
+        }
+        const int name = at + 1;
+        at = name + static_cast<int>(std::strcspn(text + name, "]"));
+        if (!is_prefix_of(text + name, at - name, section)) {
+            continue;
+        }
+        at += isright_brace(static_cast<unsigned char>(text[at]));
+        while (is_white(text[at])) {
+            ++at;
+        }
+        // The last head that answers the section stays recorded.
+        found.section_start = name;
+        found.section_end = at;
+        if (section_answers(text, at, key, found)) {
+            break;
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+int newline(unsigned char c) { return c == '\n' || c == '\r' ? 1 : 0; }
+int end_of_string(unsigned char c) { return c == '\0' ? 1 : 0; }
+int left_barce(unsigned char c) { return c == '[' ? 1 : 0; }
+int isright_brace(unsigned char c) { return c == ']' ? 1 : 0; }
+
+int load_ini_file(const char* path, char* buffer, int* length)
+{
+    const IniText loaded = load_text(path);
+    *length = static_cast<int>(loaded.text.size());
+    if (loaded.opened) {
+        std::memcpy(buffer, loaded.text.c_str(), loaded.text.size() + 1);
+    }
+    return loaded.opened ? 1 : 0;
+}
+
+int parse_file(const char* section, const char* key, const char* text, int* section_start,
+               int* section_end, int* key_start, int* key_end, int* value_start, int* value_end)
+{
+    const Positions found = search(section, key, text);
+    *section_start = found.section_start;
+    *section_end = found.section_end;
+    *key_start = found.key_start;
+    *key_end = found.key_end;
+    *value_start = found.value_start;
+    *value_end = found.value_end;
+    return found.value_start >= 0 ? 1 : 0;
+}
+
+int read_profile_string(const char* section, const char* key, char* out, int size,
+                        const char* default_value, const char* path)
+{
+    const IniText loaded = load_text(path);
+    const Positions found = search(section, key, loaded.text.c_str());
+    if (found.value_start >= 0) {
+        const int length = found.value_end - found.value_start;
+        QMRStrcpy(out, loaded.text.substr(static_cast<std::size_t>(found.value_start),
+                                          static_cast<std::size_t>(length)).c_str(), size);
+        return 1;
+    }
+    if (default_value != nullptr && size > 0) {
+        // Kept: a default that fills the buffer gets no NUL.
+        std::strncpy(out, default_value, static_cast<std::size_t>(size));
+    }
+    return 0;
+}
+
+int QMRGetPrivateProfileString(const char* section, const char* key, char* out, int size,
+                               const char* default_value, const char* path)
+{
+    return read_profile_string(section, key, out, size, default_value, path);
+}
+
+int read_profile_int(const char* section, const char* key, int default_value, const char* path)
+{
+    char value[32];
+    return read_profile_string(section, key, value, sizeof value, nullptr, path) != 0
+               ? to_int(value)
+               : default_value;
+}
+
+int write_profile_string(const char* section, const char* key, const char* value, const char* path)
+{
+    const IniText loaded = load_text(path);
+    const std::string text = with_profile_value(loaded.text.c_str(), section, key, value);
+    if (loaded.too_large || text.size() >= INI_BUFFER_SIZE) {
+        warn("'%s' is left as it is: key '%s' not set, a profile file holds at most %d bytes", path,
+             key, INI_BUFFER_SIZE - 1);
+        return 0;
+    }
+    if (loaded.rest_dropped) {
+        warn("'%s' holds a byte 0xFF or 0x00: what stood behind it is dropped", path);
+    }
+    return replace_file(path, text) ? 1 : 0;
+}
+
+int write_profile_int(const char* section, const char* key, int value, const char* path)
+{
+    return write_profile_string(section, key, std::to_string(value).c_str(), path);
+}
+
+std::string with_profile_value(const std::string& text, const std::string& section,
+                               const std::string& key, const std::string& value)
+{
+    const Positions found = search(section.c_str(), key.c_str(), text.c_str());
+    const std::string line = key + "=" + value + "\n";
+    if (found.section_start < 0) {
+        return text + (text.empty() ? "" : "\n") + "[" + section + "]\n" + line;
+    }
+    if (found.value_start >= 0) {
+        std::string changed = text;
+        return changed.replace(static_cast<std::size_t>(found.value_start),
+                               static_cast<std::size_t>(found.value_end - found.value_start),
+                               value);
+    }
+    // Kept: what follows the new line passes through a formatting call as its format.
+    const auto first_line = static_cast<std::size_t>(found.section_end);
+    return text.substr(0, first_line) + line + squeeze_percent_pairs(text.substr(first_line));
+}

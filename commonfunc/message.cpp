@@ -1,0 +1,54 @@
+// Messages. Standard output is compared by users and tools, so nothing goes there but the texts
+// that the calling operation promises; everything else is a warning on standard error.
+#include "commonfunc/message.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+void TUSKLog(unsigned char component, unsigned char module, unsigned char level, unsigned int code,
+             const char* format, ...)
+{
+    std::printf("[TUSK-0x%02X%02X%X%03X]: ", component, module, level & 0xFU, code & 0xFFFU);
+    va_list args;
+    va_start(args, format);
+    std::vprintf(format, args);
+    va_end(args);
+    flush_output();
+}
+
+void print_info(const char* format, ...)
+{
+    std::fputs("\033[0;32;34mTUSK_INFO:", stdout);
+    va_list args;
+    va_start(args, format);
+    std::vprintf(format, args);
+    va_end(args);
+    std::fputs("\033[m", stdout);
+}
+
+void warn(const char* format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    va_list again;
+    va_copy(again, args);
+    const int length = std::vsnprintf(nullptr, 0, format, args);
+    va_end(args);
+    if (length >= 0) {
+        std::string text(static_cast<std::size_t>(length) + 1, '\0');
+        std::vsnprintf(&text[0], text.size(), format, again);
+        text.pop_back();
+        std::replace(text.begin(), text.end(), '\n', ' '); // stays one line
+        text = "lltwrapper: " + text + "\n";
+        std::fwrite(text.data(), 1, text.size(), stderr);
+    }
+    va_end(again);
+}
+
+void flush_output()
+{
+    std::fflush(stdout);
+    std::fflush(stderr);
+}

@@ -1,0 +1,29 @@
+// What the program says: tagged log lines and coloured lines on standard output, and its own
+// one-line diagnostics on standard error.
+#pragma once
+
+/// Component number of this program in a `TUSKLog` tag.
+constexpr unsigned char LOG_COMPONENT = 11;
+/// Module number of the build wrapper and its libraries in a `TUSKLog` tag.
+constexpr unsigned char LOG_MODULE = 7;
+/// Levels of a `TUSKLog` tag.
+constexpr unsigned char LOG_WARNING = 3;
+constexpr unsigned char LOG_ERROR = 4;
+
+/// Prints the tag "[TUSK-0x%02X%02X%X%03X]: " (component, module, the low 4 bits of `level`, the
+/// low 12 bits of `code`) and the formatted message on standard output, then flushes both output
+/// streams. The format brings its own line end.
+void TUSKLog(unsigned char component, unsigned char module, unsigned char level, unsigned int code,
+             const char* format, ...) __attribute__((format(printf, 5, 6)));
+
+/// Prints the formatted text between "\033[0;32;34mTUSK_INFO:" and "\033[m" (blue) on standard
+/// output, without a line end of its own and without a flush.
+void print_info(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+/// Prints "lltwrapper: ", the formatted text and a line end on standard error, as one write.
+/// For what the build engineer should know: what, where, what to do.
+void warn(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+/// Flushes standard output and standard error; a write error is ignored, since messages never
+/// stop a build.
+void flush_output();

@@ -1,0 +1,40 @@
+// The project settings object: its life and the two switches that it reads itself.
+#include "commonfunc/Caddis_func.h"
+
+namespace
+{
+
+/// A local static, so that the instance exists whichever source file asks for it first during
+/// static initialisation.
+LinuxPrjItem*& instance_slot()
+{
+    static LinuxPrjItem* instance = nullptr;
+    return instance;
+}
+
+} // namespace
+
+LinuxPrjItem::LinuxPrjItem() { copy_bounded(szPrjName, "linuxcaddis"); }
+
+LinuxPrjItem* LinuxPrjItem::GetInstance()
+{
+    if (instance_slot() == nullptr) {
+        instance_slot() = new LinuxPrjItem;
+    }
+    return instance_slot();
+}
+
+void LinuxPrjItem::ReleaseInstance()
+{
+    delete instance_slot();
+    instance_slot() = nullptr;
+}
+
+void LinuxPrjItem::set_vbsflag()
+{
+    if (env_is_filled("USE_TUSK_VBS")) {
+        m_uiUseVBS = env_is_nonzero("USE_TUSK_VBS") ? 1 : 0;
+    }
+}
+
+unsigned int LinuxPrjItem::isDisableUserConfig() { return env_is_nonzero("LLT_DISABLE_USRCFG"); }

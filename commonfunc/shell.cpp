@@ -1,0 +1,110 @@
+// One string goes in, one wait status comes out. `system` is given the string as it is; only a
+// string that the kernel would refuse as one argument takes the way through a file.
+#include "commonfunc/shell.h"
+
+#include "commonfunc/env.h"
+#include "commonfunc/message.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Linux passes at most 32 pages per argument, the NUL included (MAX_ARG_STRLEN, execve(2)).
+constexpr std::size_t MAX_ARGUMENT_LENGTH = 131071;
+
+bool write_all(int fd, const std::string& text)
+{
+    for (std::size_t done = 0; done < text.size();) {
+        const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
+        if (n < 0 && errno != EINTR) {
+            return false;
+        }
+        done += n > 0 ? static_cast<std::size_t>(n) : 0;
+    }
+    return true;
+}
+
+int run_from_file(const std::string& command)
+{
+    std::string path =
+        (env_is_filled("TMPDIR") ? env_text("TMPDIR") : "/tmp") + "/lltwrapper-XXXXXX";
+    const int fd = ::mkstemp(&path[0]);
+    const bool written = fd >= 0 && write_all(fd, command);
+    const int error = errno;
+    if (fd >= 0) {
+        ::close(fd);
+    }
+    int status = -1;
+    if (written) {
+        status = std::system(("/bin/sh " + shell_word(path)).c_str());
+    } else {
+        warn("cannot write the command of %zu bytes to '%s': %s; make room there or set TMPDIR",
+             command.size(), path.c_str(), std::strerror(error));
+    }
+    if (fd >= 0) {
+        ::unlink(path.c_str());
+    }
+    return status;
+}
+
+bool is_plain(char c)
+{
+    const auto byte = static_cast<unsigned char>(c);
+    return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
+           (byte >= '0' && byte <= '9') || byte >= 128 ||
+           (byte != 0 && std::strchr("_-./+,:=@%", byte) != nullptr);
+}
+
+} // namespace
+
+int run_shell(const std::string& command, Flush flush)
+{
+    if (flush == Flush::both) {
+        flush_output();
+    } else if (flush == Flush::out) {
+        std::fflush(stdout);
+    }
+    return command.size() <= MAX_ARGUMENT_LENGTH ? std::system(command.c_str())
+                                                 : run_from_file(command);
+}
+
+int run_helper(const std::string& command)
+{
+    const int status = run_shell(command, Flush::both);
+    const int code = status == -1 ? 0 : exit_status_of(status);
+    for (const int signal : {SIGINT, SIGQUIT}) {
+        if (code == 128 + signal) {
+            std::signal(signal, SIG_DFL);
+            std::raise(signal);
+        }
+    }
+    return status;
+}
+
+std::string shell_word(const std::string& name)
+{
+    const std::string path = (!name.empty() && name[0] == '-' ? "./" : "") + name;
+    bool plain = !path.empty();
+    std::string quoted = "'";
+    for (const char c : path) {
+        plain = plain && is_plain(c);
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return plain ? path : quoted + "'";
+}
+
+int exit_status_of(int wait_status)
+{
+    if (wait_status == -1) {
+        return 127;
+    }
+    return WIFSIGNALED(wait_status) ? 128 + WTERMSIG(wait_status) : WEXITSTATUS(wait_status);
+}

@@ -1,0 +1,71 @@
+// Pure text operations: no state, no output, no locale (ASCII letters only are case-folded).
+#include "commonfunc/text.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace
+{
+
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+bool begins_nocase(const char* text, const char* start)
+{
+    while (*start != '\0' && lower(*text) == lower(*start)) {
+        ++text;
+        ++start;
+    }
+    return *start == '\0';
+}
+
+} // namespace
+
+int to_int(const char* text) { return static_cast<int>(std::strtol(text, nullptr, 10)); }
+
+bool equals_nocase(const char* a, const char* b)
+{
+    return std::strlen(a) == std::strlen(b) && begins_nocase(a, b);
+}
+
+bool contains_nocase(const std::string& text, const std::string& needle)
+{
+    for (const char* p = text.c_str(); *p != '\0'; ++p) {
+        if (begins_nocase(p, needle.c_str())) {
+            return true;
+        }
+    }
+    return needle.empty();
+}
+
+bool names_project_file(const std::string& path) { return contains_nocase(path, ".prj"); }
+
+std::string squeeze_percent_pairs(const std::string& text)
+{
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        out += text[i];
+        if (text[i] == '%' && i + 1 < text.size() && text[i + 1] == '%') {
+            ++i;
+        }
+    }
+    return out;
+}
+
+void QMRStrcpy(char* dst, const char* src, int size)
+{
+    if (dst == nullptr || src == nullptr || size <= 0) {
+        return;
+    }
+    const auto room = static_cast<std::size_t>(size) - 1;
+    const std::size_t length = ::strnlen(src, room);
+    std::memcpy(dst, src, length);
+    std::memset(dst + length, 0, room - length + 1);
+}
+
+bool format_list(char* out, std::size_t size, const char* format, va_list args)
+{
+    const int length = std::vsnprintf(out, size, format, args);
+    return length >= 0 && static_cast<std::size_t>(length) < size;
+}

@@ -1,0 +1,52 @@
+// Small pure operations on text, shared by every room.
+#pragma once
+
+#include <cstdarg>
+#include <cstddef>
+#include <string>
+
+/// The integer that `atoi` would give: leading digits with sign, 0 for text that is no number.
+/// Out-of-range text is defined here (the value of `strtol`, cut to int), unlike `atoi`.
+int to_int(const char* text);
+
+/// 1 to 1 ASCII comparison without regard to case; bytes of 128 and more compare as they are.
+bool equals_nocase(const char* a, const char* b);
+
+/// True when `needle` (ASCII, lower or upper case) occurs in `text` without regard to case.
+bool contains_nocase(const std::string& text, const std::string& needle);
+
+/// True when the path names a project file, that is when it holds ".prj" anywhere, also in a
+/// directory name, in any case.
+bool names_project_file(const std::string& path);
+
+/// The text with every two percent signs in a row, counted from the left, made one: what a
+/// formatting call makes of it when the text itself is the format. Other percent sequences have
+/// no defined result there and stay as they are.
+std::string squeeze_percent_pairs(const std::string& text);
+
+/// Copies at most `size` - 1 characters, fills up with NUL, and always puts a NUL at position
+/// `size` - 1. Does nothing when a pointer is null or `size` is not positive.
+void QMRStrcpy(char* dst, const char* src, int size);
+
+/// `vsnprintf` whose result says whether the whole text fits into `size` bytes with its NUL.
+bool format_list(char* out, std::size_t size, const char* format, va_list args)
+    __attribute__((format(printf, 3, 0)));
+
+/// Formats into the array, cut to its size - 1 bytes and always NUL-terminated; true when the
+/// whole text fits. A path or command that does not fit must not be used.
+template <std::size_t N>
+__attribute__((format(printf, 2, 3))) bool format_bounded(char (&out)[N], const char* format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    const bool fits = format_list(out, N, format, args);
+    va_end(args);
+    return fits;
+}
+
+/// Copies `text` into the array, cut to its size - 1; true when the whole text fits.
+template <std::size_t N> bool copy_bounded(char (&out)[N], const std::string& text)
+{
+    QMRStrcpy(out, text.c_str(), static_cast<int>(N));
+    return text.size() < N;
+}
