@@ -1,0 +1,240 @@
+// One walk over the arguments. Each argument is held against the rows of a table from top to
+// bottom; the first row that matches says what is appended to the command and how many arguments
+// are used up. The words of the command are the user's own: they get exactly this treatment.
+//
+// Oddities that builds rely on: "-mshort-load-bytes" takes the following argument with it; "-c",
+// "-S" and "-E" take the following argument as a value, so it is not looked at; only six
+// characters are escaped, and in ordinary arguments only when they name an existing path.
+#include "lltwrapper/cmd_parser.h"
+
+#include "lltwrapper/classify.h"
+#include "lltwrapper/word_size.h"
+#include "lltwrapper/wrapper_state.h"
+
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+namespace
+{
+
+/// The place of the walk in the argument vector.
+struct Walk {
+    int argc;
+    char** argv;
+    int at;
+
+    const char* argument() const { return argv[at]; }
+
+    /// The n-th argument behind the current one; null when the command ends before it.
+    const char* behind(int n) const { return at + n < argc ? argv[at + n] : nullptr; }
+
+    void use(int arguments) { at += arguments; }
+
+    /// Uses up the current argument and its value, or the argument alone when it stands last.
+    const char* use_with_value()
+    {
+        const char* value = behind(1);
+        use(value != nullptr ? 2 : 1);
+        return value;
+    }
+};
+
+void append_word(const std::string& word) { pOriginalCmd += word + " "; }
+
+/// Takes one of the wrapper's own options out of the command; its value, or null with a warning.
+const char* take_own_option(Walk& walk)
+{
+    const char* option = walk.argument();
+    const char* value = walk.use_with_value();
+    if (value == nullptr) {
+        warn("option '%s' stands last, without its value: it has no effect; add the value", option);
+    }
+    return value;
+}
+
+void drop_own_option(Walk& walk) { take_own_option(walk); }
+
+void drop_project_path(Walk& walk)
+{
+    const char* next = walk.behind(2);
+    const bool named = next != nullptr && std::strcmp(next, "-projectname") == 0;
+    if (!named) {
+        std::puts("error \"projectname\". \r");
+    }
+    drop_own_option(walk);
+    if (named) {
+        drop_own_option(walk);
+    }
+}
+
+void drop_with_next(Walk& walk)
+{
+    // Kept: treated as if it took a value, whatever follows.
+    walk.use_with_value();
+}
+
+void drop_armv7_extension(Walk& walk)
+{
+    append_word("-Wa,-march=armv7-a");
+    walk.use(1);
+}
+
+void keep_rpath_origin(Walk& walk)
+{
+    // Kept: the character at index 11, which is the "$" only when the argument begins with the
+    // option; a "$ORIGIN" anywhere else stays bare.
+    pOriginalCmd += std::string(walk.argument()).replace(11, 1, "\\$") + "  ";
+    std::printf("cmd:: %s\n", pOriginalCmd.c_str());
+    std::fflush(stdout);
+    walk.use(1);
+}
+
+void set_object_suffixes(Walk& walk)
+{
+    const char* value = take_own_option(walk);
+    if (value == nullptr) {
+        return;
+    }
+    strObjSuffix = value;
+    std::vector<std::string> pieces;
+    strsplit_v(value, '|', pieces);
+    vtor_objtypes.insert(pieces.begin(), pieces.end());
+}
+
+void set_binary_suffix(Walk& walk)
+{
+    const char* value = take_own_option(walk);
+    strBinSuffix = value != nullptr ? value : strBinSuffix;
+}
+
+void set_archiver(Walk& walk)
+{
+    const char* value = take_own_option(walk);
+    strArTools = value != nullptr ? base_name(value) : strArTools;
+}
+
+void set_archive_suffix(Walk& walk)
+{
+    const char* value = take_own_option(walk);
+    strArSuffix = value != nullptr ? value : strArSuffix;
+}
+
+void keep_linker_option(Walk& walk)
+{
+    append_word(walk.argument());
+    if (const char* value = walk.use_with_value()) {
+        // Kept: quoted, not escaped; `"`, `$` and backquotes in the value stay live.
+        append_word("\"" + std::string(value) + "\"");
+    }
+}
+
+void keep_with_value(Walk& walk)
+{
+    append_word(walk.argument());
+    if (const char* value = walk.use_with_value()) {
+        append_word(escape_for_shell(value));
+    }
+}
+
+void keep_escaped(Walk& walk)
+{
+    append_word(escape_for_shell(walk.argument()));
+    walk.use(1);
+}
+
+void keep_word_size(Walk& walk)
+{
+    append_word(walk.argument());
+    TUSK_SetType_m32m64(walk.argument());
+    walk.use(1);
+}
+
+void keep_other(Walk& walk)
+{
+    const char* argument = walk.argument();
+    append_word(QMRFileExists(argument) != 0 ? escape_for_shell(argument) : argument);
+    walk.use(1);
+}
+
+bool equals(const char* argument, const char* text) { return std::strcmp(argument, text) == 0; }
+
+bool contains(const char* argument, const char* text)
+{
+    return std::strstr(argument, text) != nullptr;
+}
+
+bool begins(const char* argument, const char* text)
+{
+    return std::strncmp(argument, text, std::strlen(text)) == 0;
+}
+
+struct Row {
+    bool (*matches)(const char* argument, const char* text);
+    const char* text;
+    void (*apply)(Walk& walk);
+};
+
+constexpr Row ROWS[] = {
+    {equals, "-qmr_current_prj_path", drop_project_path},
+    {equals, "-projectname", drop_own_option},
+    {equals, "-qmr_coverage_stub_mold", drop_own_option},
+    {equals_nocase, "-lltwrapper_envfile", drop_own_option},
+    {equals, "-mshort-load-bytes", drop_with_next},
+    {equals, "-Wa,-march=armv7-a+sec", drop_armv7_extension},
+    {contains, "-Wl,-rpath,$ORIGIN", keep_rpath_origin},
+    {equals, "-objsuffix", set_object_suffixes},
+    {equals, "-binsuffix", set_binary_suffix},
+    {equals, "-artool", set_archiver},
+    {equals, "-arsuffix", set_archive_suffix},
+    {equals, "-Xlinker", keep_linker_option},
+    {equals, "-D", keep_with_value},
+    {equals, "-I", keep_with_value},
+    {equals, "-o", keep_with_value},
+    {equals, "-c", keep_with_value},
+    {equals, "-S", keep_with_value},
+    {equals, "-E", keep_with_value},
+    {equals, "-L", keep_with_value},
+    {equals, "-l", keep_with_value},
+    {begins, "-D", keep_escaped},
+    {begins, "-I", keep_escaped},
+    {begins, "-L", keep_escaped},
+    {begins, "-l", keep_escaped},
+    {equals, "-m32", keep_word_size},
+    {equals, "-m64", keep_word_size},
+    {begins, "", keep_other}, // anything else
+};
+
+} // namespace
+
+void parser(int argc, char** argv)
+{
+    Walk walk{argc, argv, 1};
+    while (walk.at < argc) {
+        for (const Row& row : ROWS) {
+            if (row.matches(walk.argument(), row.text)) {
+                row.apply(walk);
+                break;
+            }
+        }
+    }
+    checkstate(argc, argv);
+}
+
+std::string escape_for_shell(const std::string& text)
+{
+    std::string out;
+    for (const char c : text) {
+        if (std::string_view("\" ()<>").find(c) != std::string_view::npos) {
+            out += '\\';
+        }
+        out += c;
+    }
+    return out;
+}
+
+void StrReplace(const char* src, char* dst)
+{
+    const std::string escaped = escape_for_shell(src);
+    std::memcpy(dst + std::strlen(dst), escaped.data(), escaped.size());
+}

@@ -1,0 +1,16 @@
+// The commands that are forwarded: to the instrumenting compiler driver, to a link driver, and to
+// the archiver with the coverage stub inserted.
+#pragma once
+
+/// Sets `strLLTCC`: `lltcc` with project root, project name and stub mode before the command.
+void GenerateCMD2LLTCC();
+
+/// Sets `strLLTLD`: the link driver of `iToken_wrapper` with project root, target name and stub
+/// mode before the command. Sets `strLinkName` to the target name's identifier form. Without any
+/// target name it prints a message, and then, as for a token without a driver, `strLLTLD` stays
+/// as it was.
+void GenerateCMD2LLTLD();
+
+/// Sets `strLLTAR`: the command with the module's stub object behind the first occurrence of the
+/// archive name. The stub path is cut at 511 bytes.
+void GenerateCMD2AR();

@@ -1,0 +1,155 @@
+// Five modes in a fixed order of precedence. Compile and link normalise the status to 0 or 1; the
+// others hand on the wait status as it is, of which the parent sees the low eight bits: a tool
+// that exits with 2 leaves status 0. Build systems have been set up around both, so both stay, and
+// standard error says what the status hides. LLTWRAPPER_EXACT_STATUS=1 gives the real one.
+#include "lltwrapper/mode_dispatch.h"
+
+#include "lltwrapper/forward_cmd.h"
+#include "lltwrapper/version.h"
+#include "lltwrapper/wrapper_state.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace
+{
+
+constexpr char HELP[] =
+    R"(Usage: lltwrapper [option value ...] tool [argument ...]
+Runs one compiler, linker or archiver command of a build, instrumented for coverage.
+
+  -artool NAME, -arsuffix SUFFIX      archiver and archive suffix, e.g. ar and .a
+  -objsuffix LIST, -binsuffix SUFFIX  suffixes of objects (a|b) and programs
+  -qmr_current_prj_path PATH -projectname NAME, -qmr_coverage_stub_mold MODE,
+  -lltwrapper_envfile FILE            taken out of the command; the environment decides
+  -v, --version                       print the version
+  --help                              print this help
+
+Example: make CC="lltwrapper gcc"
+The environment comes from the project's TUSK_INIT.SH; see lltwrapper(1).
+)";
+
+/// The status as such, without a word: what the parent sees are its low eight bits.
+int raw_status(int wait_status) { return wait_status; }
+
+int zero_or_one(int wait_status) { return wait_status != 0 ? 1 : 0; }
+
+/// The beginning of a command, enough to find it in the build log.
+std::string beginning_of(const std::string& command)
+{
+    return command.size() <= 200 ? command : command.substr(0, 200) + "...";
+}
+
+/// Runs the command and makes the exit status of the process from its wait status.
+int run_command(const std::string& command, Flush flush, int (*normalise)(int))
+{
+    const int wait_status = run_shell(command, flush);
+    const int real = exit_status_of(wait_status);
+    if (env_text("LLTWRAPPER_EXACT_STATUS") == "1") {
+        return real;
+    }
+    const int status = normalise(wait_status);
+    if (real != 0 && (status & 0xFF) == 0) {
+        warn("exit status 0 although the command failed with %d: %s (LLTWRAPPER_EXACT_STATUS=1 "
+             "passes the status on)",
+             real, beginning_of(command).c_str());
+    }
+    return status;
+}
+
+/// The final kernel image: linked by its own command with the image's stub object appended,
+/// unless the user names the targets.
+int run_special()
+{
+    if (!env_is_filled("LLT_TargetName")) {
+        pOriginalCmd +=
+            lltdbRootpath + "/tmp_vmlinux1/codemeasure/obj/__code_measure_stub_lib_tmp_vmlinux1.o";
+    }
+    std::printf("special_cmd:: %s\n", pOriginalCmd.c_str());
+    return run_command(pOriginalCmd, Flush::none, raw_status);
+}
+
+int run_unchanged()
+{
+    // Kept: the command is printed as a format, so "%%" shows as "%"; what runs is the command.
+    std::fputs(squeeze_percent_pairs(pOriginalCmd).c_str(), stdout);
+    return run_command(pOriginalCmd, Flush::out, raw_status);
+}
+
+void warn_if_unset(const char* name)
+{
+    if (std::getenv(name) == nullptr) {
+        warn("environment variable '%s' is not set: the driver gets an empty value; source the "
+             "project's TUSK_INIT.SH",
+             name);
+    }
+}
+
+int run_compile()
+{
+    warn_if_unset("qmr_current_prj_path");
+    warn_if_unset("qmr_coverage_stub_mold");
+    GenerateCMD2LLTCC();
+    std::printf("lltcc cmd:\n %s \n", strLLTCC.c_str());
+    return run_command(strLLTCC, Flush::both, zero_or_one);
+}
+
+int run_link()
+{
+    warn_if_unset("qmr_current_prj_path");
+    warn_if_unset("qmr_coverage_stub_mold");
+    GenerateCMD2LLTLD();
+    if (strLLTLD.empty()) {
+        // Kept: the empty command runs and succeeds.
+        warn("nothing is run for this link, exit status 0: %s for '%s' (lltwrapper_cfg is %d)",
+             strLinkName.empty() ? "no target name" : "no link driver",
+             beginning_of(pOriginalCmd).c_str(), iToken_wrapper);
+    }
+    std::printf("lltld cmd:\n %s \n", strLLTLD.c_str());
+    return run_command(strLLTLD, Flush::both, zero_or_one);
+}
+
+} // namespace
+
+bool answer_without_command(int argc, char** argv)
+{
+    if (argc <= 1) {
+        std::puts("error usage");
+        warn("put it in front of a tool's command, for example: lltwrapper gcc -c a.c");
+        warn("'lltwrapper --help' shows the options");
+        return true;
+    }
+    if (equals_nocase(argv[1], "-v") || std::strcmp(argv[1], "--version") == 0) {
+        ShowVersion();
+        return true;
+    }
+    if (std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(HELP, stdout);
+        return true;
+    }
+    return false;
+}
+
+void read_project()
+{
+    const std::string path = env_text("qmr_current_prj_path");
+    lltdbRootpath = names_project_file(path) ? split_path(path).directory : path;
+    lltcovmode = env_text("qmr_coverage_stub_mold");
+}
+
+int dispatch_mode()
+{
+    if (special_flag == 1) {
+        return run_special();
+    }
+    if (ori_flag == 1) {
+        return run_unchanged();
+    }
+    if (lltcc_flag == 1) {
+        return run_compile();
+    }
+    if (lltld_flag == 1) {
+        return run_link();
+    }
+    return run_command(pOriginalCmd, Flush::both, raw_status);
+}
