@@ -24,13 +24,13 @@
 class _Caddis_CoverageItem
 {
 public:
-    int gcovmode = 0;     ///< coverage-mode switch
-    int cvgflag = 0;      ///< coverage flag; not set here
-    int simplemode = 0;   ///< not set here
-    int stubmode = 0;     ///< coverage stub mode, from "qmr_coverage_stub_mold"
-    int couterselect = 0; ///< counter selection; not set here
-    int seltmode = 0;     ///< not set here
-    int cov_type = 0;     ///< 1 when a custom coverage type is configured
+    int gcovmode = 0;          ///< coverage-mode switch
+    int cvgflag = 0;           ///< coverage flag; not set here
+    int simplemode = 0;        ///< not set here
+    int stubmode = 0;          ///< coverage stub mode, from "qmr_coverage_stub_mold"
+    int couterselect = 0;      ///< counter selection; not set here
+    int seltmode = 0;          ///< not set here
+    int cov_type = 0;          ///< 1 when a custom coverage type is configured
     char szCov_type[260] = {}; ///< name of the custom coverage type
 };
 
@@ -71,21 +71,21 @@ public:
     /// 1 when "LLT_DISABLE_USRCFG" is set, not empty and non-zero, else 0.
     unsigned int isDisableUserConfig();
 
-    int isOverlappedCompile = 0;  ///< 1 when one project tree is built for several platforms
-    std::string platformToken;    ///< name of the variable that holds the platform name
-    std::string platformName;     ///< value of that variable
-    int TimerPolicy = 0;          ///< 0 or 1
-    int TimeInterval = 0;         ///< read when `TimerPolicy` is 1; -1 is invalid
-    int SignalPolicy = 0;         ///< 0 or 1
-    int SignalNUM = 0;            ///< read when `SignalPolicy` is 1; -1 is invalid
-    std::string lltcovRootpath;   ///< root path handed to the coverage runtime
-    int m_port = 60000;           ///< port number, from the project's "tusk_g.ini"
-    std::string m_str_macro;      ///< macro options; not set here
-    std::string m_str_include;    ///< include options for the module's test code
-    std::string strCompileCmd;    ///< the module's recorded compile command
-    std::string strToolPath;      ///< directory of the running executable
-    int xunit_type = -1;          ///< unit-test framework type; not set here
-    unsigned int m_uiUseVBS = 0;  ///< see `set_vbsflag`
+    int isOverlappedCompile = 0;   ///< 1 when one project tree is built for several platforms
+    std::string platformToken;     ///< name of the variable that holds the platform name
+    std::string platformName;      ///< value of that variable
+    int TimerPolicy = 0;           ///< 0 or 1
+    int TimeInterval = 0;          ///< read when `TimerPolicy` is 1; -1 is invalid
+    int SignalPolicy = 0;          ///< 0 or 1
+    int SignalNUM = 0;             ///< read when `SignalPolicy` is 1; -1 is invalid
+    std::string lltcovRootpath;    ///< root path handed to the coverage runtime
+    int m_port = 60000;            ///< port number, from the project's "tusk_g.ini"
+    std::string m_str_macro;       ///< macro options; not set here
+    std::string m_str_include;     ///< include options for the module's test code
+    std::string strCompileCmd;     ///< the module's recorded compile command
+    std::string strToolPath;       ///< directory of the running executable
+    int xunit_type = -1;           ///< unit-test framework type; not set here
+    unsigned int m_uiUseVBS = 0;   ///< see `set_vbsflag`
     bool isCovDictPathCut = false; ///< `szCovDictPath` was too long: never to be used on disk
 };
 
@@ -113,9 +113,9 @@ public:
 
     /// Derives the status bits from "USE_TUSK_COVERAGE", "USE_TUSK_TESTCASE" and "ATG_ENABLE".
     void Check_LLT_STATUS();
-    void Add_LLT_STATUS(unsigned int bits) { m_iLLTStatus |= bits; }      ///< sets the bits
-    void Disable_LLT_STATUS(unsigned int bits) { m_iLLTStatus &= ~bits; } ///< clears the bits
-    unsigned int IsEnableCVG() const { return m_iLLTStatus & USAGE_COVERAGE; } ///< 0 when off
+    void Add_LLT_STATUS(unsigned int bits) { m_iLLTStatus |= bits; }            ///< sets the bits
+    void Disable_LLT_STATUS(unsigned int bits) { m_iLLTStatus &= ~bits; }       ///< clears the bits
+    unsigned int IsEnableCVG() const { return m_iLLTStatus & USAGE_COVERAGE; }  ///< 0 when off
     unsigned int IsEnableTC() const { return m_iLLTStatus & USAGE_TEST_CASES; } ///< 0 when off
     unsigned int IsEnableATG() const { return m_iLLTStatus & USAGE_ATG; }       ///< 0 when off
 
@@ -123,17 +123,17 @@ public:
     void Set_LLT_EXCLUDE_CC();
     void Set_LLT_EXCLUDE_CCOPTION(); ///< likewise
 
-    std::string str_LLT_EXCLUDE_CC;                      ///< value of "LLT_EXCLUDE_CC"
-    std::vector<std::string> m_vtor_LLT_EXCLUDE_CC;      ///< compilers not to instrument
-    std::string str_LLT_EXCLUDE_CCOPTION;                ///< value of "LLT_EXCLUDE_CCOPTION"
+    std::string str_LLT_EXCLUDE_CC;                       ///< value of "LLT_EXCLUDE_CC"
+    std::vector<std::string> m_vtor_LLT_EXCLUDE_CC;       ///< compilers not to instrument
+    std::string str_LLT_EXCLUDE_CCOPTION;                 ///< value of "LLT_EXCLUDE_CCOPTION"
     std::vector<std::string> m_vtor_LLT_EXCLUDE_CCOPTION; ///< compiler options to drop
-    std::string str_LLT_EXCLUDE_CCOPTION_FORLINK;        ///< not loaded by this program
+    std::string str_LLT_EXCLUDE_CCOPTION_FORLINK;         ///< not loaded by this program
     std::vector<std::string> m_vtor_LLT_EXCLUDE_CCOPTION_FORLINK; ///< stays empty here
-    std::string str_LLT_REPLACE_CCOPTION;                ///< value of "LLT_REPLACE_CCOPTION"
+    std::string str_LLT_REPLACE_CCOPTION; ///< value of "LLT_REPLACE_CCOPTION"
     std::map<std::string, std::string> m_map_LLT_REPLACE_CCOPTION; ///< stays empty here
-    std::string str_LLT_PLATFORM_CCOPTION;               ///< value of "LLT_PLATFORM_CCOPTION"
+    std::string str_LLT_PLATFORM_CCOPTION; ///< value of "LLT_PLATFORM_CCOPTION"
     std::vector<std::vector<std::string>> m_vtor_vtor_LLT_PLATFORM_CCOPTION; ///< empty here
-    int i_LLTLD_AVOID_SAME_NAME = 0; ///< 1 when "LLTLD_AVOID_SAME_NAME" is non-zero
+    int i_LLTLD_AVOID_SAME_NAME = 0;            ///< 1 when "LLTLD_AVOID_SAME_NAME" is non-zero
     unsigned int m_iLLTStatus = USAGE_COVERAGE; ///< `UsageStatus` bits
     void* m_HotpatchInfo = nullptr;             ///< hot-patch settings of a link driver
 

@@ -23,4 +23,7 @@ int env_int(const char* name)
     return value != nullptr ? to_int(value) : 0;
 }
 
-bool env_is_nonzero(const char* name) { return env_is_filled(name) && env_int(name) != 0; }
+bool env_is_nonzero(const char* name)
+{
+    return env_is_filled(name) && env_int(name) != 0;
+}

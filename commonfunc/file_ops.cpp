@@ -3,6 +3,7 @@
 // "rm -rf" would name a parent directory.
 #include "commonfunc/file_ops.h"
 
+#include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
@@ -12,10 +13,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -42,12 +45,21 @@ bool write_and_close(File file, const std::string& text)
     return std::fclose(file.release()) == 0 && written;
 }
 
-bool replace_by_rename(const std::string& path, const std::string& text, mode_t mode)
+Writing write_directly(const std::string& path, const std::string& text)
+{
+    File file(std::fopen(path.c_str(), "we"), &std::fclose);
+    if (!file) {
+        return Writing::not_opened;
+    }
+    return write_and_close(std::move(file), text) ? Writing::done : Writing::failed;
+}
+
+Writing write_beside_and_rename(const std::string& path, const std::string& text, mode_t mode)
 {
     std::string beside = path + ".XXXXXX";
     const int fd = ::mkstemp(&beside[0]);
     if (fd < 0) {
-        return false;
+        return Writing::not_opened;
     }
     const bool done = ::fchmod(fd, mode) == 0 &&
                       write_and_close(File(::fdopen(fd, "w"), &std::fclose), text) &&
@@ -57,12 +69,15 @@ bool replace_by_rename(const std::string& path, const std::string& text, mode_t 
         ::unlink(beside.c_str());
         errno = error;
     }
-    return done;
+    return done ? Writing::done : Writing::failed;
 }
 
 } // namespace
 
-int QMRFileExists(const char* path) { return ::access(path, F_OK) == 0 ? 1 : 0; }
+int QMRFileExists(const char* path)
+{
+    return ::access(path, F_OK) == 0 ? 1 : 0;
+}
 
 int QMRPathIsDirectory(const char* path)
 {
@@ -88,7 +103,12 @@ int DeleteAllFilesInDirectory(const char* path)
     }
     const std::string command = "rm -rf " + shell_word(path) + "/*";
     std::printf("rm cmd:: %s, %s\n", command.c_str(), "DeleteAllFilesInDirectory");
-    return run_helper(command) == -1 ? 0 : 1;
+    const int status = run_helper(command);
+    if (status > 0) {
+        // The pattern may have been too long for one command line; hidden files stay either way.
+        remove_entries(path, "");
+    }
+    return status == -1 ? 0 : 1;
 }
 
 int QMRGetCurrProcName(char* out)
@@ -108,23 +128,54 @@ int QMRGetCurrProcName(char* out)
     return 1;
 }
 
-int GetCurrProcName(char* out) { return QMRGetCurrProcName(out); }
+int GetCurrProcName(char* out)
+{
+    return QMRGetCurrProcName(out);
+}
 
-bool replace_file(const std::string& path, const std::string& text)
+Reading read_whole_file(const std::string& path, std::string& content)
+{
+    content.clear();
+    struct stat info = {};
+    if (::stat(path.c_str(), &info) != 0) {
+        return QMRFileExists(path.c_str()) != 0 ? Reading::not_opened : Reading::missing;
+    }
+    const File file(S_ISREG(info.st_mode) ? std::fopen(path.c_str(), "rbe") : nullptr,
+                    &std::fclose);
+    if (!file) {
+        return Reading::not_opened;
+    }
+    if (info.st_size <= 0) {
+        return Reading::empty;
+    }
+    try {
+        content.resize(static_cast<std::size_t>(info.st_size));
+    } catch (const std::exception&) {
+        return Reading::no_memory;
+    }
+    std::setvbuf(file.get(), nullptr, _IONBF, 0);
+    if (std::fread(&content[0], 1, content.size(), file.get()) != content.size()) {
+        content.clear();
+        return Reading::failed;
+    }
+    return Reading::done;
+}
+
+Writing replace_file(const std::string& path, const std::string& text)
 {
     struct stat info = {};
     const bool exists = ::stat(path.c_str(), &info) == 0;
-    bool done = false;
+    Writing result = Writing::not_opened;
     if (exists && ::access(path.c_str(), W_OK) != 0) {
-        done = false; // a rename would get round the file's own write protection
+        result = Writing::not_opened; // a rename would get round the file's write protection
     } else if (exists && !S_ISREG(info.st_mode)) {
-        done = write_and_close(File(std::fopen(path.c_str(), "we"), &std::fclose), text);
+        result = write_directly(path, text);
     } else {
-        done = replace_by_rename(exists ? absolute_path(path) : path, text,
-                                 exists ? info.st_mode & 07777 : mode_of_new_file());
+        result = write_beside_and_rename(exists ? absolute_path(path) : path, text,
+                                         exists ? info.st_mode & 07777 : mode_of_new_file());
     }
-    if (!done) {
+    if (result != Writing::done) {
         warn("cannot write '%s': %s; its old content stays", path.c_str(), std::strerror(errno));
     }
-    return done;
+    return result;
 }

@@ -26,7 +26,17 @@ int QMRGetCurrProcName(char* out);
 /// Same as `QMRGetCurrProcName`.
 int GetCurrProcName(char* out);
 
+/// How the reading of a whole file ended.
+enum class Reading { done, missing, not_opened, empty, no_memory, failed };
+
+/// Reads the file whole into `content`; anything but `done` leaves it empty. What is no regular
+/// file counts as not opened, and a file that shrinks meanwhile as failed.
+Reading read_whole_file(const std::string& path, std::string& content);
+
+/// How the replacement of a file ended.
+enum class Writing { done, not_opened, failed };
+
 /// Replaces the content of the file by `text` such that at any instant the old or the new content
 /// is there: a new file is written beside and renamed. A path that exists and is no regular file
-/// is opened and written itself. On failure false, a warning, and the old content stays.
-bool replace_file(const std::string& path, const std::string& text);
+/// is opened and written itself. Otherwise than done: a warning, and the old content stays.
+Writing replace_file(const std::string& path, const std::string& text);

@@ -57,7 +57,10 @@ bool is_prefix_of(const char* name, int length, const char* wanted)
     return std::strncmp(wanted, name, static_cast<std::size_t>(length)) == 0;
 }
 
-bool is_white(char c) { return c == ' ' || c == '\t' || newline(static_cast<unsigned char>(c)); }
+bool is_white(char c)
+{
+    return c == ' ' || c == '\t' || newline(static_cast<unsigned char>(c));
+}
 
 int line_end(const char* text, int at)
 {
@@ -130,10 +133,22 @@ Positions search(const char* section, const char* key, const char* text)
 
 } // namespace
 
-int newline(unsigned char c) { return c == '\n' || c == '\r' ? 1 : 0; }
-int end_of_string(unsigned char c) { return c == '\0' ? 1 : 0; }
-int left_barce(unsigned char c) { return c == '[' ? 1 : 0; }
-int isright_brace(unsigned char c) { return c == ']' ? 1 : 0; }
+int newline(unsigned char c)
+{
+    return c == '\n' || c == '\r' ? 1 : 0;
+}
+int end_of_string(unsigned char c)
+{
+    return c == '\0' ? 1 : 0;
+}
+int left_barce(unsigned char c)
+{
+    return c == '[' ? 1 : 0;
+}
+int isright_brace(unsigned char c)
+{
+    return c == ']' ? 1 : 0;
+}
 
 int load_ini_file(const char* path, char* buffer, int* length)
 {
@@ -165,8 +180,12 @@ int read_profile_string(const char* section, const char* key, char* out, int siz
     const Positions found = search(section, key, loaded.text.c_str());
     if (found.value_start >= 0) {
         const int length = found.value_end - found.value_start;
-        QMRStrcpy(out, loaded.text.substr(static_cast<std::size_t>(found.value_start),
-                                          static_cast<std::size_t>(length)).c_str(), size);
+        QMRStrcpy(out,
+                  loaded.text
+                      .substr(static_cast<std::size_t>(found.value_start),
+                              static_cast<std::size_t>(length))
+                      .c_str(),
+                  size);
         return 1;
     }
     if (default_value != nullptr && size > 0) {
@@ -202,7 +221,7 @@ int write_profile_string(const char* section, const char* key, const char* value
     if (loaded.rest_dropped) {
         warn("'%s' holds a byte 0xFF or 0x00: what stood behind it is dropped", path);
     }
-    return replace_file(path, text) ? 1 : 0;
+    return replace_file(path, text) == Writing::done ? 1 : 0;
 }
 
 int write_profile_int(const char* section, const char* key, int value, const char* path)

@@ -7,6 +7,19 @@
 #include <cstdio>
 #include <string>
 
+namespace
+{
+
+__attribute__((format(printf, 2, 0))) void print_coloured(const char* start, const char* format,
+                                                          va_list args)
+{
+    std::fputs(start, stdout);
+    std::vprintf(format, args);
+    std::fputs("\033[m", stdout);
+}
+
+} // namespace
+
 void TUSKLog(unsigned char component, unsigned char module, unsigned char level, unsigned int code,
              const char* format, ...)
 {
@@ -20,12 +33,19 @@ void TUSKLog(unsigned char component, unsigned char module, unsigned char level,
 
 void print_info(const char* format, ...)
 {
-    std::fputs("\033[0;32;34mTUSK_INFO:", stdout);
     va_list args;
     va_start(args, format);
-    std::vprintf(format, args);
+    print_coloured("\033[0;32;34mTUSK_INFO:", format, args);
     va_end(args);
-    std::fputs("\033[m", stdout);
+}
+
+void print_fatal(const char* format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    print_coloured("\033[0;32;31mTUSK_FATAL:", format, args);
+    va_end(args);
+    flush_output();
 }
 
 void warn(const char* format, ...)
@@ -40,7 +60,8 @@ void warn(const char* format, ...)
         std::string text(static_cast<std::size_t>(length) + 1, '\0');
         std::vsnprintf(&text[0], text.size(), format, again);
         text.pop_back();
-        std::replace(text.begin(), text.end(), '\n', ' '); // stays one line
+        const auto is_control = [](unsigned char c) { return c < 32 || c == 127; };
+        std::replace_if(text.begin(), text.end(), is_control, ' '); // stays one line
         text = "lltwrapper: " + text + "\n";
         std::fwrite(text.data(), 1, text.size(), stderr);
     }

@@ -20,6 +20,9 @@ void TUSKLog(unsigned char component, unsigned char module, unsigned char level,
 /// output, without a line end of its own and without a flush.
 void print_info(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
+/// The same between "\033[0;32;31mTUSK_FATAL:" and "\033[m" (red), then flushes both streams.
+void print_fatal(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
 /// Prints "lltwrapper: ", the formatted text and a line end on standard error, as one write.
 /// For what the build engineer should know: what, where, what to do.
 void warn(const char* format, ...) __attribute__((format(printf, 1, 2)));

@@ -17,7 +17,10 @@ void put(const std::string& text, char* out)
 
 } // namespace
 
-std::string base_name(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+std::string base_name(const std::string& path)
+{
+    return path.substr(path.rfind('/') + 1);
+}
 
 SplitPath split_path(const std::string& path)
 {

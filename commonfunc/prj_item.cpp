@@ -14,7 +14,10 @@ LinuxPrjItem*& instance_slot()
 
 } // namespace
 
-LinuxPrjItem::LinuxPrjItem() { copy_bounded(szPrjName, "linuxcaddis"); }
+LinuxPrjItem::LinuxPrjItem()
+{
+    copy_bounded(szPrjName, "linuxcaddis");
+}
 
 LinuxPrjItem* LinuxPrjItem::GetInstance()
 {
@@ -37,4 +40,7 @@ void LinuxPrjItem::set_vbsflag()
     }
 }
 
-unsigned int LinuxPrjItem::isDisableUserConfig() { return env_is_nonzero("LLT_DISABLE_USRCFG"); }
+unsigned int LinuxPrjItem::isDisableUserConfig()
+{
+    return env_is_nonzero("LLT_DISABLE_USRCFG");
+}

@@ -32,26 +32,39 @@ bool write_all(int fd, const std::string& text)
     return true;
 }
 
-int run_from_file(const std::string& command)
+/// Writes the command to a new private file in the directory; its path, empty on failure.
+std::string write_command_file(const std::string& directory, const std::string& command)
 {
-    std::string path =
-        (env_is_filled("TMPDIR") ? env_text("TMPDIR") : "/tmp") + "/lltwrapper-XXXXXX";
+    std::string path = directory + "/lltwrapper-XXXXXX";
     const int fd = ::mkstemp(&path[0]);
-    const bool written = fd >= 0 && write_all(fd, command);
-    const int error = errno;
-    if (fd >= 0) {
-        ::close(fd);
+    if (fd < 0) {
+        return "";
     }
-    int status = -1;
-    if (written) {
-        status = std::system(("/bin/sh " + shell_word(path)).c_str());
-    } else {
-        warn("cannot write the command of %zu bytes to '%s': %s; make room there or set TMPDIR",
-             command.size(), path.c_str(), std::strerror(error));
-    }
-    if (fd >= 0) {
+    const bool written = write_all(fd, command);
+    ::close(fd);
+    if (!written) {
         ::unlink(path.c_str());
     }
+    return written ? path : "";
+}
+
+int run_from_file(const std::string& command)
+{
+    std::string path;
+    if (env_is_filled("TMPDIR")) {
+        path = write_command_file(env_text("TMPDIR"), command);
+    }
+    if (path.empty()) {
+        path = write_command_file("/tmp", command);
+    }
+    if (path.empty()) {
+        warn("cannot write the command of %zu bytes to a file in /tmp: %s; make room there or set "
+             "TMPDIR",
+             command.size(), std::strerror(errno));
+        return -1;
+    }
+    const int status = std::system(("/bin/sh " + shell_word(path)).c_str());
+    ::unlink(path.c_str());
     return status;
 }
 

@@ -8,7 +8,10 @@
 namespace
 {
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+char lower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 bool begins_nocase(const char* text, const char* start)
 {
@@ -21,7 +24,10 @@ bool begins_nocase(const char* text, const char* start)
 
 } // namespace
 
-int to_int(const char* text) { return static_cast<int>(std::strtol(text, nullptr, 10)); }
+int to_int(const char* text)
+{
+    return static_cast<int>(std::strtol(text, nullptr, 10));
+}
 
 bool equals_nocase(const char* a, const char* b)
 {
@@ -38,7 +44,10 @@ bool contains_nocase(const std::string& text, const std::string& needle)
     return needle.empty();
 }
 
-bool names_project_file(const std::string& path) { return contains_nocase(path, ".prj"); }
+bool names_project_file(const std::string& path)
+{
+    return contains_nocase(path, ".prj");
+}
 
 std::string squeeze_percent_pairs(const std::string& text)
 {

@@ -5,6 +5,7 @@
 // "-E" anywhere decides at once.
 #include "lltwrapper/classify.h"
 
+#include "lltwrapper/archive_prepare.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
@@ -21,11 +22,11 @@ constexpr std::size_t MODULE_NAME_LENGTH = 255;
 
 /// What the argument scan found.
 struct Scan {
-    bool compile = false;     ///< "-c"
-    bool has_output = false;  ///< "-o" with a value
-    bool run_as_is = false;   ///< "-S" or "-E"
-    bool archiver = false;    ///< the tool of "-artool"
-    std::string output;       ///< value of the last "-o"
+    bool compile = false;          ///< "-c"
+    bool has_output = false;       ///< "-o" with a value
+    bool run_as_is = false;        ///< "-S" or "-E"
+    bool archiver = false;         ///< the tool of "-artool"
+    std::string output;            ///< value of the last "-o"
     const char* archive = nullptr; ///< first archive named behind the archiver
 };
 
@@ -72,7 +73,10 @@ Scan scan_arguments(int argc, char** argv)
     return scan;
 }
 
-std::string up_to_first_dot(const std::string& name) { return name.substr(0, name.find('.')); }
+std::string up_to_first_dot(const std::string& name)
+{
+    return name.substr(0, name.find('.'));
+}
 
 void record_archive(const char* archive)
 {
@@ -197,6 +201,9 @@ void checkstate(int argc, char** argv)
         classify_compile(scan.output);
     } else if (scan.has_output) {
         classify_link(scan.output);
+    } else if (scan.archiver) {
+        ar_flag = 1;
+        prepare_archive(argc, argv);
     } else {
         run_unchanged();
     }

@@ -40,7 +40,10 @@ struct Walk {
     }
 };
 
-void append_word(const std::string& word) { pOriginalCmd += word + " "; }
+void append_word(const std::string& word)
+{
+    pOriginalCmd += word + " ";
+}
 
 /// Takes one of the wrapper's own options out of the command; its value, or null with a warning.
 const char* take_own_option(Walk& walk)
@@ -53,7 +56,10 @@ const char* take_own_option(Walk& walk)
     return value;
 }
 
-void drop_own_option(Walk& walk) { take_own_option(walk); }
+void drop_own_option(Walk& walk)
+{
+    take_own_option(walk);
+}
 
 void drop_project_path(Walk& walk)
 {
@@ -157,7 +163,10 @@ void keep_other(Walk& walk)
     walk.use(1);
 }
 
-bool equals(const char* argument, const char* text) { return std::strcmp(argument, text) == 0; }
+bool equals(const char* argument, const char* text)
+{
+    return std::strcmp(argument, text) == 0;
+}
 
 bool contains(const char* argument, const char* text)
 {

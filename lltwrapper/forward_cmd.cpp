@@ -71,8 +71,8 @@ void GenerateCMD2LLTLD()
     strLinkName = identifier_form(target).c_str();
     if (const char* driver = link_driver(iToken_wrapper)) {
         strLLTLD = std::string(driver) + " -qmr_current_prj_path " + lltdbRootpath +
-                   " -projectname " + strLinkName + " -qmr_coverage_stub_mold " + lltcovmode +
-                   " " + pOriginalCmd;
+                   " -projectname " + strLinkName + " -qmr_coverage_stub_mold " + lltcovmode + " " +
+                   pOriginalCmd;
     }
 }
 

@@ -4,6 +4,7 @@
 // standard error says what the status hides. LLTWRAPPER_EXACT_STATUS=1 gives the real one.
 #include "lltwrapper/mode_dispatch.h"
 
+#include "lltwrapper/archive_sequence.h"
 #include "lltwrapper/forward_cmd.h"
 #include "lltwrapper/version.h"
 #include "lltwrapper/wrapper_state.h"
@@ -30,9 +31,15 @@ The environment comes from the project's TUSK_INIT.SH; see lltwrapper(1).
 )";
 
 /// The status as such, without a word: what the parent sees are its low eight bits.
-int raw_status(int wait_status) { return wait_status; }
+int raw_status(int wait_status)
+{
+    return wait_status;
+}
 
-int zero_or_one(int wait_status) { return wait_status != 0 ? 1 : 0; }
+int zero_or_one(int wait_status)
+{
+    return wait_status != 0 ? 1 : 0;
+}
 
 /// The beginning of a command, enough to find it in the build log.
 std::string beginning_of(const std::string& command)
@@ -109,6 +116,15 @@ int run_link()
     return run_command(strLLTLD, Flush::both, zero_or_one);
 }
 
+int run_archive()
+{
+    if (!bring_archive_up_to_date()) {
+        return 1;
+    }
+    std::printf("lltar cmd:\n %s \n", strLLTAR.c_str());
+    return run_command(strLLTAR, Flush::both, raw_status);
+}
+
 } // namespace
 
 bool answer_without_command(int argc, char** argv)
@@ -150,6 +166,9 @@ int dispatch_mode()
     }
     if (lltld_flag == 1) {
         return run_link();
+    }
+    if (ar_flag == 1) {
+        return run_archive();
     }
     return run_command(pOriginalCmd, Flush::both, raw_status);
 }

@@ -11,7 +11,10 @@ void TUSK_SetType_m32m64(const char* option)
     g_str_m32m64 = std::strcmp(option, "-m32") == 0 ? "_m32" : "_m64";
 }
 
-std::string& TUSK_GetType_m32m64() { return g_str_m32m64; }
+std::string& TUSK_GetType_m32m64()
+{
+    return g_str_m32m64;
+}
 
 unsigned int TUSK_LINUXCADDIS_IsEnable3264()
 {

@@ -19,3 +19,4 @@ std::string arname;
 LinuxPrjItem* g_lxprj = LinuxPrjItem::GetInstance();
 std::string g_str_m32m64;
 int g_iStaticLib = 0;
+_InstFileList instFileList;

@@ -3,7 +3,8 @@
 #pragma once
 
 #include "commonfunc/Caddis_func.h"
-#include "lltld/program_objects.h"
+#include "lltld/inst_file_list.h"  // instFileList
+#include "lltld/program_objects.h" // tokens, g_iStaticLib
 
 #include <set>
 #include <string>

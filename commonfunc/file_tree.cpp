@@ -1,0 +1,170 @@
+// A copy of an instrumented source is a handful of small files, and an archive has thousands of
+// sources: a shell and a tool for each would be most of an archive step.
+#include "commonfunc/file_tree.h"
+
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+/// Names in the directory without "." and ".."; empty when it cannot be read. Read whole before
+/// anything is changed, since removal disturbs a directory stream.
+std::vector<std::string> names_in(const std::string& directory)
+{
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(directory.c_str()), &::closedir);
+    while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
+        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
+            names.emplace_back(entry->d_name);
+        }
+    }
+    return names;
+}
+
+bool failed(const char* what, const std::string& path)
+{
+    warn("cannot %s '%s': %s", what, path.c_str(), std::strerror(errno));
+    return false;
+}
+
+mode_t umask_of_process()
+{
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return mask;
+}
+
+bool copy_bytes(int from, int to)
+{
+    char buffer[65536];
+    for (ssize_t got = 0; (got = ::read(from, buffer, sizeof buffer)) != 0;) {
+        if (got < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        for (ssize_t put = 0; put < got;) {
+            const ssize_t n = ::write(to, buffer + put, static_cast<std::size_t>(got - put));
+            if (n < 0 && errno != EINTR) {
+                return false;
+            }
+            put += n > 0 ? n : 0;
+        }
+    }
+    return true;
+}
+
+bool copy_file(const std::string& source, const std::string& destination, mode_t mode)
+{
+    const int from = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
+    if (from < 0) {
+        return failed("read", source);
+    }
+    // An existing destination keeps its mode and identity; one that cannot be opened is replaced.
+    int to = ::open(destination.c_str(), O_WRONLY | O_TRUNC | O_CREAT | O_CLOEXEC, mode & 0777);
+    if (to < 0 && ::unlink(destination.c_str()) == 0) {
+        to = ::open(destination.c_str(), O_WRONLY | O_EXCL | O_CREAT | O_CLOEXEC, mode & 0777);
+    }
+    bool done = to >= 0 && copy_bytes(from, to);
+    ::close(from);
+    done = (to < 0 || ::close(to) == 0) && done;
+    return done || failed("copy to", destination);
+}
+
+bool copy_link(const std::string& source, const std::string& destination)
+{
+    std::string target(PATH_MAX, '\0');
+    const ssize_t length = ::readlink(source.c_str(), &target[0], target.size());
+    if (length < 0) {
+        return failed("read", source);
+    }
+    target.resize(static_cast<std::size_t>(length));
+    ::unlink(destination.c_str());
+    return ::symlink(target.c_str(), destination.c_str()) == 0 || failed("create", destination);
+}
+
+bool copy_entry(const std::string& source, const std::string& destination);
+
+bool copy_directory(const std::string& source, const std::string& destination, mode_t mode)
+{
+    const bool made = ::mkdir(destination.c_str(), (mode & 0777) | S_IRWXU) == 0;
+    if (!made && errno != EEXIST) {
+        return failed("create", destination);
+    }
+    bool done = true;
+    for (const std::string& name : names_in(source)) {
+        const std::string target = destination + "/" + name;
+        done = copy_entry(source + "/" + name, target) && done;
+    }
+    if (made) {
+        ::chmod(destination.c_str(), mode & 0777 & ~umask_of_process());
+    }
+    return done;
+}
+
+bool copy_entry(const std::string& source, const std::string& destination)
+{
+    struct stat info = {};
+    if (::lstat(source.c_str(), &info) != 0) {
+        return failed("read", source);
+    }
+    if (S_ISDIR(info.st_mode)) {
+        return copy_directory(source, destination, info.st_mode);
+    }
+    if (S_ISLNK(info.st_mode)) {
+        return copy_link(source, destination);
+    }
+    if (S_ISREG(info.st_mode)) {
+        return copy_file(source, destination, info.st_mode);
+    }
+    ::unlink(destination.c_str());
+    return ::mknod(destination.c_str(), info.st_mode & ~umask_of_process(), info.st_rdev) == 0 ||
+           failed("create", destination);
+}
+
+} // namespace
+
+void remove_tree(const std::string& path)
+{
+    struct stat info = {};
+    if (::lstat(path.c_str(), &info) != 0) {
+        return;
+    }
+    if (!S_ISDIR(info.st_mode)) {
+        ::unlink(path.c_str());
+        return;
+    }
+    for (const std::string& name : names_in(path)) {
+        remove_tree(path + "/" + name);
+    }
+    ::rmdir(path.c_str());
+}
+
+void remove_entries(const std::string& directory, const std::string& start)
+{
+    for (const std::string& name : names_in(directory)) {
+        const bool hidden = name[0] == '.' && start.substr(0, 1) != ".";
+        if (!hidden && name.compare(0, start.size(), start) == 0) {
+            remove_tree(directory + "/" + name);
+        }
+    }
+}
+
+bool copy_tree(const std::string& source, const std::string& destination)
+{
+    struct stat info = {};
+    const bool into = ::stat(destination.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+    return copy_entry(source, into ? destination + "/" + base_name(source) : destination);
+}

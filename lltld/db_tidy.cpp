@@ -1,0 +1,74 @@
+// The copies go under the number that was given last. Kept: a symbol without a record of its own
+// therefore copies to db-1 when it is the first, and into the previous entry's directory later.
+#include "lltld/db_tidy.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_tree.h"
+#include "lltld/cov_paths.h"
+#include "lltld/inst_file_list.h"
+#include "lltld/prj_settings.h"
+#include "lltld/source_tab.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace
+{
+
+constexpr unsigned int CODE_TIDYING_ERROR = 2311;
+
+/// Copies one artefact; false when its source is missing.
+bool copy_artefact(const std::string& source, const std::string& destination)
+{
+    if (QMRFileExists(source.c_str()) == 0) {
+        return false;
+    }
+    copy_tree(source, destination);
+    return true;
+}
+
+bool copy_artefacts(const char* symbol, int number)
+{
+    return copy_artefact(temp_db_dir(symbol), numbered_db_dir(number)) &&
+           copy_artefact(temp_ini_path(symbol), ini_path(symbol)) &&
+           copy_artefact(temp_saved_object_path(symbol), saved_object_path(symbol));
+}
+
+bool tidy_symbols(std::FILE* merged, _SOURCEFILE_TAB& work)
+{
+    int counter = 0;
+    for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
+        const char* symbol = node->szInstFileName;
+        std::printf("[lltld:TidyCoverageDB]symbol=%s\n", symbol);
+        if (SrcFileTabInfoWriteToCovTab(temp_tab_path(symbol).c_str(), merged, &work, &counter) <
+            1) {
+            TUSKLog(LOG_COMPONENT, LOG_MODULE, LOG_ERROR, CODE_TIDYING_ERROR,
+                    "this error arises when TidyCoverageDB!\n");
+            return false;
+        }
+        if (g_iSupportSameName == 1 && !copy_artefacts(symbol, counter - 1)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+int TidyCoverageDB()
+{
+    const std::string path = merged_tab_path();
+    std::FILE* merged = std::fopen(path.c_str(), "w+be");
+    if (merged == nullptr) {
+        std::printf("Open file '%s' failed!\n", path.c_str());
+        return 0;
+    }
+    _SOURCEFILE_TAB work;
+    const bool done = tidy_symbols(merged, work);
+    std::fclose(merged);
+    release_table(work);
+    if (!done) {
+        std::remove(path.c_str());
+    }
+    return done ? 1 : 0;
+}

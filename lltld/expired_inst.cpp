@@ -1,0 +1,23 @@
+// Four targets per symbol. Kept: the saved object is the one entry named exactly as the symbol,
+// the after area holds entries with suffixes, so only there the name is a beginning.
+#include "lltld/expired_inst.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_tree.h"
+#include "lltld/cov_paths.h"
+
+void DeleteInstInfoFromLLTTEMP(const char* symbol)
+{
+    const std::string name = symbol;
+    if (name.empty() || name == "." || name == ".." || name.find('/') != std::string::npos ||
+        g_lxprj->szLLTTEMP[0] == '\0') {
+        warn("nothing is removed for the superseded symbol '%s' in '%s': this would reach beyond "
+             "one symbol's files; recompile the sources if coverage looks stale",
+             symbol, g_lxprj->szLLTTEMP);
+        return;
+    }
+    remove_tree(temp_db_dir(symbol));
+    remove_tree(temp_ini_path(symbol));
+    remove_entries(temp_after_dir(), name + ".");
+    remove_tree(temp_saved_object_path(symbol));
+}

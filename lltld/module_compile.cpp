@@ -1,0 +1,146 @@
+// The compile settings of a module are those recorded for its first instrumented source that has
+// a record. Kept: a "CompileCmd.txt" left by an earlier run counts, whatever `cp` did.
+#include "lltld/module_compile.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "lltld/cov_paths.h"
+#include "lltld/inst_file_list.h"
+
+#include <cstdio>
+#include <cstring>
+#include <libgen.h>
+#include <memory>
+
+namespace
+{
+
+/// Bytes of each path and of the whole copy command that are used.
+constexpr std::size_t COPY_PATH_LENGTH = 259;
+constexpr std::size_t COPY_COMMAND_LENGTH = 511;
+
+/// Tries the symbol's record; true when the work area holds a compile command afterwards.
+bool copy_compile_command(const char* symbol, std::string& command)
+{
+    const std::string source = temp_compile_command_path(symbol);
+    const std::string area = g_lxprj->szCovDictPath;
+    command = "cp " + shell_word(source) + " " + shell_word(area);
+    if (source.size() > COPY_PATH_LENGTH || area.size() > COPY_PATH_LENGTH ||
+        command.size() > COPY_COMMAND_LENGTH) {
+        warn("'%s' is not copied: its path or that of the work area is too long; use a shorter "
+             "project path",
+             source.c_str());
+        return false;
+    }
+    run_helper(command);
+    return QMRFileExists(compile_command_path().c_str()) != 0;
+}
+
+void report_missing_records()
+{
+    print_fatal("copy_compile_command_for_lltld failed\n\n");
+    print_fatal(
+        "Probably, you have deleted all of KESTO LLT informations, but you areusing "
+        "incremental-compile or incremental-link\nsolutions: \nfirstly, recompile your source "
+        "code without using lltwrapper;\nsecondly, check your makefiles, probably there is "
+        "something wrong with the 'MAKE CLEAN' rules;\nthirdly, if you don't want to solve the "
+        "problems mentioned above currently, you must donot clean '%s' automatically.\n",
+        g_lxprj->szLLTTEMP);
+    print_fatal("please clear your environment, and recompile your source code.\n");
+}
+
+/// Carries the settings of the first registered symbol with a record into `g_lxprj`.
+int load_module_settings()
+{
+    if (instFileList.pHead == nullptr) {
+        print_info("GetInstInfo:: no-coverage-info\n");
+        flush_output();
+        return 0;
+    }
+    std::string command;
+    for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
+        if (copy_compile_command(node->szInstFileName, command)) {
+            std::printf("copy_compile_command_for_lltld: %s\n\n", command.c_str());
+            SetToolPath();
+            SetModTcInc();
+            SetModCompileCmd();
+            return 1;
+        }
+    }
+    report_missing_records();
+    return 0;
+}
+
+std::string compile_option(const char* key, std::size_t size)
+{
+    const std::unique_ptr<char[]> value(new char[size]());
+    QMRGetPrivateProfileString("CompileOption", key, value.get(), static_cast<int>(size), nullptr,
+                               compile_option_path().c_str());
+    return value.get();
+}
+
+int report_failure(int result)
+{
+    if (result < 1) {
+        std::printf("errors happened in %s\n", "FindSymbolInObjFile");
+    }
+    return result;
+}
+
+} // namespace
+
+int GetInstInfo(const char* list)
+{
+    if (list == nullptr) {
+        return 0;
+    }
+    for (const char* path = list; *path != '\0'; path += std::strlen(path) + 1) {
+        if (report_failure(FindSymbolInObjFile(path)) < 1) {
+            return 0;
+        }
+    }
+    return load_module_settings();
+}
+
+int register_scanned_objects(const std::vector<ScannedObject>& objects)
+{
+    for (const ScannedObject& object : objects) {
+        if (report_failure(register_symbols(object)) < 1) {
+            return 0;
+        }
+    }
+    return load_module_settings();
+}
+
+void SetToolPath()
+{
+    char program[513] = {};
+    GetCurrProcName(program);
+    char bounded[262];
+    copy_bounded(bounded, program);
+    g_lxprj->strToolPath = ::dirname(bounded);
+}
+
+void SetModTcInc()
+{
+    std::string& include = g_lxprj->m_str_include;
+    include = " -I " + g_lxprj->strToolPath + "/include " + "-I " + g_lxprj->strToolPath +
+              "/include/cunit ";
+    if (QMRFileExists(compile_option_path().c_str()) == 0) {
+        std::printf("CompileOption.ini(%s) doesn't exist.\n", compile_option_path().c_str());
+        return;
+    }
+    include += compile_option("C_Macro", 2048) + " " + compile_option("Cpp_Macro", 2048) + " " +
+               compile_option("IncludePath", 0x20000);
+}
+
+int SetModCompileCmd()
+{
+    std::string text;
+    const std::string path = compile_command_path();
+    const Reading reading = read_whole_file(path, text);
+    g_lxprj->strCompileCmd = text.c_str();
+    if (reading == Reading::missing || reading == Reading::not_opened) {
+        std::printf("open file [%s] error.\n", path.c_str());
+    }
+    return reading == Reading::done || reading == Reading::empty ? 1 : 0;
+}

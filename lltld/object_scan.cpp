@@ -1,0 +1,136 @@
+// One file at a time is read whole, with one NUL behind it, and freed before the next one.
+#include "lltld/object_scan.h"
+
+#include "commonfunc/file_ops.h"
+#include "lltld/inst_file_list.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace
+{
+
+constexpr char COVERAGE_PREFIX[] = "g_QMRCovData_";
+constexpr std::size_t COVERAGE_PREFIX_LENGTH = sizeof COVERAGE_PREFIX - 1;
+constexpr char TEST_LOADER_PREFIX[] = "ZJ_Start_";
+
+bool contains(const std::string& content, const char* pattern)
+{
+    return QMRstrstr(content.c_str(), pattern, content.size()) != nullptr;
+}
+
+std::vector<CoverageSymbol> coverage_symbols(const std::string& content)
+{
+    std::vector<CoverageSymbol> symbols;
+    const char* at = content.c_str();
+    const char* const end = at + content.size();
+    while ((at = QMRstrstr(at, COVERAGE_PREFIX, static_cast<unsigned long>(end - at))) != nullptr) {
+        const char* name = at + COVERAGE_PREFIX_LENGTH;
+        const std::size_t length = std::strcspn(name, " ");
+        symbols.push_back({at, std::string(name, length)});
+        // From the end of the name on: the blank or NUL there begins no match, and behind the
+        // last NUL there is nothing to read.
+        at = name + length;
+    }
+    return symbols;
+}
+
+} // namespace
+
+const char* QMRstrstr(const char* data, const char* pattern, unsigned long len)
+{
+    if (data == nullptr || len == 0) {
+        return nullptr;
+    }
+    if (*pattern == '\0') {
+        return data;
+    }
+    const char* const end = data + len;
+    const char* attempt = data;
+    while (attempt < end) {
+        attempt = static_cast<const char*>(
+            std::memchr(attempt, *pattern, static_cast<std::size_t>(end - attempt)));
+        if (attempt == nullptr) {
+            return nullptr;
+        }
+        std::size_t matched = 1;
+        while (pattern[matched] != '\0' && attempt[matched] == pattern[matched]) {
+            ++matched;
+        }
+        if (pattern[matched] == '\0') {
+            return attempt;
+        }
+        // Kept: behind the mismatching byte, which may have begun a match itself.
+        attempt += matched + 1;
+    }
+    return nullptr;
+}
+
+int FindSymbolInObjFileEx(int* found, const char* path, const char* pattern)
+{
+    if (found == nullptr || path == nullptr) {
+        return 0;
+    }
+    std::string content;
+    const Reading reading = read_whole_file(path, content);
+    if (reading == Reading::missing) {
+        std::printf("File Path '%s' doesn't exist!\n", path);
+    }
+    if (reading != Reading::done) {
+        return 0;
+    }
+    *found = contains(content, pattern) ? 1 : 0;
+    return 1;
+}
+
+int FindSymbolInObjFile(const char* path)
+{
+    if (path == nullptr) {
+        return 0;
+    }
+    std::string content;
+    switch (read_whole_file(path, content)) {
+    case Reading::missing:
+        std::printf("File Path '%s' doesn't exist!\n", path);
+        return 0;
+    case Reading::not_opened:
+        std::printf("Open the file '%s' failed!\n", path);
+        return 0;
+    case Reading::empty:
+        std::printf("The file size of '%s' is '%d'!\n", path, 0);
+        return 0;
+    case Reading::no_memory:
+        std::puts("Allocate memory failed!");
+        return 0;
+    case Reading::failed:
+        std::printf("Read file '%s' failed!\n", path);
+        return 0;
+    case Reading::done:
+        break;
+    }
+    return register_symbols({path, false, coverage_symbols(content)});
+}
+
+bool scan_object(const std::string& path, ScannedObject& object)
+{
+    std::string content;
+    if (read_whole_file(path, content) != Reading::done) {
+        return false;
+    }
+    object = {path, contains(content, TEST_LOADER_PREFIX), {}};
+    if (!object.has_test_loader) {
+        object.symbols = coverage_symbols(content);
+    }
+    return true;
+}
+
+int register_symbols(const ScannedObject& object)
+{
+    for (const CoverageSymbol& symbol : object.symbols) {
+        std::printf("symbol  %s  in obj-file: %s\n", symbol.text.c_str(), object.path.c_str());
+        if (WriteDBNameToList(symbol.name.c_str()) == 0) {
+            return 0;
+        }
+    }
+    return 1;
+}

@@ -1,0 +1,39 @@
+// Object files searched, as raw bytes, for coverage symbols. The instrumenting compiler driver
+// leaves a data symbol "g_QMRCovData_" and the database name in each object.
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// Searches `data` for the NUL-terminated pattern; the match, or null. After a mismatch the search
+/// goes on behind the mismatching byte, so a match that overlaps a partly matched prefix is not
+/// found (aab in aaab). Attempts start at offsets below `len` only; one may read beyond it, which
+/// a NUL behind the data makes safe. An empty pattern matches when `len` is at least 1.
+const char* QMRstrstr(const char* data, const char* pattern, unsigned long len);
+
+/// Sets `*found` to 1 or 0: whether the pattern occurs in the file. Returns 1, or 0 when the file
+/// could not be read or is empty (`*found` is untouched then; a missing file is reported).
+int FindSymbolInObjFileEx(int* found, const char* path, const char* pattern);
+
+/// Registers every database name of the file in `instFileList` and prints the symbols. Returns 1,
+/// also without any symbol, or 0 after a message.
+int FindSymbolInObjFile(const char* path);
+
+/// One coverage symbol of an object.
+struct CoverageSymbol {
+    std::string text; ///< from the match to the next NUL, as printed
+    std::string name; ///< behind the prefix, to the next blank or NUL
+};
+
+/// What an archive step wants to know of one object, from one reading of it.
+struct ScannedObject {
+    std::string path;
+    bool has_test_loader = false;        ///< it holds "ZJ_Start_"
+    std::vector<CoverageSymbol> symbols; ///< its coverage symbols in file order
+};
+
+/// Reads the file once. False when it cannot be read, is empty, or is no regular file.
+bool scan_object(const std::string& path, ScannedObject& object);
+
+/// What `FindSymbolInObjFile` does with an object that has been read.
+int register_symbols(const ScannedObject& object);

@@ -1,0 +1,133 @@
+// File format: a plain sequence of 280-byte records, little-endian, no header, no count; a
+// remainder is ignored.
+//
+//   offset  size  field
+//        0     4  fileid           260     4  size          268     4  inststartpoint
+//        4   256  szName           264     4  mtime         272     4  instnum
+//                                                           276     4  flags, bits 0 to 2
+//
+// Kept: an empty file leaves the records of an earlier read in place, so a work table that is used
+// for one file after the other answers with them.
+#include "lltld/source_tab.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "lltld/cov_paths.h"
+
+#include <climits>
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+
+static_assert(sizeof(_SOURCEFILE_OBJECT) == 280, "a record has no padding");
+static_assert(offsetof(_SOURCEFILE_OBJECT, size) == 260, "the name has 256 bytes");
+static_assert(offsetof(_SOURCEFILE_OBJECT, instnum) == 272, "the counters follow the times");
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "records are written as they are");
+
+namespace
+{
+
+constexpr unsigned int CODE_EMPTY_TABLE = 10;
+constexpr unsigned int CODE_EMPTY_MERGED_TABLE = 11;
+
+void log_empty(unsigned int code, const char* path)
+{
+    TUSKLog(LOG_COMPONENT, LOG_MODULE, LOG_WARNING, code, "The content of '%s' is empty!\n", path);
+}
+
+/// Makes room for `size` bytes; the buffer only grows. False after a message.
+bool grow(_SOURCEFILE_TAB& table, int size)
+{
+    if (table.listsize >= size) {
+        return true;
+    }
+    release_table(table);
+    // At least one whole record, so that a shorter file reads as a record filled up with zeros.
+    const auto bytes = std::max(static_cast<std::size_t>(size), sizeof(_SOURCEFILE_OBJECT));
+    table.objlist = static_cast<_SOURCEFILE_OBJECT*>(std::calloc(1, bytes));
+    if (table.objlist == nullptr) {
+        std::puts("Allocate memory failed!");
+        return false;
+    }
+    table.listsize = size;
+    return true;
+}
+
+/// The two readers differ in when an empty file is noticed and under which code it is logged.
+int read_table(const char* path, _SOURCEFILE_TAB& table, bool grow_first, unsigned int empty_code)
+{
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "rbe"),
+                                                               &std::fclose);
+    if (!file) {
+        std::printf("File \"%s\" open failed!\n", path);
+        return 0;
+    }
+    std::fseek(file.get(), 0, SEEK_END);
+    const long size = std::ftell(file.get());
+    std::rewind(file.get());
+    if (size < 0 || size > INT_MAX) {
+        std::printf("Error:Read insted info from '%s' failed!\n", path);
+        return 0;
+    }
+    if (grow_first && !grow(table, static_cast<int>(size))) {
+        return 0;
+    }
+    if (size == 0) {
+        log_empty(empty_code, path);
+        return 1;
+    }
+    if (!grow_first && !grow(table, static_cast<int>(size))) {
+        return 0;
+    }
+    const auto bytes = static_cast<std::size_t>(size);
+    if (std::fread(static_cast<void*>(table.objlist), 1, bytes, file.get()) != bytes) {
+        std::printf("Error:Read insted info from '%s' failed!\n", path);
+        return 0;
+    }
+    if (bytes < sizeof(_SOURCEFILE_OBJECT)) {
+        warn("'%s' holds %zu bytes, less than one record: the rest counts as zero; recompile the "
+             "source",
+             path, bytes);
+    }
+    table.elementcount = static_cast<int>(bytes / sizeof(_SOURCEFILE_OBJECT));
+    return 1;
+}
+
+} // namespace
+
+int GetOneSourceFileTabInfo2(const char* path, _SOURCEFILE_TAB* table)
+{
+    return path != nullptr ? read_table(path, *table, true, CODE_EMPTY_TABLE) : 0;
+}
+
+int CodeMeasure_Client_GetSourceFileTab(_SOURCEFILE_TAB* table)
+{
+    return read_table(merged_tab_path().c_str(), *table, false, CODE_EMPTY_MERGED_TABLE);
+}
+
+int SrcFileTabInfoWriteToCovTab(const char* path, std::FILE* out, _SOURCEFILE_TAB* table,
+                                int* counter)
+{
+    if (QMRFileExists(path) == 0) {
+        return 1;
+    }
+    if (GetOneSourceFileTabInfo2(path, table) == 0) {
+        return 0;
+    }
+    if (table->objlist == nullptr) {
+        return 1;
+    }
+    _SOURCEFILE_OBJECT record = {};
+    QMRStrcpy(record.szName, table->objlist->szName, sizeof record.szName);
+    record.fileid = (*counter)++;
+    if (std::fwrite(&record, sizeof record, 1, out) != 1) {
+        std::printf("Error:Write insted info to '%s/db/.tab' failed!\n", g_lxprj->szCovDictPath);
+        return 0;
+    }
+    return 1;
+}
+
+void release_table(_SOURCEFILE_TAB& table)
+{
+    std::free(table.objlist);
+    table = _SOURCEFILE_TAB();
+}

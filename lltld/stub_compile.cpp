@@ -1,0 +1,74 @@
+// The recorded command is used as it was read: it ends before "-o", and nothing is trimmed.
+#include "lltld/stub_compile.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "lltld/cov_paths.h"
+#include "lltld/program_objects.h"
+
+#include <cstdio>
+
+char g_lltusercmd[1024];
+char g_lltusercmd2[1024];
+
+namespace
+{
+
+/// Room for the stub's paths behind the recorded command, and for a whole second-stage command.
+constexpr std::size_t ROOM_BEHIND_PREFIX = 1023;
+constexpr std::size_t SECOND_STAGE_LENGTH = 2047;
+
+/// Runs the command if it fits its bound; true when it returned 0.
+bool run_whole(const std::string& command, std::size_t bound)
+{
+    if (command.size() > bound) {
+        warn("the stub is not compiled: its command has %zu bytes, more than %zu; use a shorter "
+             "project path",
+             command.size(), bound);
+        return false;
+    }
+    return run_helper(command) == 0;
+}
+
+bool run_two_stages(const std::string& prefix, const std::string& second, const char* output)
+{
+    const std::string object = stub_two_stage_object_path();
+    return run_whole(prefix + " -o " + object + " -c " + stub_source_path(),
+                     prefix.size() + ROOM_BEHIND_PREFIX) &&
+           run_whole(second + output + stub_object_path() + " " + object, SECOND_STAGE_LENGTH);
+}
+
+bool run_single_stage(const std::string& prefix)
+{
+    // Kept: two blanks but for kernel modules; recorded build logs are compared.
+    const bool module = iToken_wrapper == 2 || (iToken_wrapper == 1 && iToken_warpper_inner == 1);
+    const std::string command =
+        prefix + (module ? " -o " : "  -o ") + stub_object_path() + " -c " + stub_source_path();
+    const std::size_t bound = prefix.size() + ROOM_BEHIND_PREFIX;
+    std::puts(command.substr(0, bound).c_str());
+    return run_whole(command, bound);
+}
+
+} // namespace
+
+int LD_CompileCovInitCodeFile()
+{
+    std::string text;
+    const std::string path = compile_command_path();
+    const Reading reading = read_whole_file(path, text);
+    if (reading == Reading::missing || reading == Reading::not_opened) {
+        std::printf("open file [%s] error.", path.c_str());
+    }
+    if (reading != Reading::done && reading != Reading::empty) {
+        return 0;
+    }
+    const std::string prefix = text.c_str();
+    bool done = false;
+    if (g_lltusercmd[0] != '\0') {
+        done = run_two_stages(prefix, g_lltusercmd, " -o ");
+    } else if (g_lltusercmd2[0] != '\0') {
+        done = run_two_stages(prefix, g_lltusercmd2, " ");
+    } else {
+        done = run_single_stage(prefix);
+    }
+    return done ? 1 : 0;
+}

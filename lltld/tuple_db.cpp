@@ -1,0 +1,55 @@
+// File format: a plain sequence of 780-byte records in list order, no header, no count.
+//
+//   offset  size  content
+//        0   260  source path, NUL-terminated, zero-filled
+//      260   260  object path, likewise
+//      520   260  coverage symbol name, likewise
+#include "lltld/tuple_db.h"
+
+#include "commonfunc/Caddis_func.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+static_assert(sizeof(_STInstInfo) == 780, "a record has no padding");
+
+int ReadOldInstInfoFromDb(const char* path, std::vector<_STInstInfo>& out)
+{
+    std::string content;
+    switch (read_whole_file(path, content)) {
+    case Reading::missing:
+    case Reading::empty:
+        return 1;
+    case Reading::not_opened:
+        std::printf("fopen '%s' error, in FUNCTION '%s'\n", path, "ReadOldInstInfoFromDb");
+        return 0;
+    case Reading::no_memory:
+    case Reading::failed:
+        return 0;
+    case Reading::done:
+        break;
+    }
+    out.reserve(out.size() + content.size() / sizeof(_STInstInfo) + 1);
+    for (std::size_t at = 0; at < content.size(); at += sizeof(_STInstInfo)) {
+        _STInstInfo record;
+        std::memcpy(static_cast<void*>(&record), content.data() + at,
+                    std::min(sizeof record, content.size() - at));
+        for (char* field : {record.szSrcFileName, record.szObjFileName, record.szSymbolName}) {
+            field[INST_NAME_SIZE - 1] = '\0';
+        }
+        out.push_back(record);
+    }
+    return 1;
+}
+
+int WriteNewInstInfoToDb(const char* path)
+{
+    std::string content;
+    for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
+        content.append(node->szSrcFileName, INST_NAME_SIZE);
+        content.append(node->szObjFileName, INST_NAME_SIZE);
+        content.append(node->szInstFileName, INST_NAME_SIZE);
+    }
+    return replace_file(path, content) == Writing::not_opened ? 0 : 1;
+}

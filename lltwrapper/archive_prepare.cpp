@@ -1,0 +1,113 @@
+// Settings -> work area -> members. No result of a step is looked at: what could be prepared is
+// prepared, and the archive sequence runs on whatever there is.
+#include "lltwrapper/archive_prepare.h"
+
+#include "lltld/linuxfunc.h"
+#include "lltwrapper/response_file.h"
+#include "lltwrapper/work_area_lock.h"
+#include "lltwrapper/wrapper_state.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+namespace
+{
+
+/// Bytes of the module name, and of an object's absolute path, that are used.
+constexpr std::size_t MODULE_NAME_LENGTH = 255;
+constexpr std::size_t OBJECT_PATH_LENGTH = 259;
+
+/// The work area and the shared temporary area of the module.
+void enter_work_area(LinuxPrjItem& prj)
+{
+    const std::string root = prj.szCovDictPath;
+    copy_bounded(prj.modName, strLinkName);
+    if (!copy_bounded(prj.szCovDictPath, root + "/" + strLinkName + "/codemeasure")) {
+        prj.isCovDictPathCut = true;
+    }
+    CodeMeasure_CreateDir();
+    lock_work_area(prj.szCovDictPath);
+    const std::string temp = absolute_path(std::string(prj.szCovDictPath) + "/../../LLTTEMP");
+    if (!copy_bounded(prj.szLLTTEMP, temp)) {
+        prj.isCovDictPathCut = true;
+    }
+}
+
+/// Two libraries of one stem take turns in one work area, and each build throws away the other's
+/// coverage.
+void warn_if_shared(const LinuxPrjItem& prj)
+{
+    char archive[sizeof prj.szObjFile] = {};
+    read_profile_string("project", "sutpath", archive, sizeof archive, nullptr,
+                        project_file_path().c_str());
+    if (archive[0] != '\0' && std::strcmp(archive, prj.szObjFile) != 0) {
+        warn("'%s' and '%s' share the work area '%s': each overwrites the other's coverage; give "
+             "the libraries different names",
+             archive, prj.szObjFile, prj.szCovDictPath);
+    }
+}
+
+/// Reads the file that an argument names; true when it is a member with coverage data.
+bool inspect(const std::string& argument, ScannedObject& object)
+{
+    const std::string path = absolute_path(argument);
+    if (path.size() > OBJECT_PATH_LENGTH) {
+        warn("'%s' is not inspected: its path is longer than %zu bytes; use a shorter project path",
+             path.c_str(), OBJECT_PATH_LENGTH);
+        return false;
+    }
+    return scan_object(path, object) && !object.has_test_loader && !object.symbols.empty();
+}
+
+bool is_suffix_option(const std::string& argument)
+{
+    const char* const options[] = {"-objsuffix", "-binsuffix", "-arsuffix", "-artool"};
+    return std::find(std::begin(options), std::end(options), argument) != std::end(options);
+}
+
+/// Every argument is looked at, the archiver and the archive too.
+std::vector<ScannedObject> members_with_coverage(const std::vector<std::string>& arguments)
+{
+    std::vector<ScannedObject> members;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        ScannedObject object;
+        if (is_suffix_option(arguments[i])) {
+            ++i;
+        } else if (inspect(arguments[i], object)) {
+            members.push_back(std::move(object));
+        }
+    }
+    return members;
+}
+
+} // namespace
+
+void prepare_archive(int argc, char** argv)
+{
+    LinuxPrjItem& prj = *g_lxprj;
+    Caddis_LD_Initial();
+    if (strLinkName.empty()) {
+        // Kept: the archive sequence then runs with an empty module name.
+        std::puts("lltwrapper error, null projectname.");
+        std::fflush(stdout);
+        return;
+    }
+    strLinkName.resize(std::min(strLinkName.size(), MODULE_NAME_LENGTH));
+    std::replace(strLinkName.begin(), strLinkName.end(), '-', '_');
+    enter_work_area(prj);
+    warn_if_shared(prj);
+    try {
+        const auto members = members_with_coverage(with_response_files(argc, argv));
+        if (!members.empty()) {
+            register_scanned_objects(members);
+            return;
+        }
+    } catch (const std::bad_alloc&) {
+        std::puts("[lltwrapper]:Allocate memory failed!");
+        return;
+    }
+    ar_flag = 0;
+    ori_flag = 1;
+}

@@ -1,0 +1,71 @@
+// Only for looking at the members: the command itself is passed on as it is.
+#include "lltwrapper/response_file.h"
+
+#include "commonfunc/file_ops.h"
+
+namespace
+{
+
+/// Response files may name response files; a ring of them ends here.
+constexpr int MAX_DEPTH = 16;
+
+bool is_space(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+void add_argument(const std::string& argument, int depth, std::vector<std::string>& out)
+{
+    out.push_back(argument);
+    std::string text;
+    if (argument[0] == '@' && depth < MAX_DEPTH &&
+        read_whole_file(argument.substr(1), text) == Reading::done) {
+        for (const std::string& word : words_of(text)) {
+            add_argument(word, depth + 1, out);
+        }
+    }
+}
+
+} // namespace
+
+std::vector<std::string> with_response_files(int argc, char** argv)
+{
+    std::vector<std::string> arguments;
+    for (int i = 1; i < argc; ++i) {
+        add_argument(argv[i], 0, arguments);
+    }
+    return arguments;
+}
+
+std::vector<std::string> words_of(const std::string& text)
+{
+    std::vector<std::string> words;
+    std::string word;
+    bool in_word = false;
+    char quote = '\0';
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (quote == '\0' && is_space(c)) {
+            if (in_word) {
+                words.push_back(word);
+            }
+            word.clear();
+            in_word = false;
+            continue;
+        }
+        in_word = true;
+        if (c == '\\' && i + 1 < text.size()) {
+            word += text[++i];
+        } else if (c == quote) {
+            quote = '\0';
+        } else if (quote == '\0' && (c == '"' || c == '\'')) {
+            quote = c;
+        } else {
+            word += c;
+        }
+    }
+    if (in_word) {
+        words.push_back(word);
+    }
+    return words;
+}
