@@ -3,7 +3,6 @@
 // "rm -rf" would name a parent directory.
 #include "commonfunc/file_ops.h"
 
-#include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
@@ -103,12 +102,7 @@ int DeleteAllFilesInDirectory(const char* path)
     }
     const std::string command = "rm -rf " + shell_word(path) + "/*";
     std::printf("rm cmd:: %s, %s\n", command.c_str(), "DeleteAllFilesInDirectory");
-    const int status = run_helper(command);
-    if (status > 0) {
-        // The pattern may have been too long for one command line; hidden files stay either way.
-        remove_entries(path, "");
-    }
-    return status == -1 ? 0 : 1;
+    return run_helper(command) == -1 ? 0 : 1;
 }
 
 int QMRGetCurrProcName(char* out)

@@ -63,7 +63,7 @@ int run_from_file(const std::string& command)
              command.size(), std::strerror(errno));
         return -1;
     }
-    const int status = std::system(("/bin/sh " + shell_word(path)).c_str());
+    const int status = std::system(("exec /bin/sh " + shell_word(path)).c_str());
     ::unlink(path.c_str());
     return status;
 }

@@ -43,18 +43,26 @@ void clear_numbered_databases()
     if (!fits(db, DB_DIR_LENGTH) || QMRPathIsDirectory(db.c_str()) == 0) {
         return;
     }
-    if (run_helper("rm -rf " + shell_word(db) + "/db*") != 0) {
-        // Too many names for one command line, perhaps.
-        remove_entries(db, "db");
-    }
+    run_helper("rm -rf " + shell_word(db) + "/db*");
+    remove_entries(db, "db"); // as in `clear_directory`
 }
 
 /// Empties a directory of the work area if it exists; false when that was impossible.
 bool clear_directory(const char* name)
 {
     const std::string path = std::string(g_lxprj->szCovDictPath) + "/" + name;
-    return fits(path, PATH_LENGTH) &&
-           (QMRPathIsDirectory(path.c_str()) == 0 || DeleteAllFilesInDirectory(path.c_str()) != 0);
+    if (!fits(path, PATH_LENGTH)) {
+        return false;
+    }
+    if (QMRPathIsDirectory(path.c_str()) == 0) {
+        return true;
+    }
+    if (DeleteAllFilesInDirectory(path.c_str()) == 0) {
+        return false;
+    }
+    // More names than one command line holds keep `rm` from starting.
+    remove_entries(path, "");
+    return true;
 }
 
 /// Old records, new records, superseded ones removed, and the new `tuple.db`.

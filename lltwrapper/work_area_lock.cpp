@@ -25,11 +25,15 @@ bool held_by_another(int fd)
 
 void lock_work_area(const std::string& directory)
 {
-    const int fd = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    // Stays open: the end of the process, or the next work area, releases the lock.
+    static int fd = -1;
+    if (fd >= 0) {
+        ::close(fd);
+    }
+    fd = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0) {
         return; // not created; that has been reported
     }
-    // The descriptor stays open on purpose: the end of the process releases the lock.
     for (int polls = 0; held_by_another(fd); ++polls) {
         if (polls == SAY_AFTER_SECONDS * POLLS_PER_SECOND) {
             warn("waiting for another archive step in '%s'", directory.c_str());
