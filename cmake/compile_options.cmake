@@ -1,6 +1,6 @@
 # Warnings for everybody, errors only for developers, hardening for the release.
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wformat -Wformat-security
-                    -Wnon-virtual-dtor -Woverloaded-virtual)
+                    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor> $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>)
 if(LLT_WERROR)
   add_compile_options(-Werror)
 endif()

@@ -13,7 +13,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <memory>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,17 +21,8 @@
 namespace
 {
 
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
 /// Room that a caller of `QMRGetCurrProcName` provides, in bytes.
 constexpr std::size_t PROC_NAME_SIZE = 512;
-
-mode_t mode_of_new_file()
-{
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666 & ~mask;
-}
 
 /// Writes the text and closes the file; false when either fails, with `errno` set.
 bool write_and_close(File file, const std::string& text)
@@ -46,16 +36,17 @@ bool write_and_close(File file, const std::string& text)
 
 Writing write_directly(const std::string& path, const std::string& text)
 {
-    File file(std::fopen(path.c_str(), "we"), &std::fclose);
+    File file = open_file(path, "we");
     if (!file) {
         return Writing::not_opened;
     }
     return write_and_close(std::move(file), text) ? Writing::done : Writing::failed;
 }
 
+/// Nothing is done when no file can be made beside.
 Writing write_beside_and_rename(const std::string& path, const std::string& text, mode_t mode)
 {
-    std::string beside = path + ".XXXXXX";
+    std::string beside = path.substr(0, path.rfind('/') + 1) + ".lltwrapper-XXXXXX";
     const int fd = ::mkstemp(&beside[0]);
     if (fd < 0) {
         return Writing::not_opened;
@@ -73,6 +64,30 @@ Writing write_beside_and_rename(const std::string& path, const std::string& text
 
 } // namespace
 
+File open_file(const std::string& path, const char* mode)
+{
+    return {std::fopen(path.c_str(), mode), &std::fclose};
+}
+
+bool write_all(int fd, const char* text, std::size_t size)
+{
+    for (std::size_t done = 0; done < size;) {
+        const ssize_t n = ::write(fd, text + done, size - done);
+        if (n < 0 && errno != EINTR) {
+            return false;
+        }
+        done += n > 0 ? static_cast<std::size_t>(n) : 0;
+    }
+    return true;
+}
+
+mode_t process_umask()
+{
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return mask;
+}
+
 int QMRFileExists(const char* path)
 {
     return ::access(path, F_OK) == 0 ? 1 : 0;
@@ -86,6 +101,7 @@ int QMRPathIsDirectory(const char* path)
 
 int QMRCreateDirectory(const char* path)
 {
+    // Kept: whatever exists counts as the directory.
     if (QMRFileExists(path) == 0 && run_helper("mkdir -p " + shell_word(path)) != 0) {
         std::printf("Create Directory'%s' failed!\n", path);
         return 0;
@@ -134,8 +150,10 @@ Reading read_whole_file(const std::string& path, std::string& content)
     if (::stat(path.c_str(), &info) != 0) {
         return QMRFileExists(path.c_str()) != 0 ? Reading::not_opened : Reading::missing;
     }
-    const File file(S_ISREG(info.st_mode) ? std::fopen(path.c_str(), "rbe") : nullptr,
-                    &std::fclose);
+    if (!S_ISREG(info.st_mode)) {
+        return Reading::failed; // a FIFO would block, a directory opens but cannot be read
+    }
+    const File file = open_file(path, "rbe");
     if (!file) {
         return Reading::not_opened;
     }
@@ -158,18 +176,19 @@ Reading read_whole_file(const std::string& path, std::string& content)
 Writing replace_file(const std::string& path, const std::string& text)
 {
     struct stat info = {};
-    const bool exists = ::stat(path.c_str(), &info) == 0;
+    const bool exists = ::lstat(path.c_str(), &info) == 0;
+    const bool regular = ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
     Writing result = Writing::not_opened;
-    if (exists && ::access(path.c_str(), W_OK) != 0) {
-        result = Writing::not_opened; // a rename would get round the file's write protection
-    } else if (exists && !S_ISREG(info.st_mode)) {
+    if (!exists) {
+        result = write_beside_and_rename(path, text, 0666 & ~process_umask());
+    } else if (regular && ::access(path.c_str(), W_OK) == 0) {
+        result = write_beside_and_rename(absolute_path(path), text, info.st_mode & 07777);
+    }
+    if (result == Writing::not_opened) {
         result = write_directly(path, text);
-    } else {
-        result = write_beside_and_rename(exists ? absolute_path(path) : path, text,
-                                         exists ? info.st_mode & 07777 : mode_of_new_file());
     }
     if (result != Writing::done) {
-        warn("cannot write '%s': %s; its old content stays", path.c_str(), std::strerror(errno));
+        warn("cannot write '%s': %s", path.c_str(), std::strerror(errno));
     }
     return result;
 }

@@ -1,7 +1,22 @@
 // Files and directories: existence, creation, removal, replacement, and the program's own place.
 #pragma once
 
+#include <cstdio>
+#include <memory>
 #include <string>
+#include <sys/types.h>
+
+/// An open file that is closed at the end of its scope; may be null.
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+/// Opens the file by fopen(3), not to be inherited by tools (`mode` ends in "e"); null on failure.
+File open_file(const std::string& path, const char* mode);
+
+/// Writes the whole text to the descriptor; false on an error, with `errno` set.
+bool write_all(int fd, const char* text, std::size_t size);
+
+/// The file mode creation mask of the process.
+mode_t process_umask();
 
 /// 1 when the path exists (any kind of file; a dangling link does not exist), else 0.
 int QMRFileExists(const char* path);
@@ -15,7 +30,8 @@ int QMRPathIsDirectory(const char* path);
 int QMRCreateDirectory(const char* path);
 
 /// Prints and runs "rm -rf PATH/*", which leaves hidden files in place. Returns 1, also when `rm`
-/// fails, and 0 when no shell could be started or the path is empty (nothing is run then).
+/// fails, and 0 when no shell could be started. An empty path would name the root directory:
+/// nothing is printed or run then, and the result is 0 with a warning.
 int DeleteAllFilesInDirectory(const char* path);
 
 /// Writes the path of the running executable into `out`, at most 512 bytes without a NUL: the
@@ -30,13 +46,14 @@ int GetCurrProcName(char* out);
 enum class Reading { done, missing, not_opened, empty, no_memory, failed };
 
 /// Reads the file whole into `content`; anything but `done` leaves it empty. What is no regular
-/// file counts as not opened, and a file that shrinks meanwhile as failed.
+/// file, and a file that shrinks meanwhile, has failed.
 Reading read_whole_file(const std::string& path, std::string& content);
 
 /// How the replacement of a file ended.
 enum class Writing { done, not_opened, failed };
 
 /// Replaces the content of the file by `text` such that at any instant the old or the new content
-/// is there: a new file is written beside and renamed. A path that exists and is no regular file
-/// is opened and written itself. Otherwise than done: a warning, and the old content stays.
+/// is there: a new file is written beside and renamed. Where that is impossible, because no file
+/// can be made beside or the path is no regular file, the file itself is opened and written.
+/// A warning tells of anything but `done`; the old content stays unless that writing failed.
 Writing replace_file(const std::string& path, const std::string& text);

@@ -2,6 +2,7 @@
 // sources: a shell and a tool for each would be most of an archive step.
 #include "commonfunc/file_tree.h"
 
+#include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 
@@ -38,13 +39,6 @@ bool failed(const char* what, const std::string& path)
     return false;
 }
 
-mode_t umask_of_process()
-{
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return mask;
-}
-
 bool copy_bytes(int from, int to)
 {
     char buffer[65536];
@@ -55,12 +49,8 @@ bool copy_bytes(int from, int to)
             }
             return false;
         }
-        for (ssize_t put = 0; put < got;) {
-            const ssize_t n = ::write(to, buffer + put, static_cast<std::size_t>(got - put));
-            if (n < 0 && errno != EINTR) {
-                return false;
-            }
-            put += n > 0 ? n : 0;
+        if (!write_all(to, buffer, static_cast<std::size_t>(got))) {
+            return false;
         }
     }
     return true;
@@ -109,7 +99,7 @@ bool copy_directory(const std::string& source, const std::string& destination, m
         done = copy_entry(source + "/" + name, target) && done;
     }
     if (made) {
-        ::chmod(destination.c_str(), mode & 0777 & ~umask_of_process());
+        ::chmod(destination.c_str(), mode & 01777 & ~process_umask());
     }
     return done;
 }
@@ -130,7 +120,7 @@ bool copy_entry(const std::string& source, const std::string& destination)
         return copy_file(source, destination, info.st_mode);
     }
     ::unlink(destination.c_str());
-    return ::mknod(destination.c_str(), info.st_mode & ~umask_of_process(), info.st_rdev) == 0 ||
+    return ::mknod(destination.c_str(), info.st_mode & ~process_umask(), info.st_rdev) == 0 ||
            failed("create", destination);
 }
 
@@ -138,8 +128,9 @@ bool copy_entry(const std::string& source, const std::string& destination)
 
 void remove_tree(const std::string& path)
 {
+    const std::string last = base_name(path);
     struct stat info = {};
-    if (::lstat(path.c_str(), &info) != 0) {
+    if (last == "." || last == ".." || ::lstat(path.c_str(), &info) != 0) {
         return;
     }
     if (!S_ISDIR(info.st_mode)) {
@@ -165,6 +156,9 @@ void remove_entries(const std::string& directory, const std::string& start)
 bool copy_tree(const std::string& source, const std::string& destination)
 {
     struct stat info = {};
-    const bool into = ::stat(destination.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-    return copy_entry(source, into ? destination + "/" + base_name(source) : destination);
+    if (::stat(destination.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
+        return copy_entry(source, destination);
+    }
+    const std::string name = base_name(source.substr(0, source.find_last_not_of('/') + 1));
+    return copy_entry(source, name == ".." ? destination : destination + "/" + name);
 }

@@ -4,7 +4,7 @@
 #include <string>
 
 /// Removes the file or directory tree like "rm -rf": links themselves, not what they name; a
-/// missing path is no error; what cannot be removed stays.
+/// missing path is no error; what cannot be removed stays, and so do "." and "..".
 void remove_tree(const std::string& path);
 
 /// Removes what the shell pattern DIRECTORY/START* names: entries whose name begins with `start`;
@@ -12,7 +12,7 @@ void remove_tree(const std::string& path);
 void remove_entries(const std::string& directory, const std::string& start);
 
 /// Copies a file or tree like "cp -rf SOURCE DESTINATION": into the destination when that is a
-/// directory, else to it. Links are copied as links, special files are made anew; file modes are
-/// the source's less the umask. False with a warning when something could not be copied; the rest
-/// is copied all the same.
+/// directory (a source ".." to it), else to it. Links are copied as links, special files are made
+/// anew; file modes are the source's less the umask. False with a warning when something could not
+/// be copied; the rest is copied all the same.
 bool copy_tree(const std::string& source, const std::string& destination);

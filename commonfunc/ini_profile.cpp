@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <string>
 
 namespace
@@ -34,8 +33,7 @@ struct IniText {
 IniText load_text(const char* path)
 {
     IniText result;
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "re"),
-                                                               &std::fclose);
+    const File file = open_file(path, "re");
     if (!file) {
         return result;
     }
@@ -52,6 +50,7 @@ IniText load_text(const char* path)
 }
 
 /// True when the `length` bytes at `name` are the beginning of `wanted`.
+/// Kept: existing files are written in reliance on names that match by prefix.
 bool is_prefix_of(const char* name, int length, const char* wanted)
 {
     return std::strncmp(wanted, name, static_cast<std::size_t>(length)) == 0;
@@ -121,7 +120,7 @@ Positions search(const char* section, const char* key, const char* text)
         while (is_white(text[at])) {
             ++at;
         }
-        // The last head that answers the section stays recorded.
+        // Kept: the last head that answers the section stays recorded, and gets a new key.
         found.section_start = name;
         found.section_end = at;
         if (section_answers(text, at, key, found)) {

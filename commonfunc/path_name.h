@@ -29,8 +29,8 @@ void QMRSplitpath(const char* path, char* directory, char* name, char* extension
 void Caddis_Splitpath(const char* path, char* directory, char* name, char* extension);
 
 /// The path made absolute and free of symbolic links by realpath(3). For a path that does not
-/// exist it is what realpath leaves: the path up to and with the first missing component, or an
-/// empty text where the failure is another one than a missing component.
+/// exist it is what realpath leaves: the path up to and with the first missing or inaccessible
+/// component, or an empty text where the failure is another one.
 std::string absolute_path(const std::string& path);
 
 /// `absolute_path` into the caller's buffer of at least PATH_MAX bytes; a failure is not

@@ -3,6 +3,7 @@
 #include "commonfunc/shell.h"
 
 #include "commonfunc/env.h"
+#include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
 
 #include <cerrno>
@@ -20,18 +21,6 @@ namespace
 /// Linux passes at most 32 pages per argument, the NUL included (MAX_ARG_STRLEN, execve(2)).
 constexpr std::size_t MAX_ARGUMENT_LENGTH = 131071;
 
-bool write_all(int fd, const std::string& text)
-{
-    for (std::size_t done = 0; done < text.size();) {
-        const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
-        if (n < 0 && errno != EINTR) {
-            return false;
-        }
-        done += n > 0 ? static_cast<std::size_t>(n) : 0;
-    }
-    return true;
-}
-
 /// Writes the command to a new private file in the directory; its path, empty on failure.
 std::string write_command_file(const std::string& directory, const std::string& command)
 {
@@ -40,7 +29,7 @@ std::string write_command_file(const std::string& directory, const std::string& 
     if (fd < 0) {
         return "";
     }
-    const bool written = write_all(fd, command);
+    const bool written = write_all(fd, command.data(), command.size());
     ::close(fd);
     if (!written) {
         ::unlink(path.c_str());

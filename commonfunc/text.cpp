@@ -62,6 +62,11 @@ std::string squeeze_percent_pairs(const std::string& text)
     return out;
 }
 
+std::string beginning_of(const std::string& text)
+{
+    return text.size() <= 200 ? text : text.substr(0, 200) + "...";
+}
+
 void QMRStrcpy(char* dst, const char* src, int size)
 {
     if (dst == nullptr || src == nullptr || size <= 0) {

@@ -9,7 +9,7 @@
 /// Out-of-range text is defined here (the value of `strtol`, cut to int), unlike `atoi`.
 int to_int(const char* text);
 
-/// 1 to 1 ASCII comparison without regard to case; bytes of 128 and more compare as they are.
+/// Comparison of whole texts without regard to the case of ASCII letters.
 bool equals_nocase(const char* a, const char* b);
 
 /// True when `needle` (ASCII, lower or upper case) occurs in `text` without regard to case.
@@ -23,6 +23,9 @@ bool names_project_file(const std::string& path);
 /// formatting call makes of it when the text itself is the format. Other percent sequences have
 /// no defined result there and stay as they are.
 std::string squeeze_percent_pairs(const std::string& text);
+
+/// The first 200 bytes of a text, enough to find a command in the build log.
+std::string beginning_of(const std::string& text);
 
 /// Copies at most `size` - 1 characters, fills up with NUL, and always puts a NUL at position
 /// `size` - 1. Does nothing when a pointer is null or `size` is not positive.

@@ -4,6 +4,7 @@
 # Debian's archive, turned from "deb" into "deb-src".
 # usage: apt_source.sh PACKAGE DIR      (the unpacked source is then DIR/source)
 set -euo pipefail
+unset CDPATH
 
 package=$1
 mkdir -p "$2"

@@ -2,6 +2,7 @@
 # Builds a real C library twice, without lltwrapper and through it, and compares what came out.
 # usage: demo.sh [zlib|hello]      (./dev demo installs what it needs and builds the program first)
 set -euo pipefail
+unset CDPATH
 export LC_ALL=C
 unset MAKEFLAGS CFLAGS CPPFLAGS LDFLAGS
 

@@ -6,7 +6,7 @@
 extern int g_iSupportSameName;
 
 /// Loads the settings from the environment. Returns 1, or 0 after printing the configuration
-/// block for a missing or invalid policy variable; what was read before the error stays.
+/// block for an invalid switch or a missing value; what was read before the error stays.
 int init_lltld();
 
 /// Fills project path, name, port and the root of the coverage work area from

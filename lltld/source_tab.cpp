@@ -16,7 +16,6 @@
 #include <climits>
 #include <cstddef>
 #include <cstdlib>
-#include <memory>
 
 static_assert(sizeof(_SOURCEFILE_OBJECT) == 280, "a record has no padding");
 static_assert(offsetof(_SOURCEFILE_OBJECT, size) == 260, "the name has 256 bytes");
@@ -55,8 +54,7 @@ bool grow(_SOURCEFILE_TAB& table, int size)
 /// The two readers differ in when an empty file is noticed and under which code it is logged.
 int read_table(const char* path, _SOURCEFILE_TAB& table, bool grow_first, unsigned int empty_code)
 {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "rbe"),
-                                                               &std::fclose);
+    const File file = open_file(path, "rbe");
     if (!file) {
         std::printf("File \"%s\" open failed!\n", path);
         return 0;

@@ -55,10 +55,10 @@ int LD_CompileCovInitCodeFile()
     std::string text;
     const std::string path = compile_command_path();
     const Reading reading = read_whole_file(path, text);
-    if (reading == Reading::missing || reading == Reading::not_opened) {
-        std::printf("open file [%s] error.", path.c_str());
-    }
     if (reading != Reading::done && reading != Reading::empty) {
+        if (reading != Reading::no_memory) {
+            std::printf("open file [%s] error.", path.c_str());
+        }
         return 0;
     }
     const std::string prefix = text.c_str();

@@ -19,14 +19,11 @@
 #include <cstdio>
 #include <cstring>
 #include <libgen.h>
-#include <memory>
 
 int g_noLinkCodemeasure = 0;
 
 namespace
 {
-
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 /// The second line says "code generated automatically by the coverage tool", in GBK.
 constexpr char HEADER[] =
@@ -159,7 +156,7 @@ std::string read_gcc_option(const char* key, const char* path)
 bool write_stub(const _SOURCEFILE_TAB& table, std::FILE* stub)
 {
     const std::string path = merged_tab_path();
-    File tab(std::fopen(path.c_str(), "wbe"), &std::fclose);
+    File tab = open_file(path, "wbe");
     if (!tab) {
         std::printf("File \"%s\" open failed!\n", path.c_str());
         return false;
@@ -182,7 +179,7 @@ int Caddis_Coverage_CreateCovInitCodeFile()
         std::puts("Can not find coverage data base!");
         return 0;
     }
-    File stub(std::fopen(stub_source_path().c_str(), "w+be"), &std::fclose);
+    File stub = open_file(stub_source_path(), "w+be");
     bool written = false;
     if (stub) {
         written = write_stub(table, stub.get());

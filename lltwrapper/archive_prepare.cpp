@@ -15,8 +15,7 @@
 namespace
 {
 
-/// Bytes of the module name, and of an object's absolute path, that are used.
-constexpr std::size_t MODULE_NAME_LENGTH = 255;
+/// Bytes of an object's absolute path that are used.
 constexpr std::size_t OBJECT_PATH_LENGTH = 259;
 
 /// The work area and the shared temporary area of the module.

@@ -17,8 +17,6 @@ namespace
 
 /// Bytes of an absolute link output path that kernel target matching looks at.
 constexpr std::size_t OUTPUT_PATH_LENGTH = 511;
-/// Bytes of a base name that becomes a module name with its dots replaced.
-constexpr std::size_t MODULE_NAME_LENGTH = 255;
 
 /// What the argument scan found.
 struct Scan {
@@ -61,7 +59,7 @@ Scan scan_arguments(int argc, char** argv)
             scan.has_output = scan.has_output || i + 1 < argc;
             scan.output = i + 1 < argc ? argv[i + 1] : scan.output;
         } else if (argument == "-S" || argument == "-E") {
-            scan.run_as_is = true;
+            scan.run_as_is = true; // Kept: also as the value of another option
         } else if (is_suffix_option(argv[i])) {
             ++i;
         } else if (is_archiver(argv[i])) {
@@ -100,7 +98,7 @@ std::string match_target(const std::string& list, const std::string& path)
     return "";
 }
 
-void run_unchanged()
+void choose_unchanged()
 {
     lltcc_flag = lltld_flag = 0;
     ori_flag = 1;
@@ -121,7 +119,7 @@ void match_kernel_lists(const std::string& builtin, const std::string& modules,
         print_info("\nlinkage-target-meet-ko:: %s\n", path.c_str());
     }
     if (strLinkNameUser.empty() && strLinkNameUserKo.empty()) {
-        run_unchanged();
+        choose_unchanged();
         print_info("\nlinkage-target-omitted:: %s\n", path.c_str());
     }
 }
@@ -134,7 +132,7 @@ void match_kernel_image(const std::string& name)
         lltld_flag = 0;
         special_flag = 1;
     } else if (name != ".tmp_vmlinux1") {
-        run_unchanged();
+        choose_unchanged();
     }
 }
 
@@ -168,8 +166,8 @@ void classify_link(const std::string& output)
     }
 }
 
-/// The kernel build's module-information objects; an output "mod.o" without a directory or stem
-/// counts as well.
+/// The kernel build's module-information objects. Kept: an output "mod.o" without a directory or
+/// stem counts as well.
 bool is_module_information(const std::string& output)
 {
     const std::size_t at = output.rfind(".mod.o");
@@ -180,7 +178,7 @@ void classify_compile(const std::string& output)
 {
     lltcc_flag = 1;
     if (iToken_wrapper == 2 && is_module_information(output)) {
-        run_unchanged();
+        choose_unchanged();
     }
 }
 
@@ -193,7 +191,7 @@ void checkstate(int argc, char** argv)
         record_archive(scan.archive);
     }
     if (scan.run_as_is) {
-        run_unchanged();
+        choose_unchanged();
         return;
     }
     iToken_wrapper = env_int("lltwrapper_cfg");
@@ -205,6 +203,6 @@ void checkstate(int argc, char** argv)
         ar_flag = 1;
         prepare_archive(argc, argv);
     } else {
-        run_unchanged();
+        choose_unchanged();
     }
 }

@@ -197,6 +197,7 @@ constexpr Row ROWS[] = {
     {equals, "-artool", set_archiver},
     {equals, "-arsuffix", set_archive_suffix},
     {equals, "-Xlinker", keep_linker_option},
+    // Kept: these take the next argument as a value, whatever it is.
     {equals, "-D", keep_with_value},
     {equals, "-I", keep_with_value},
     {equals, "-o", keep_with_value},
@@ -232,6 +233,7 @@ void parser(int argc, char** argv)
 
 std::string escape_for_shell(const std::string& text)
 {
+    // Kept: these six bytes only; makefiles pass on `$` and quotes on purpose.
     std::string out;
     for (const char c : text) {
         if (std::string_view("\" ()<>").find(c) != std::string_view::npos) {

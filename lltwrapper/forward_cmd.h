@@ -2,6 +2,11 @@
 // the archiver with the coverage stub inserted.
 #pragma once
 
+#include <cstddef>
+
+/// Bytes of the stub object's path that `GenerateCMD2AR` puts into the command.
+constexpr std::size_t STUB_PATH_LENGTH = 511;
+
 /// Sets `strLLTCC`: `lltcc` with project root, project name and stub mode before the command.
 void GenerateCMD2LLTCC();
 
@@ -12,5 +17,6 @@ void GenerateCMD2LLTCC();
 void GenerateCMD2LLTLD();
 
 /// Sets `strLLTAR`: the command with the module's stub object behind the first occurrence of the
-/// archive name. The stub path is cut at 511 bytes.
+/// archive name. A stub path that does not fit
+/// is cut, with a warning: the command must not run then.
 void GenerateCMD2AR();

@@ -1,11 +1,11 @@
 // lltwrapper stands in front of every compiler, linker and archiver command of a build: it
 // rebuilds the command, decides what kind of step it is, and runs it, mostly by an instrumenting
 // driver. This is the whole road.
-#include "commonfunc/message.h"
 #include "lltwrapper/cmd_parser.h"
 #include "lltwrapper/mode_dispatch.h"
 #include "lltwrapper/process_setup.h"
 
+#include <cstdio>
 #include <exception>
 
 int main(int argc, char** argv)
@@ -19,7 +19,7 @@ int main(int argc, char** argv)
         read_project();
         return dispatch_mode();
     } catch (const std::exception& error) {
-        warn("stopped, the command was not run: %s", error.what());
+        std::fprintf(stderr, "lltwrapper: stopped: %s\n", error.what());
         return 1;
     }
 }

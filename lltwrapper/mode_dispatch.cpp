@@ -4,6 +4,7 @@
 // standard error says what the status hides. LLTWRAPPER_EXACT_STATUS=1 gives the real one.
 #include "lltwrapper/mode_dispatch.h"
 
+#include "lltld/cov_paths.h"
 #include "lltwrapper/archive_sequence.h"
 #include "lltwrapper/forward_cmd.h"
 #include "lltwrapper/version.h"
@@ -30,32 +31,21 @@ Example: make CC="lltwrapper gcc"
 The environment comes from the project's TUSK_INIT.SH; see lltwrapper(1).
 )";
 
-/// The status as such, without a word: what the parent sees are its low eight bits.
-int raw_status(int wait_status)
-{
-    return wait_status;
-}
-
-int zero_or_one(int wait_status)
-{
-    return wait_status != 0 ? 1 : 0;
-}
-
-/// The beginning of a command, enough to find it in the build log.
-std::string beginning_of(const std::string& command)
-{
-    return command.size() <= 200 ? command : command.substr(0, 200) + "...";
-}
+/// What a mode makes of a wait status.
+enum class Status {
+    raw,         ///< handed on; the parent sees its low eight bits. Kept: 512 becomes 0
+    zero_or_one, ///< 0 for success, else 1
+};
 
 /// Runs the command and makes the exit status of the process from its wait status.
-int run_command(const std::string& command, Flush flush, int (*normalise)(int))
+int run_command(const std::string& command, Flush flush, Status kind)
 {
     const int wait_status = run_shell(command, flush);
     const int real = exit_status_of(wait_status);
     if (env_text("LLTWRAPPER_EXACT_STATUS") == "1") {
         return real;
     }
-    const int status = normalise(wait_status);
+    const int status = kind == Status::raw ? wait_status : (wait_status != 0 ? 1 : 0);
     if (real != 0 && (status & 0xFF) == 0) {
         warn("exit status 0 although the command failed with %d: %s (LLTWRAPPER_EXACT_STATUS=1 "
              "passes the status on)",
@@ -73,14 +63,15 @@ int run_special()
             lltdbRootpath + "/tmp_vmlinux1/codemeasure/obj/__code_measure_stub_lib_tmp_vmlinux1.o";
     }
     std::printf("special_cmd:: %s\n", pOriginalCmd.c_str());
-    return run_command(pOriginalCmd, Flush::none, raw_status);
+    // Kept: not flushed, so in a pipe this line comes after the tool's.
+    return run_command(pOriginalCmd, Flush::none, Status::raw);
 }
 
 int run_unchanged()
 {
     // Kept: the command is printed as a format, so "%%" shows as "%"; what runs is the command.
     std::fputs(squeeze_percent_pairs(pOriginalCmd).c_str(), stdout);
-    return run_command(pOriginalCmd, Flush::out, raw_status);
+    return run_command(pOriginalCmd, Flush::out, Status::raw);
 }
 
 void warn_if_unset(const char* name)
@@ -98,7 +89,7 @@ int run_compile()
     warn_if_unset("qmr_coverage_stub_mold");
     GenerateCMD2LLTCC();
     std::printf("lltcc cmd:\n %s \n", strLLTCC.c_str());
-    return run_command(strLLTCC, Flush::both, zero_or_one);
+    return run_command(strLLTCC, Flush::both, Status::zero_or_one);
 }
 
 int run_link()
@@ -113,7 +104,7 @@ int run_link()
              beginning_of(pOriginalCmd).c_str(), iToken_wrapper);
     }
     std::printf("lltld cmd:\n %s \n", strLLTLD.c_str());
-    return run_command(strLLTLD, Flush::both, zero_or_one);
+    return run_command(strLLTLD, Flush::both, Status::zero_or_one);
 }
 
 int run_archive()
@@ -122,7 +113,10 @@ int run_archive()
         return 1;
     }
     std::printf("lltar cmd:\n %s \n", strLLTAR.c_str());
-    return run_command(strLLTAR, Flush::both, raw_status);
+    if (stub_object_path().size() > STUB_PATH_LENGTH) {
+        return 1; // the command holds a cut path
+    }
+    return run_command(strLLTAR, Flush::both, Status::raw);
 }
 
 } // namespace
@@ -130,6 +124,7 @@ int run_archive()
 bool answer_without_command(int argc, char** argv)
 {
     if (argc <= 1) {
+        // Kept: a usage error is no failure.
         std::puts("error usage");
         warn("put it in front of a tool's command, for example: lltwrapper gcc -c a.c");
         warn("'lltwrapper --help' shows the options");
@@ -170,5 +165,5 @@ int dispatch_mode()
     if (ar_flag == 1) {
         return run_archive();
     }
-    return run_command(pOriginalCmd, Flush::both, raw_status);
+    return run_command(pOriginalCmd, Flush::both, Status::raw);
 }
