@@ -39,6 +39,30 @@ bool failed(const char* what, const std::string& path)
     return false;
 }
 
+/// True for a directory, but not for a link to one.
+bool is_directory_itself(const std::string& path)
+{
+    struct stat info = {};
+    return ::lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+/// True for a link that names nothing: nothing is written through it.
+bool is_dangling_link(const std::string& path)
+{
+    struct stat info = {};
+    return ::lstat(path.c_str(), &info) == 0 && S_ISLNK(info.st_mode) &&
+           ::stat(path.c_str(), &info) != 0;
+}
+
+/// True when both paths lead to one file: opening the copy would empty the source.
+bool is_same_file(const std::string& a, const std::string& b)
+{
+    struct stat first = {};
+    struct stat second = {};
+    return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
 bool copy_bytes(int from, int to)
 {
     char buffer[65536];
@@ -58,6 +82,10 @@ bool copy_bytes(int from, int to)
 
 bool copy_file(const std::string& source, const std::string& destination, mode_t mode)
 {
+    errno = EEXIST;
+    if (is_dangling_link(destination) || is_same_file(source, destination)) {
+        return failed("copy to", destination);
+    }
     const int from = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
     if (from < 0) {
         return failed("read", source);
@@ -90,7 +118,7 @@ bool copy_entry(const std::string& source, const std::string& destination);
 bool copy_directory(const std::string& source, const std::string& destination, mode_t mode)
 {
     const bool made = ::mkdir(destination.c_str(), (mode & 0777) | S_IRWXU) == 0;
-    if (!made && errno != EEXIST) {
+    if (!made && !is_directory_itself(destination)) {
         return failed("create", destination);
     }
     bool done = true;

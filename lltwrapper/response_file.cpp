@@ -54,8 +54,9 @@ std::vector<std::string> words_of(const std::string& text)
             continue;
         }
         in_word = true;
-        if (c == '\\' && i + 1 < text.size()) {
-            word += text[++i];
+        if (c == '\\') {
+            ++i;
+            word += i < text.size() ? std::string(1, text[i]) : "";
         } else if (c == quote) {
             quote = '\0';
         } else if (quote == '\0' && (c == '"' || c == '\'')) {
