@@ -1,5 +1,6 @@
 #!/bin/bash
 # Builds a real C library twice, without lltwrapper and through it, and compares what came out.
+# Then shows an archive step: a static library whose counters reach the coverage runtime.
 # usage: demo.sh [zlib|hello]      (./dev demo installs what it needs and builds the program first)
 set -euo pipefail
 unset CDPATH
@@ -100,6 +101,23 @@ count_steps() {
     fi
 }
 
+# The archive step of examples/archive; what its program prints is known.
+show_archive_step() {
+    local archive=$work/archive
+    rm -rf "$archive"
+    cp -a "$root/examples/archive" "$archive"
+    cd "$archive"
+    logged archive.build make AR="$AR"
+    logged archive.test make -s test
+    cat >"$work/archive.expected" <<'END'
+libshapes: 2 sources, counter class 2
+volume 24
+libshapes: area.c 2 of 3 points hit, 12 bytes
+libshapes: volume.c 1 of 2 points hit, 8 bytes
+END
+    cmp "$work/archive.expected" "$work/archive.test.log" || die 'the library registered otherwise'
+}
+
 summary() {
     cat <<END
 
@@ -109,6 +127,10 @@ summary() {
   compared    $files files, $objects of them objects: equal to a build without lltwrapper
   make test   passed, same output as without lltwrapper
   log         $work/wrapped.build.log
+
+and for the static library examples/archive, whose sources are instrumented by hand:
+
+$(sed 's/^/  /' "$work/archive.test.log")
 
 END
     say 'passed'
@@ -142,4 +164,6 @@ choose_project_path
 (wrapper_environment && build wrapped)
 compare
 count_steps
+say 'archiving a library with instrumented members'
+(wrapper_environment && show_archive_step)
 summary
