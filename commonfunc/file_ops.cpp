@@ -8,11 +8,13 @@
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <libgen.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -51,8 +53,8 @@ Writing write_beside_and_rename(const std::string& path, const std::string& text
     if (fd < 0) {
         return Writing::not_opened;
     }
-    const bool done = ::fchmod(fd, mode) == 0 &&
-                      write_and_close(File(::fdopen(fd, "w"), &std::fclose), text) &&
+    ::fchmod(fd, mode); // some file systems have no modes
+    const bool done = write_and_close(File(::fdopen(fd, "w"), &std::fclose), text) &&
                       std::rename(beside.c_str(), path.c_str()) == 0;
     if (!done) {
         const int error = errno;
@@ -66,6 +68,11 @@ Writing write_beside_and_rename(const std::string& path, const std::string& text
 
 File open_file(const std::string& path, const char* mode)
 {
+    struct stat info = {};
+    if (::stat(path.c_str(), &info) == 0 && S_ISFIFO(info.st_mode)) {
+        errno = ESPIPE;
+        return {nullptr, &std::fclose};
+    }
     return {std::fopen(path.c_str(), mode), &std::fclose};
 }
 
@@ -138,6 +145,14 @@ int QMRGetCurrProcName(char* out)
     return 1;
 }
 
+std::string program_directory(std::size_t path_length)
+{
+    char program[PROC_NAME_SIZE + 1] = {};
+    GetCurrProcName(program);
+    program[std::min(path_length, PROC_NAME_SIZE)] = '\0';
+    return ::dirname(program);
+}
+
 int GetCurrProcName(char* out)
 {
     return QMRGetCurrProcName(out);
@@ -184,7 +199,8 @@ Writing replace_file(const std::string& path, const std::string& text)
     } else if (regular && ::access(path.c_str(), W_OK) == 0) {
         result = write_beside_and_rename(absolute_path(path), text, info.st_mode & 07777);
     }
-    if (result == Writing::not_opened) {
+    const bool only_beside_impossible = errno == EACCES || errno == EPERM || errno == EROFS;
+    if (result == Writing::not_opened && (!regular || only_beside_impossible)) {
         result = write_directly(path, text);
     }
     if (result != Writing::done) {

@@ -9,7 +9,8 @@
 /// An open file that is closed at the end of its scope; may be null.
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-/// Opens the file by fopen(3), not to be inherited by tools (`mode` ends in "e"); null on failure.
+/// Opens the file by fopen(3), not to be inherited by tools (`mode` ends in "e"); null on failure,
+/// and for a FIFO, which would block.
 File open_file(const std::string& path, const char* mode);
 
 /// Writes the whole text to the descriptor; false on an error, with `errno` set.
@@ -41,6 +42,10 @@ int QMRGetCurrProcName(char* out);
 
 /// Same as `QMRGetCurrProcName`.
 int GetCurrProcName(char* out);
+
+/// The directory of the running executable, of whose path `path_length` bytes are looked at; "."
+/// when it cannot be told.
+std::string program_directory(std::size_t path_length = 512);
 
 /// How the reading of a whole file ended.
 enum class Reading { done, missing, not_opened, empty, no_memory, failed };

@@ -82,8 +82,8 @@ bool copy_bytes(int from, int to)
 
 bool copy_file(const std::string& source, const std::string& destination, mode_t mode)
 {
-    errno = EEXIST;
     if (is_dangling_link(destination) || is_same_file(source, destination)) {
+        errno = EEXIST;
         return failed("copy to", destination);
     }
     const int from = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);

@@ -7,13 +7,12 @@
 #include "lltld/db_number.h"
 
 #include <cstdio>
-#include <cstring>
 #include <new>
 
 namespace
 {
 
-/// Bytes of the whole list of entries with its NUL, of a path and of an entry that are used.
+/// Bytes set aside for the list of entries, and bytes of an entry and of a path that are used.
 constexpr std::size_t LIST_SIZE = 1048576;
 constexpr std::size_t ENTRY_LENGTH = 319;
 constexpr std::size_t FILE_PATH_LENGTH = 259;
@@ -43,7 +42,7 @@ void write_module_settings(const LinuxPrjItem& prj, int elementcount, const char
 std::string entry_of(const _SOURCEFILE_OBJECT& record)
 {
     const CounterMode mode = counter_mode(g_lxprj->stubmode);
-    const std::string name(record.szName, ::strnlen(record.szName, sizeof record.szName - 1));
+    const std::string name = source_name(record);
     const std::string entry = std::to_string(record.fileid) + "##" + name + "##g_QMRCovData_" +
                               identifier_form(stem_of(name)).c_str() + "##" +
                               std::to_string(registered_size(mode, record.instnum)) + "##" +
@@ -76,11 +75,6 @@ int write_agent_config(const _SOURCEFILE_TAB& table)
             return 0;
         }
         list += (i > 0 ? ";" : "") + entry_of(record);
-    }
-    if (list.size() >= LIST_SIZE) {
-        warn("'%s' gets no list of sources: %zu bytes are more than an agent reads", path.c_str(),
-             list.size());
-        return 0;
     }
     write_profile_string("InstInfo", "info", list.c_str(), path.c_str());
     return 1;

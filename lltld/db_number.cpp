@@ -48,7 +48,7 @@ int write_project_keys(const CounterMode& mode, int start)
 
 /// Appends the completed record; the local table holds the symbol's own numbers.
 int complete_record(const _SOURCEFILE_OBJECT& own, std::FILE* tab, _SOURCEFILE_OBJECT& record,
-                    unsigned long long& start)
+                    std::uint64_t& start)
 {
     record.instnum = own.instnum;
     record.inststartpoint = static_cast<std::int32_t>(start);
@@ -70,7 +70,7 @@ std::string stem_of(const std::string& name)
 int LD_UpDateCovDbTab(_SOURCEFILE_TAB table, std::FILE* stub, std::FILE* tab)
 {
     const CounterMode mode = counter_mode(g_lxprj->stubmode);
-    unsigned long long start = 0;
+    std::uint64_t start = 0;
     for (int i = 0; i < table.elementcount; ++i) {
         _SOURCEFILE_OBJECT& record = table.objlist[i];
         char name[STEM_LENGTH + 1];
@@ -85,7 +85,7 @@ int LD_UpDateCovDbTab(_SOURCEFILE_TAB table, std::FILE* stub, std::FILE* tab)
 }
 
 int RenameFileDBDir(const char* name, std::FILE* tab, _SOURCEFILE_OBJECT* record,
-                    unsigned long long* start)
+                    std::uint64_t* start)
 {
     _SOURCEFILE_TAB own;
     const std::string path = temp_tab_path(name);

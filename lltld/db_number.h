@@ -18,7 +18,7 @@ int LD_UpDateCovDbTab(_SOURCEFILE_TAB table, std::FILE* stub, std::FILE* tab);
 /// running start index. Returns 1, or 0 after a message; a symbol with an empty table has no
 /// record and is left out with result 1.
 int RenameFileDBDir(const char* name, std::FILE* tab, _SOURCEFILE_OBJECT* record,
-                    unsigned long long* start);
+                    std::uint64_t* start);
 
 /// Writes a key of section "project" of the work area's ".prj"; 1 on success, else 0.
 int CodeMeasure_Tool_WriteScanCfgString(const char* key, const char* value);

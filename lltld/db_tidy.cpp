@@ -58,14 +58,17 @@ bool tidy_symbols(std::FILE* merged, _SOURCEFILE_TAB& work)
 int TidyCoverageDB()
 {
     const std::string path = merged_tab_path();
-    std::FILE* merged = std::fopen(path.c_str(), "w+be");
+    std::FILE* merged = open_file(path, "w+be").release();
     if (merged == nullptr) {
         std::printf("Open file '%s' failed!\n", path.c_str());
         return 0;
     }
     _SOURCEFILE_TAB work;
-    const bool done = tidy_symbols(merged, work);
-    std::fclose(merged);
+    bool done = tidy_symbols(merged, work);
+    if (std::fclose(merged) != 0) {
+        std::printf("Error:Write insted info to '%s/db/.tab' failed!\n", g_lxprj->szCovDictPath);
+        done = false;
+    }
     release_table(work);
     if (!done) {
         std::remove(path.c_str());

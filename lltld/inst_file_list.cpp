@@ -5,6 +5,7 @@
 #include "commonfunc/text.h"
 
 #include <cstdio>
+#include <cstring>
 #include <new>
 #include <string>
 #include <unordered_set>
@@ -12,30 +13,33 @@
 namespace
 {
 
-/// The names of the nodes that were linked into `instFileList`.
+/// The names of `instFileList` as it was when the index was last brought up to date.
 struct Index {
     std::unordered_set<std::string> names;
-    int nodes = 0; ///< how many nodes of the list it knows
+    _InstFileList list;
 };
 
-Index index_of_list;
-
-void add_to_index(const char* name)
+/// The names in the list; collected anew when the list was changed by another hand.
+std::unordered_set<std::string>& names_in_list()
 {
-    index_of_list.names.insert(name);
-    ++index_of_list.nodes;
-}
-
-/// The index; made anew when the list was changed by another hand.
-const std::unordered_set<std::string>& names_in_list()
-{
-    if (index_of_list.nodes != instFileList.iCount) {
-        index_of_list = Index();
+    static Index index;
+    const bool same = index.list.pHead == instFileList.pHead &&
+                      index.list.pTail == instFileList.pTail &&
+                      index.list.iCount == instFileList.iCount;
+    const bool one_more = index.list.pHead != nullptr && index.list.pHead == instFileList.pHead &&
+                          index.list.pTail != nullptr && !same &&
+                          index.list.iCount + 1 == instFileList.iCount &&
+                          index.list.pTail->pNext == instFileList.pTail;
+    if (one_more) {
+        index.names.insert(instFileList.pTail->szInstFileName);
+    } else if (!same) {
+        index.names.clear();
         for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
-            add_to_index(node->szInstFileName);
+            index.names.insert(node->szInstFileName);
         }
     }
-    return index_of_list.names;
+    index.list = instFileList;
+    return index.names;
 }
 
 } // namespace
@@ -45,7 +49,7 @@ int WriteDBNameToList(const char* name)
     // Compared as it is stored, so that names stay unique when a long one is cut.
     char stored[INST_NAME_SIZE];
     QMRStrcpy(stored, name, INST_NAME_SIZE);
-    if (IsFileExistInList(stored) != 0) {
+    if (names_in_list().count(stored) != 0) {
         return 1;
     }
     auto* node = new (std::nothrow) _InstFile;
@@ -72,9 +76,5 @@ void WriteInstFileNameTolist(const char* name, _InstFileList* list, _InstFile* n
         list->pTail->pNext = node;
     }
     list->pTail = node;
-    if (list == &instFileList) {
-        names_in_list();
-        add_to_index(node->szInstFileName);
-    }
     ++list->iCount;
 }

@@ -8,7 +8,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <libgen.h>
 #include <memory>
 
 namespace
@@ -35,6 +34,7 @@ bool copy_compile_command(const char* symbol, std::string& command)
     return QMRFileExists(compile_command_path().c_str()) != 0;
 }
 
+/// Kept: "donot" here and "do not" where a symbol is not resolved; logs are searched for both.
 void report_missing_records()
 {
     print_fatal("copy_compile_command_for_lltld failed\n\n");
@@ -113,11 +113,7 @@ int register_scanned_objects(const std::vector<ScannedObject>& objects)
 
 void SetToolPath()
 {
-    char program[513] = {};
-    GetCurrProcName(program);
-    char bounded[262];
-    copy_bounded(bounded, program);
-    g_lxprj->strToolPath = ::dirname(bounded);
+    g_lxprj->strToolPath = program_directory(261);
 }
 
 void SetModTcInc()

@@ -19,20 +19,26 @@ bool contains(const std::string& content, const char* pattern)
     return QMRstrstr(content.c_str(), pattern, content.size()) != nullptr;
 }
 
-std::vector<CoverageSymbol> coverage_symbols(const std::string& content)
+void collect_symbols(const std::string& content, ScannedObject& object)
 {
-    std::vector<CoverageSymbol> symbols;
     const char* at = content.c_str();
     const char* const end = at + content.size();
+    const char* run = nullptr;
+    const char* run_end = nullptr;
     while ((at = QMRstrstr(at, COVERAGE_PREFIX, static_cast<unsigned long>(end - at))) != nullptr) {
+        if (run == nullptr || at >= run_end) {
+            run = at;
+            object.runs.emplace_back(run);
+            run_end = run + object.runs.back().size();
+        }
         const char* name = at + COVERAGE_PREFIX_LENGTH;
         const std::size_t length = std::strcspn(name, " ");
-        symbols.push_back({at, std::string(name, length)});
+        object.symbols.push_back(
+            {object.runs.size() - 1, static_cast<std::size_t>(at - run), {name, length}});
         // From the end of the name on: the blank or NUL there begins no match, and behind the
         // last NUL there is nothing to read.
         at = name + length;
     }
-    return symbols;
 }
 
 } // namespace
@@ -108,7 +114,10 @@ int FindSymbolInObjFile(const char* path)
     case Reading::done:
         break;
     }
-    return register_symbols({path, false, coverage_symbols(content)});
+    ScannedObject object;
+    object.path = path;
+    collect_symbols(content, object);
+    return register_symbols(object);
 }
 
 bool scan_object(const std::string& path, ScannedObject& object)
@@ -117,9 +126,11 @@ bool scan_object(const std::string& path, ScannedObject& object)
     if (read_whole_file(path, content) != Reading::done) {
         return false;
     }
-    object = {path, contains(content, TEST_LOADER_PREFIX), {}};
+    object = ScannedObject();
+    object.path = path;
+    object.has_test_loader = contains(content, TEST_LOADER_PREFIX);
     if (!object.has_test_loader) {
-        object.symbols = coverage_symbols(content);
+        collect_symbols(content, object);
     }
     return true;
 }
@@ -127,7 +138,8 @@ bool scan_object(const std::string& path, ScannedObject& object)
 int register_symbols(const ScannedObject& object)
 {
     for (const CoverageSymbol& symbol : object.symbols) {
-        std::printf("symbol  %s  in obj-file: %s\n", symbol.text.c_str(), object.path.c_str());
+        std::printf("symbol  %s  in obj-file: %s\n",
+                    object.runs[symbol.run].c_str() + symbol.offset, object.path.c_str());
         if (WriteDBNameToList(symbol.name.c_str()) == 0) {
             return 0;
         }

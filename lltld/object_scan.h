@@ -19,16 +19,20 @@ int FindSymbolInObjFileEx(int* found, const char* path, const char* pattern);
 /// also without any symbol, or 0 after a message.
 int FindSymbolInObjFile(const char* path);
 
-/// One coverage symbol of an object.
+/// One coverage symbol of an object: `name` is what stands behind the prefix up to the next blank
+/// or NUL. What is printed of it runs to the next NUL and may hold further symbols, so symbols of
+/// one run share its text.
 struct CoverageSymbol {
-    std::string text; ///< from the match to the next NUL, as printed
-    std::string name; ///< behind the prefix, to the next blank or NUL
+    std::size_t run;    ///< which of the object's runs
+    std::size_t offset; ///< where in the run the symbol begins
+    std::string name;
 };
 
 /// What an archive step wants to know of one object, from one reading of it.
 struct ScannedObject {
     std::string path;
     bool has_test_loader = false;        ///< it holds "ZJ_Start_"
+    std::vector<std::string> runs;       ///< texts from a symbol to the next NUL
     std::vector<CoverageSymbol> symbols; ///< its coverage symbols in file order
 };
 

@@ -16,6 +16,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 
 static_assert(sizeof(_SOURCEFILE_OBJECT) == 280, "a record has no padding");
 static_assert(offsetof(_SOURCEFILE_OBJECT, size) == 260, "the name has 256 bytes");
@@ -82,9 +83,7 @@ int read_table(const char* path, _SOURCEFILE_TAB& table, bool grow_first, unsign
         return 0;
     }
     if (bytes < sizeof(_SOURCEFILE_OBJECT)) {
-        warn("'%s' holds %zu bytes, less than one record: the rest counts as zero; recompile the "
-             "source",
-             path, bytes);
+        warn("'%s' holds %zu bytes, less than one record; recompile the source", path, bytes);
     }
     table.elementcount = static_cast<int>(bytes / sizeof(_SOURCEFILE_OBJECT));
     return 1;
@@ -122,6 +121,11 @@ int SrcFileTabInfoWriteToCovTab(const char* path, std::FILE* out, _SOURCEFILE_TA
         return 0;
     }
     return 1;
+}
+
+std::string source_name(const _SOURCEFILE_OBJECT& record)
+{
+    return {record.szName, ::strnlen(record.szName, sizeof record.szName - 1)};
 }
 
 void release_table(_SOURCEFILE_TAB& table)

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
 
 /// One source of a table, 280 bytes in the file and in memory.
 struct _SOURCEFILE_OBJECT {
@@ -16,8 +17,11 @@ struct _SOURCEFILE_OBJECT {
     std::uint32_t bFocus : 1;        ///< flag of the compiler driver
     std::uint32_t bmodified : 1;     ///< likewise
     std::uint32_t bCompiled : 1;     ///< likewise
-    std::uint32_t : 29;
+    std::uint32_t reserved : 29;     ///< zero
 };
+
+/// The record's name; one without a NUL counts up to its last byte but one.
+std::string source_name(const _SOURCEFILE_OBJECT& record);
 
 /// A table in memory; starts as all zeros. Copies share the records.
 struct _SOURCEFILE_TAB {

@@ -29,21 +29,20 @@ bool run_whole(const std::string& command, std::size_t bound)
     return run_helper(command) == 0;
 }
 
-bool run_two_stages(const std::string& prefix, const std::string& second, const char* output)
+bool run_two_stages(const std::string& prefix, std::size_t bound, const std::string& second,
+                    const char* output)
 {
     const std::string object = stub_two_stage_object_path();
-    return run_whole(prefix + " -o " + object + " -c " + stub_source_path(),
-                     prefix.size() + ROOM_BEHIND_PREFIX) &&
+    return run_whole(prefix + " -o " + object + " -c " + stub_source_path(), bound) &&
            run_whole(second + output + stub_object_path() + " " + object, SECOND_STAGE_LENGTH);
 }
 
-bool run_single_stage(const std::string& prefix)
+bool run_single_stage(const std::string& prefix, std::size_t bound)
 {
     // Kept: two blanks but for kernel modules; recorded build logs are compared.
     const bool module = iToken_wrapper == 2 || (iToken_wrapper == 1 && iToken_warpper_inner == 1);
     const std::string command =
         prefix + (module ? " -o " : "  -o ") + stub_object_path() + " -c " + stub_source_path();
-    const std::size_t bound = prefix.size() + ROOM_BEHIND_PREFIX;
     std::puts(command.substr(0, bound).c_str());
     return run_whole(command, bound);
 }
@@ -62,13 +61,14 @@ int LD_CompileCovInitCodeFile()
         return 0;
     }
     const std::string prefix = text.c_str();
+    const std::size_t bound = text.size() + ROOM_BEHIND_PREFIX;
     bool done = false;
     if (g_lltusercmd[0] != '\0') {
-        done = run_two_stages(prefix, g_lltusercmd, " -o ");
+        done = run_two_stages(prefix, bound, g_lltusercmd, " -o ");
     } else if (g_lltusercmd2[0] != '\0') {
-        done = run_two_stages(prefix, g_lltusercmd2, " ");
+        done = run_two_stages(prefix, bound, g_lltusercmd2, " ");
     } else {
-        done = run_single_stage(prefix);
+        done = run_single_stage(prefix, bound);
     }
     return done ? 1 : 0;
 }

@@ -16,9 +16,9 @@
 #include "lltld/stub_compile.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <libgen.h>
 
 int g_noLinkCodemeasure = 0;
 
@@ -166,7 +166,10 @@ bool write_stub(const _SOURCEFILE_TAB& table, std::FILE* stub)
     if (LD_UpDateCovDbTab(table, stub, tab.get()) < 1) {
         return false;
     }
-    tab.reset();
+    if (std::fclose(tab.release()) != 0) {
+        warn("cannot write '%s': %s; the stub is not compiled", path.c_str(), std::strerror(errno));
+        return false;
+    }
     return LD_LinuxCompileCovInitCodeFile(table, stub) > 0;
 }
 
@@ -198,14 +201,9 @@ void Caddis_CovInitCodeFile_Func_Declare(std::FILE* stub)
 
 void Caddis_LD_CovTypeIsCustom()
 {
-    char program[513] = {};
-    GetCurrProcName(program);
-    char ini[262];
-    if (!format_bounded(ini, "%s/InstCode.ini", ::dirname(program))) {
-        return;
-    }
-    const std::string gcc = read_gcc_option("GccOption", ini);
-    const std::string gcc_c = read_gcc_option("GccCOption", ini);
+    const std::string ini = program_directory() + "/InstCode.ini";
+    const std::string gcc = read_gcc_option("GccOption", ini.c_str());
+    const std::string gcc_c = read_gcc_option("GccCOption", ini.c_str());
     if (gcc.empty() || gcc_c.empty()) {
         return;
     }
@@ -243,7 +241,7 @@ void LD_WriteCoverageInterface(_SOURCEFILE_TAB table, std::FILE* stub)
     const CounterMode mode = counter_mode(g_lxprj->stubmode);
     for (int i = 0; i < table.elementcount; ++i) {
         const _SOURCEFILE_OBJECT& record = table.objlist[i];
-        const std::string name(record.szName, ::strnlen(record.szName, sizeof record.szName - 1));
+        const std::string name = source_name(record);
         std::fprintf(stub,
                      "    QMR_AddCoverageBuf(pMod, %d, (char*)\"%s\", (unsigned int "
                      "*)g_QMRCovData_%s, \n        %d, %d);\n",

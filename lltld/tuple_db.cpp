@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 
 static_assert(sizeof(_STInstInfo) == 780, "a record has no padding");
 
@@ -30,15 +31,20 @@ int ReadOldInstInfoFromDb(const char* path, std::vector<_STInstInfo>& out)
     case Reading::done:
         break;
     }
-    out.reserve(out.size() + content.size() / sizeof(_STInstInfo) + 1);
+    const std::size_t before = out.size();
+    try {
+        out.resize(before + (content.size() + sizeof(_STInstInfo) - 1) / sizeof(_STInstInfo));
+    } catch (const std::exception&) {
+        return 0;
+    }
+    _STInstInfo* next = out.data() + before;
     for (std::size_t at = 0; at < content.size(); at += sizeof(_STInstInfo)) {
-        _STInstInfo record;
+        _STInstInfo& record = *next++;
         std::memcpy(static_cast<void*>(&record), content.data() + at,
                     std::min(sizeof record, content.size() - at));
         for (char* field : {record.szSrcFileName, record.szObjFileName, record.szSymbolName}) {
             field[INST_NAME_SIZE - 1] = '\0';
         }
-        out.push_back(record);
     }
     return 1;
 }

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <new>
 
 namespace
@@ -41,7 +40,9 @@ void warn_if_shared(const LinuxPrjItem& prj)
     char archive[sizeof prj.szObjFile] = {};
     read_profile_string("project", "sutpath", archive, sizeof archive, nullptr,
                         project_file_path().c_str());
-    if (archive[0] != '\0' && std::strcmp(archive, prj.szObjFile) != 0) {
+    // Keys that were written later have squeezed percent signs in the value.
+    const std::string known = archive;
+    if (!known.empty() && known != prj.szObjFile && known != squeeze_percent_pairs(prj.szObjFile)) {
         warn("'%s' and '%s' share the work area '%s': each overwrites the other's coverage; give "
              "the libraries different names",
              archive, prj.szObjFile, prj.szCovDictPath);
@@ -52,8 +53,9 @@ void warn_if_shared(const LinuxPrjItem& prj)
 bool inspect(const std::string& argument, ScannedObject& object)
 {
     const std::string path = absolute_path(argument);
-    if (path.size() > OBJECT_PATH_LENGTH) {
-        warn("'%s' is not inspected: its path is longer than %zu bytes; use a shorter project path",
+    if (path.size() > OBJECT_PATH_LENGTH && QMRFileExists(path.c_str()) != 0) {
+        warn("'%s' is not inspected: its path is longer than %zu bytes; if it is instrumented, its "
+             "counters will be undefined; use a shorter project path",
              path.c_str(), OBJECT_PATH_LENGTH);
         return false;
     }

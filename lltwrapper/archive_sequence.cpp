@@ -43,8 +43,10 @@ void clear_numbered_databases()
     if (!fits(db, DB_DIR_LENGTH) || QMRPathIsDirectory(db.c_str()) == 0) {
         return;
     }
-    run_helper("rm -rf " + shell_word(db) + "/db*");
-    remove_entries(db, "db"); // as in `clear_directory`
+    if (run_helper("rm -rf " + shell_word(db) + "/db*") != 0) {
+        // More names than one command line holds keep `rm` from starting.
+        remove_entries(db, "db");
+    }
 }
 
 /// Empties a directory of the work area if it exists; false when that was impossible.
@@ -60,8 +62,7 @@ bool clear_directory(const char* name)
     if (DeleteAllFilesInDirectory(path.c_str()) == 0) {
         return false;
     }
-    // More names than one command line holds keep `rm` from starting.
-    remove_entries(path, "");
+    remove_entries(path, ""); // in case `rm` could not start
     return true;
 }
 
@@ -89,7 +90,7 @@ bool is_older(const struct stat& a, const struct stat& b)
            (a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec < b.st_mtim.tv_nsec);
 }
 
-void warn_if_stub_is_stale()
+void warn_if_stub_is_stale(bool compiled)
 {
     const std::string path = stub_object_path();
     struct stat object = {};
@@ -98,7 +99,8 @@ void warn_if_stub_is_stale()
         warn("the stub object '%s' was not made: the archiver will miss it; see the messages "
              "above and compile '%s' by hand to find out",
              path.c_str(), stub_source_path().c_str());
-    } else if (::stat(stub_source_path().c_str(), &source) == 0 && is_older(object, source)) {
+    } else if (!compiled ||
+               (::stat(stub_source_path().c_str(), &source) == 0 && is_older(object, source))) {
         warn("the stub object '%s' is older than its source: the library registers an earlier "
              "build's counters; compile '%s' by hand to find out",
              path.c_str(), stub_source_path().c_str());
@@ -127,8 +129,7 @@ bool bring_archive_up_to_date()
         print_fatal("TidyCoverageDB error\n");
         return false;
     }
-    Caddis_Coverage_CreateCovInitCodeFile();
-    warn_if_stub_is_stale();
+    warn_if_stub_is_stale(Caddis_Coverage_CreateCovInitCodeFile() != 0);
     GenerateCMD2AR();
     return true;
 }

@@ -17,6 +17,6 @@ void GenerateCMD2LLTCC();
 void GenerateCMD2LLTLD();
 
 /// Sets `strLLTAR`: the command with the module's stub object behind the first occurrence of the
-/// archive name. A stub path that does not fit
-/// is cut, with a warning: the command must not run then.
+/// archive name. A stub path that does not fit is cut, with a warning: the command must not run
+/// then.
 void GenerateCMD2AR();

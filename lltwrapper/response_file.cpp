@@ -2,27 +2,35 @@
 #include "lltwrapper/response_file.h"
 
 #include "commonfunc/file_ops.h"
+#include "commonfunc/message.h"
 
 namespace
 {
 
-/// Response files may name response files; a ring of them ends here.
-constexpr int MAX_DEPTH = 16;
+/// Response files may name response files; a ring of them ends after so many.
+constexpr int MAX_FILES = 2000;
 
 bool is_space(char c)
 {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-void add_argument(const std::string& argument, int depth, std::vector<std::string>& out)
+/// Adds the argument and the words of the response file that it names; `files` counts those read.
+void add_argument(const std::string& argument, int& files, std::vector<std::string>& out)
 {
     out.push_back(argument);
     std::string text;
-    if (argument[0] == '@' && depth < MAX_DEPTH &&
-        read_whole_file(argument.substr(1), text) == Reading::done) {
-        for (const std::string& word : words_of(text)) {
-            add_argument(word, depth + 1, out);
-        }
+    if (argument[0] != '@' || files >= MAX_FILES ||
+        read_whole_file(argument.substr(1), text) != Reading::done) {
+        return;
+    }
+    if (++files == MAX_FILES) {
+        warn("more than %d response files: members named in further ones are not inspected; does "
+             "'%s' name itself?",
+             MAX_FILES, argument.c_str());
+    }
+    for (const std::string& word : words_of(text)) {
+        add_argument(word, files, out);
     }
 }
 
@@ -31,8 +39,9 @@ void add_argument(const std::string& argument, int depth, std::vector<std::strin
 std::vector<std::string> with_response_files(int argc, char** argv)
 {
     std::vector<std::string> arguments;
+    int files = 0;
     for (int i = 1; i < argc; ++i) {
-        add_argument(argv[i], 0, arguments);
+        add_argument(argv[i], files, arguments);
     }
     return arguments;
 }
