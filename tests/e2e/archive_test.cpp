@@ -26,7 +26,7 @@ protected:
     {
         WorkArea::SetUp();
         stub = dir + "/libm/codemeasure/obj/__code_measure_stub_lib_libm.o";
-        answer("mkdir tool x y; ln -s T LLTTEMP; cp " LLTWRAPPER " tool");
+        answer("mkdir tool x y; ln -s T LLTTEMP; cp '" LLTWRAPPER "' tool");
         write_file("step", "export isOverlappedCompile=0 TimerPolicy=0 SignalPolicy=0 "
                            "lltcovRootpath= LLT_DISABLE_SOCKET=1 qmr_current_prj_path=$PWD/d.prj\n"
                            "tool/lltwrapper -artool ar -arsuffix .a ar rcs \"$@\"\n");

@@ -60,7 +60,7 @@ protected:
 
     int run(const std::string& env, const std::string& args)
     {
-        write_file("run", "rm -f log; exec env " + env + " " LLTWRAPPER " " + args + " >out 2>err");
+        write_file("run", "rm -f log; exec env " + env + " '" LLTWRAPPER "' " + args + " >out 2>err");
         const int status = std::system("sh ./run");
         out = read_file("out"), err = read_file("err"), calls = read_file("log");
         return WEXITSTATUS(status);
