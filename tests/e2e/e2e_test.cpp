@@ -60,7 +60,8 @@ protected:
 
     int run(const std::string& env, const std::string& args)
     {
-        write_file("run", "rm -f log; exec env " + env + " '" LLTWRAPPER "' " + args + " >out 2>err");
+        write_file("run",
+                   "rm -f log; exec env " + env + " '" LLTWRAPPER "' " + args + " >out 2>err");
         const int status = std::system("sh ./run");
         out = read_file("out"), err = read_file("err"), calls = read_file("log");
         return WEXITSTATUS(status);
@@ -258,7 +259,7 @@ TEST_F(EndToEnd, ASpoiledProcessStillBuilds)
 {
     ::setenv("LLTWRAPPER_EXACT_STATUS", "1", 1);
     ::setenv("RECORDER_END", "3", 1);
-    const std::string program = LLTWRAPPER " gcc -E a.c";
+    const std::string program = "'" LLTWRAPPER "' gcc -E a.c";
     for (const std::string& command :
          {program + " <&-", program + " >&-", program + " 2>&-", program + " <&- >&- 2>&-",
           "env --ignore-signal=CHLD " + program, program + " >/dev/full",
