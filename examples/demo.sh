@@ -41,7 +41,7 @@ get_zlib() {
 
 # What a project that is built through lltwrapper sets up.
 wrapper_environment() {
-    PATH=$root/build/release:$root/examples/toolset:$PATH
+    PATH=$root/examples/pass_through:$root/build/release:$PATH
     export qmr_current_prj_path=$project
     # shellcheck source=examples/toolset/TUSK_INIT.SH
     . "$root/examples/toolset/TUSK_INIT.SH"
