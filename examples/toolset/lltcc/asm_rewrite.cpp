@@ -1,0 +1,166 @@
+// The text is copied line by line; only probes, and debug information that nobody asked for,
+// change.
+#include "asm_rewrite.h"
+
+#include "counter_code.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace
+{
+
+std::string_view first_word(std::string_view line)
+{
+    const std::size_t from = std::min(line.find_first_not_of(" \t"), line.size());
+    const std::size_t end = std::min(line.find_first_of(" \t", from), line.size());
+    return line.substr(from, end - from);
+}
+
+/// Says of each line whether it belongs to debug information: line directives, and the data of
+/// debug sections. Other directives that happen to stand there (`.ident`) stay.
+class DebugFilter
+{
+public:
+    bool drops(std::string_view line)
+    {
+        const std::string_view word = first_word(line);
+        if (word == ".section" || word == ".pushsection") {
+            m_in_debug = line.find(".debug_") != line.npos;
+            return m_in_debug;
+        }
+        if (word == ".text" || word == ".data" || word == ".bss" || word == ".popsection" ||
+            word == ".previous") {
+            m_in_debug = false;
+        }
+        if (word == ".loc" || (word == ".file" && is_numbered(line))) {
+            return true;
+        }
+        return m_in_debug && (word.empty() || word.back() == ':' || is_data(word));
+    }
+
+private:
+    static bool is_numbered(std::string_view line)
+    {
+        const std::size_t at = line.find_first_not_of(" \t", line.find(".file") + 5);
+        return at != line.npos && std::isdigit(static_cast<unsigned char>(line[at])) != 0;
+    }
+
+    static bool is_data(std::string_view word)
+    {
+        constexpr std::array<std::string_view, 17> DATA = {
+            ".byte",  ".value", ".long",    ".quad",    ".2byte", ".4byte",
+            ".8byte", ".hword", ".word",    ".xword",   ".short", ".string",
+            ".ascii", ".asciz", ".uleb128", ".sleb128", ".align"};
+        return std::find(DATA.begin(), DATA.end(), word) != DATA.end() || word == ".p2align";
+    }
+
+    bool m_in_debug = false;
+};
+
+/// Code at a text line: before it, or in its place.
+struct Increment {
+    std::size_t at;
+    bool replaces;
+    std::string code;
+};
+
+/// In the order of the text.
+std::vector<Increment> increments(const AsmText& text, const std::vector<std::size_t>& probes,
+                                  const Rewriting& how)
+{
+    std::vector<Increment> out;
+    for (std::size_t i = 0; i < probes.size(); ++i) {
+        const Region& region = text.regions[probes[i]];
+        const bool replaces = region.probe != Region::Probe::none;
+        std::string code =
+            replaces ? count_at_call(text.machine, how, i) : count_anywhere(text.machine, how, i);
+        if (text.intel_syntax) {
+            code = "\t.att_syntax prefix\n" + code + "\t.intel_syntax noprefix\n";
+        }
+        if (region.probe == Region::Probe::tail) {
+            code += "\tret\n";
+        }
+        out.push_back({region.at, replaces, std::move(code)});
+    }
+    return out;
+}
+
+std::string array_definition(const Rewriting& how, std::size_t probes)
+{
+    const std::size_t size = how.counters == Counters::bits    ? (probes + 31) / 32 * 4
+                             : how.counters == Counters::bytes ? probes
+                                                               : probes * 4;
+    return "\t.comm\t" + how.array + "," + std::to_string(size) + ",4\n";
+}
+
+} // namespace
+
+Counters counters_of(int stub_mode)
+{
+    switch (stub_mode) {
+    case 0:
+    case 4:
+    case 7:
+        return Counters::bits;
+    case 2:
+    case 6:
+    case 9:
+        return Counters::bytes;
+    default:
+        return Counters::words;
+    }
+}
+
+bool object_defines_array(int stub_mode)
+{
+    return stub_mode == 5 || (stub_mode >= 7 && stub_mode <= 9);
+}
+
+std::vector<std::size_t> choose_probes(const AsmText& text)
+{
+    std::vector<std::set<SourceLine>> probed(text.functions.size());
+    std::vector<bool> has_probe(text.functions.size());
+    for (const Region& region : text.regions) {
+        if (region.probe != Region::Probe::none) {
+            auto& lines = probed[static_cast<std::size_t>(region.function)];
+            has_probe[static_cast<std::size_t>(region.function)] = true;
+            lines.insert(region.lines.begin(), region.lines.end());
+        }
+    }
+    std::vector<std::size_t> chosen;
+    for (std::size_t i = 0; i < text.regions.size(); ++i) {
+        const Region& region = text.regions[i];
+        const auto function = static_cast<std::size_t>(region.function);
+        const auto& known = probed[function];
+        const bool covered =
+            std::includes(known.begin(), known.end(), region.lines.begin(), region.lines.end());
+        if (region.probe != Region::Probe::none || (has_probe[function] && !covered)) {
+            chosen.push_back(i);
+        }
+    }
+    return chosen;
+}
+
+std::string rewrite(const AsmText& text, const std::vector<std::size_t>& probes,
+                    const Rewriting& how)
+{
+    const auto code = increments(text, probes, how);
+    auto next = code.begin();
+    DebugFilter debug;
+    std::string out;
+    for (std::size_t i = 0; i < text.text.size(); ++i) {
+        const std::string_view line = text.text[i];
+        bool drop = how.drop_debug_info && debug.drops(line);
+        if (next != code.end() && next->at == i) {
+            out += next->code;
+            drop = drop || next->replaces;
+            ++next;
+        }
+        if (!drop && first_word(line) != ".addrsig_sym") { // a hint, and it may name the probe
+            out.append(line).push_back('\n');
+        }
+    }
+    return out + (how.define_array ? array_definition(how, probes.size()) : "");
+}

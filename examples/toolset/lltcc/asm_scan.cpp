@@ -1,0 +1,248 @@
+// One pass over the lines. Labels and jumps bound regions. What stands between #APP and #NO_APP is
+// the programmer's own text: it counts as instructions, whatever it does.
+//
+// A line belongs to a region that holds an instruction of it. Where the optimiser has left nothing
+// of a statement but the mark of its beginning, the mark counts, with two exceptions: the mark of
+// an empty statement (the `;` behind a block or a macro) says nothing, and marks that lead a region
+// where ways meet may have been pushed there out of one of these ways. A closing brace is no code
+// of its own: what leaves a function there is left out.
+#include "asm_scan.h"
+
+#include "asm_settle.h"
+#include "asm_syntax.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdlib>
+
+namespace
+{
+
+/// File, line, column and discriminator of a line directive.
+using Location = std::array<int, 4>;
+
+class Scanner
+{
+public:
+    Scanner(AsmText& out, SourceFiles& files, bool has_marks)
+        : m_out(out), m_files(files), m_has_marks(has_marks)
+    {
+    }
+
+    void read(std::string_view text)
+    {
+        for (std::size_t from = 0; from < text.size();) {
+            const std::size_t end = std::min(text.find('\n', from), text.size());
+            m_out.text.push_back(text.substr(from, end - from));
+            from = end + 1;
+            read_line(trimmed(m_out.text.back()));
+        }
+        settle_leading_marks(m_out, m_links);
+        credit_inlined_entries(m_out);
+    }
+
+private:
+    void read_line(std::string_view line)
+    {
+        if (begins_with(line, "#APP") || begins_with(line, "//APP")) {
+            m_inline = true;
+        } else if (begins_with(line, "#NO_APP") || begins_with(line, "//NO_APP")) {
+            m_inline = false;
+        } else if (m_inline) {
+            note_instruction();
+        } else if (!line.empty() && line[0] != '#' && !begins_with(line, "//")) {
+            const std::size_t colon = line.find(':');
+            if (colon != line.npos && line.find_first_of(" \t\"") > colon) {
+                read_label(line.substr(0, colon));
+            } else if (line[0] == '.') {
+                read_directive(line);
+            } else {
+                read_instruction(trimmed(line.substr(0, line.find('#'))));
+            }
+        }
+    }
+
+    void read_label(std::string_view label)
+    {
+        if (m_function_names.count(std::string(label)) != 0) {
+            m_out.functions.push_back({std::string(label.substr(0, label.find('.'))), {0, 0}});
+            open_region();
+        } else if (is_jump_target(label) && !m_out.functions.empty()) {
+            open_region();
+            m_links.back().labels.push_back(label);
+        }
+    }
+
+    void read_directive(std::string_view line)
+    {
+        if (begins_with(line, ".loc\t") || begins_with(line, ".loc ")) {
+            read_location(line);
+        } else if (begins_with(line, ".file")) {
+            read_file(directive_words(line));
+        } else if (begins_with(line, ".type")) {
+            const auto word = directive_words(line);
+            if (word.size() >= 3 && word[2].find("function") != std::string::npos) {
+                m_function_names.insert(word[1]);
+            }
+        } else if (begins_with(line, ".intel_syntax")) {
+            m_out.intel_syntax = true;
+        }
+    }
+
+    void read_location(std::string_view line)
+    {
+        const auto word = directive_words(line);
+        const auto number = [&](std::size_t i) {
+            return i < word.size() ? std::atoi(word[i].c_str()) : 0;
+        };
+        const auto split = std::find(word.begin(), word.end(), "discriminator");
+        const Location location{
+            number(1), number(2), number(3),
+            split == word.end() || split + 1 == word.end() ? 0 : std::atoi((split + 1)->c_str())};
+        // For code without a location the compiler repeats the last one when debug information
+        // needs a view number there.
+        const bool repeated = location == m_location && m_at_line == SourceLine{0, 0};
+        m_location = location;
+        const auto mark = std::find(word.begin(), word.end(), "is_stmt");
+        if (mark != word.end() && mark + 1 != word.end()) {
+            m_is_mark = *(mark + 1) == "1";
+        }
+        if (!repeated) {
+            note_location(location);
+        }
+    }
+
+    void note_location(const Location& location)
+    {
+        const auto [file, line, column, discriminator] = location;
+        (void)discriminator;
+        const char begin = m_files.character(file, line, column);
+        m_at_line = {file, begin == '}' ? 0 : line};
+        if (!m_out.functions.empty() && m_out.functions.back().line.second == 0) {
+            // C functions begin at their brace (for clang: in its line), maybe below the name.
+            Function& function = m_out.functions.back();
+            const int named =
+                begin == '{' || column == 0 ? m_files.line_of_name(file, line, function.symbol) : 0;
+            m_at_line.second = named != 0 ? named : m_at_line.second;
+            function.line = {file, named != 0 ? named : line};
+        }
+        if (m_has_marks && m_is_mark && m_at_line.second > 0 && begin != ';') {
+            m_marks.push_back(m_at_line);
+        }
+    }
+
+    void read_file(const std::vector<std::string>& word)
+    {
+        if (word.size() == 2) {
+            m_out.main_name = word[1];
+        } else if (word.size() > 2 && std::isdigit(static_cast<unsigned char>(word[1][0])) != 0) {
+            const bool has_directory = word.size() >= 4 && word[3] != "md5";
+            m_files.add(std::atoi(word[1].c_str()), has_directory ? word[2] : "",
+                        has_directory ? word[3] : word[2]);
+        }
+    }
+
+    void read_instruction(std::string_view line)
+    {
+        const std::size_t blank = std::min(line.find_first_of(" \t"), line.size());
+        const std::string_view mnemonic = line.substr(0, blank);
+        if (line.find(PROBE) != line.npos) {
+            read_probe(probe_form(m_out.machine, mnemonic, trimmed(line.substr(blank))));
+            return;
+        }
+        if (!is_landing_mark(mnemonic)) {
+            note_instruction();
+        }
+        const Flow flow = flow_of(m_out.machine, mnemonic);
+        if (flow != Flow::on && m_open) {
+            m_links.back().jumps.push_back(line.substr(line.find_last_of(" \t,") + 1));
+        }
+        if (flow == Flow::branch) {
+            open_region();
+        } else if (flow == Flow::end) {
+            m_open = false;
+        }
+    }
+
+    void read_probe(Region::Probe form)
+    {
+        if (m_out.functions.empty()) {
+            throw NotInstrumentable("a probe outside of any function");
+        }
+        if (!m_open || m_out.regions.back().probe != Region::Probe::none) {
+            // Straight on from the block before. The location in front of the probe is the new
+            // block's.
+            const SourceLine line = m_at_line;
+            std::vector<SourceLine> marks;
+            marks.swap(m_marks);
+            open_region();
+            m_at_line = line;
+            m_marks.swap(marks);
+        }
+        note_instruction();
+        m_out.regions.back().probe = form;
+        m_out.regions.back().at = m_out.text.size() - 1;
+        m_open = form == Region::Probe::call;
+    }
+
+    /// Begins a region behind the line just read. The compiler gives code a location of its own
+    /// behind a label; code without one has none, not that of the code above.
+    void open_region()
+    {
+        if (m_open) {
+            note_marks();
+            m_links.back().falls_through = true;
+        }
+        m_marks.clear();
+        m_at_line = {0, 0};
+        m_open = true;
+        m_out.regions.emplace_back();
+        m_out.regions.back().function = static_cast<int>(m_out.functions.size()) - 1;
+        m_links.emplace_back();
+    }
+
+    void note_instruction()
+    {
+        if (m_open) {
+            note_marks();
+            if (m_at_line.second > 0) {
+                m_out.regions.back().lines.insert(m_at_line);
+            }
+        }
+    }
+
+    void note_marks()
+    {
+        Region& region = m_out.regions.back();
+        if (region.at == 0) {
+            region.at = m_out.text.size() - 1;
+            m_links.back().leading = m_marks;
+        } else {
+            region.lines.insert(m_marks.begin(), m_marks.end());
+        }
+        m_marks.clear();
+    }
+
+    AsmText& m_out;
+    SourceFiles& m_files;
+    const bool m_has_marks; ///< the compiler marks beginnings of statements
+    std::set<std::string> m_function_names;
+    std::vector<Links> m_links;      ///< of the regions
+    std::vector<SourceLine> m_marks; ///< since the last instruction
+    Location m_location{};           ///< as last written
+    SourceLine m_at_line{0, 0};      ///< of the next instruction
+    bool m_is_mark = true;
+    bool m_open = false; ///< code that can run is being read
+    bool m_inline = false;
+};
+
+} // namespace
+
+AsmText scan_assembly(std::string_view text, SourceFiles& files)
+{
+    AsmText out;
+    out.machine = machine_of(text);
+    Scanner(out, files, text.find(" is_stmt 0") != text.npos).read(text);
+    return out;
+}

@@ -1,0 +1,145 @@
+#include "asm_syntax.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <initializer_list>
+
+namespace
+{
+
+bool is_digit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+bool is_one_of(std::string_view word, std::initializer_list<std::string_view> list)
+{
+    return std::find(list.begin(), list.end(), word) != list.end();
+}
+
+/// The operand of a call of the probe: direct, through the linkage table or through the offset
+/// table, in both syntaxes of x86-64.
+bool is_probe_operand(std::string_view operand)
+{
+    for (const std::string_view before : {"*", "[QWORD PTR "}) {
+        if (begins_with(operand, before)) {
+            operand.remove_prefix(before.size());
+        }
+    }
+    return begins_with(operand, PROBE) &&
+           is_one_of(operand.substr(PROBE.size()),
+                     {"", "@PLT", "@GOTPCREL(%rip)", "@GOTPCREL[rip]]"});
+}
+
+/// Reads the escape behind a backslash at `at`, and moves `at` to its last character.
+char escaped(std::string_view line, std::size_t& at)
+{
+    if (!is_digit(line[at + 1])) {
+        return line[++at];
+    }
+    const std::string octal(line.substr(at + 1, 3));
+    at += octal.size();
+    return static_cast<char>(std::strtol(octal.c_str(), nullptr, 8));
+}
+
+} // namespace
+
+bool begins_with(std::string_view text, std::string_view start)
+{
+    return text.substr(0, start.size()) == start;
+}
+
+std::string_view trimmed(std::string_view line)
+{
+    const std::size_t first = line.find_first_not_of(" \t");
+    const std::size_t last = line.find_last_not_of(" \t\r");
+    return first == line.npos ? std::string_view{} : line.substr(first, last - first + 1);
+}
+
+std::vector<std::string> directive_words(std::string_view line)
+{
+    std::vector<std::string> out;
+    bool quoted = false;
+    bool open = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const char c = line[i];
+        if (!quoted && (c == ' ' || c == '\t' || c == ',')) {
+            open = false;
+            continue;
+        }
+        if (!open) {
+            out.emplace_back();
+            open = true;
+        }
+        if (c == '"') {
+            quoted = !quoted;
+        } else {
+            const bool escape = quoted && c == '\\' && i + 1 < line.size();
+            out.back() += escape ? escaped(line, i) : c;
+        }
+    }
+    return out;
+}
+
+bool is_jump_target(std::string_view label)
+{
+    return !begins_with(label, ".L") || begins_with(label, ".LBB") ||
+           (label.size() > 2 && is_digit(label[2]));
+}
+
+bool is_landing_mark(std::string_view mnemonic)
+{
+    return begins_with(mnemonic, "endbr") || mnemonic == "bti" || begins_with(mnemonic, "paci");
+}
+
+Flow flow_of(Machine machine, std::string_view mnemonic)
+{
+    if (machine == Machine::x86_64) {
+        if (is_one_of(mnemonic, {"jmp", "jmpq", "ret", "retq", "ud2", "iretq", "hlt"})) {
+            return Flow::end;
+        }
+        return mnemonic[0] == 'j' || begins_with(mnemonic, "loop") ? Flow::branch : Flow::on;
+    }
+    if (is_one_of(mnemonic, {"b", "br", "ret", "retaa", "retab", "braa", "brab", "eret", "brk"})) {
+        return Flow::end;
+    }
+    const bool conditional = begins_with(mnemonic, "b.") ||
+                             is_one_of(mnemonic, {"beq", "bne", "bcs", "bhs",  "bcc", "blo", "bmi",
+                                                  "bpl", "bvs", "bvc", "bhi",  "bls", "bge", "blt",
+                                                  "bgt", "ble", "cbz", "cbnz", "tbz", "tbnz"});
+    return conditional ? Flow::branch : Flow::on;
+}
+
+Machine machine_of(std::string_view text)
+{
+    for (std::size_t at = text.find(PROBE); at != text.npos; at = text.find(PROBE, at + 1)) {
+        const std::size_t start = text.rfind('\n', at) + 1;
+        const std::string_view line = trimmed(text.substr(start, at - start));
+        if (line == "bl" || line == "b") {
+            return Machine::aarch64;
+        }
+        if (begins_with(line, "call") || begins_with(line, "jmp")) {
+            return Machine::x86_64;
+        }
+    }
+    if (text.find(PROBE) != text.npos) {
+        throw NotInstrumentable("no probe has a known form");
+    }
+    return Machine::none;
+}
+
+Region::Probe probe_form(Machine machine, std::string_view mnemonic, std::string_view operand)
+{
+    if (is_probe_operand(operand)) {
+        const bool arm = machine == Machine::aarch64;
+        if (arm ? mnemonic == "bl" : is_one_of(mnemonic, {"call", "callq"})) {
+            return Region::Probe::call;
+        }
+        if (arm ? mnemonic == "b" : is_one_of(mnemonic, {"jmp", "jmpq"})) {
+            return Region::Probe::tail;
+        }
+    }
+    throw NotInstrumentable("a probe has an unknown form: " + std::string(mnemonic) + " " +
+                            std::string(operand));
+}

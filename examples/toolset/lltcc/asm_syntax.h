@@ -1,0 +1,35 @@
+// The pieces of assembly syntax that reading needs, for both machines.
+#pragma once
+
+#include "asm_scan.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+bool begins_with(std::string_view text, std::string_view start);
+
+/// The line without blanks around it.
+std::string_view trimmed(std::string_view line);
+
+/// The words of a directive, between blanks and commas. A quoted word stands without its quotes,
+/// its escapes resolved.
+std::vector<std::string> directive_words(std::string_view line);
+
+/// A label that code can jump to: `.L` and a digit (GCC), `.LBB` (clang), or a name of the
+/// programmer's. The other labels of the compilers mark debug information.
+bool is_jump_target(std::string_view label);
+
+/// An instruction that has to stand first where an indirect jump may land.
+bool is_landing_mark(std::string_view mnemonic);
+
+enum class Flow { on, branch, end };
+
+/// Whether the code goes on behind the instruction, only there or elsewhere too.
+Flow flow_of(Machine machine, std::string_view mnemonic);
+
+/// The machine of a text, by its first probe; none without a probe. Throws NotInstrumentable.
+Machine machine_of(std::string_view text);
+
+/// How an instruction that names the probe runs it. Throws NotInstrumentable at unknown forms.
+Region::Probe probe_form(Machine machine, std::string_view mnemonic, std::string_view operand);

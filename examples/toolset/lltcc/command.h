@@ -1,0 +1,33 @@
+// The wrapped command: what kind of compile it is, and what of it the records need.
+#pragma once
+
+#include "process.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// The driver's own options and the wrapped command behind them.
+struct Invocation {
+    std::string project_path; ///< empty, a directory, or a .prj file
+    int stub_mode = 1;
+    Words command; ///< compiler and arguments; empty when there are none
+};
+
+/// Reads the words. The values of the path and the mode may be missing: they were empty before a
+/// shell split the command.
+Invocation read_invocation(const Words& arguments);
+
+/// What the arguments of a compile say.
+struct CompileCommand {
+    std::string why_plain; ///< reason not to instrument; empty when there is none
+    bool is_clang = false;
+    bool has_debug_info = false;
+    bool optimizes = false;
+    Words sources; ///< as written
+    Words kept;    ///< compiler and the options that matter to a stub of the same module
+    std::vector<std::pair<std::string, std::string>> path_maps; ///< real and recorded prefix
+};
+
+/// Reads the command with its response files.
+CompileCommand read_command(const Words& command);

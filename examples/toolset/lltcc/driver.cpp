@@ -1,0 +1,174 @@
+// The compiler does the whole compile itself, with all its rules about outputs, dependency files
+// and diagnostics: it is only told to call probes, and to look for its assembler in a directory
+// where this program stands under the name `as`. What fails that way is compiled plainly.
+#include "driver.h"
+
+#include "command.h"
+#include "commonfunc/Caddis_func.h"
+#include "job.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace
+{
+
+__attribute__((format(printf, 1, 2))) void notice(const char* format, ...)
+{
+    char text[1024];
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(text, sizeof text, format, args);
+    va_end(args);
+    std::fprintf(stderr, "lltcc: %s\n", text);
+}
+
+/// LLTTEMP/codemeasure of the project, of the platform when one tree is built for several.
+std::string temporary_area(const std::string& project_path)
+{
+    std::string root =
+        names_project_file(project_path) ? split_path(project_path).directory : project_path;
+    if (env_int("isOverlappedCompile") == 1) {
+        root += "/" + env_text(env_text("PlatformToken").c_str());
+    }
+    return absolute_path(root.empty() ? "." : root) + "/LLTTEMP/codemeasure";
+}
+
+/// The directory that holds this program as `as`: beside the program in the build tree, under
+/// ../lib when installed. Empty when there is none.
+std::string assembler_directory()
+{
+    char program[513] = {};
+    QMRGetCurrProcName(program);
+    const std::string home = split_path(std::string(program) + ".").directory;
+    for (const char* place : {"/lltcc.d", "/../lib/lltcov/lltcc.d"}) {
+        if (QMRFileExists((home + place + "/as").c_str()) != 0) {
+            return home + place;
+        }
+    }
+    return "";
+}
+
+std::string real_assembler(const Words& command)
+{
+    Words query = command;
+    query.push_back("-print-prog-name=as");
+    std::string answer;
+    std::string errors;
+    run_program(query, {nullptr, &answer, &errors});
+    answer.erase(answer.find_last_not_of("\r\n") + 1);
+    return answer.empty() ? "as" : answer;
+}
+
+/// The optimisation level stays the user's. Left out of it are only passes that would let the
+/// report say something else than the source: those that let two places share one piece of code and
+/// so one probe, and those that move code to where it runs although its line does not.
+constexpr const char* GCC_OPTIONS[] = {"-fsanitize-coverage=trace-pc",
+                                       // joining equal code
+                                       "-fno-crossjumping", "-fno-ipa-icf", "-fno-tree-tail-merge",
+                                       "-fno-code-hoisting", "-fno-ssa-phiopt", "-fno-tree-cselim",
+                                       // moving and splitting code
+                                       "-fno-tree-pre", "-fno-tree-loop-im", "-fno-tree-sink",
+                                       "-fno-thread-jumps", "-fno-split-paths",
+                                       "-fno-schedule-insns2"};
+
+constexpr const char* CLANG_OPTIONS[] = {
+    "-fsanitize-coverage=edge,trace-pc,no-prune",
+    "-fno-integrated-as", // so that there is an assembler to stand in for
+};
+
+Words instrumented(const Words& command, const CompileCommand& compile, const std::string& tools)
+{
+    Words more;
+    if (compile.is_clang) {
+        more.assign(std::begin(CLANG_OPTIONS), std::end(CLANG_OPTIONS));
+    } else {
+        more.assign(std::begin(GCC_OPTIONS), std::end(GCC_OPTIONS));
+        if (compile.optimizes) {
+            more.push_back("-gstatement-frontiers"); // lines of statements that vanish
+        }
+    }
+    if (!compile.has_debug_info) {
+        more.push_back("-g1");
+    }
+    Words out = command;
+    out.insert(out.begin() + 1, "-B" + tools + "/");
+    out.insert(std::find(out.begin(), out.end(), "--"), more.begin(), more.end());
+    return out;
+}
+
+Job job_of(const Invocation& invocation, const CompileCommand& compile)
+{
+    Job job;
+    job.area = temporary_area(invocation.project_path);
+    job.stub_mode = invocation.stub_mode;
+    job.drop_debug_info = !compile.has_debug_info;
+    job.assembler = real_assembler(invocation.command);
+    for (const std::string& word : compile.kept) {
+        job.compile_command += (job.compile_command.empty() ? "" : " ");
+        job.compile_command +=
+            word[0] == '-' && shell_word(word)[0] == '.' ? shell_word(word).substr(2) : word;
+    }
+    for (const std::string& source : compile.sources) {
+        job.sources.push_back(absolute_path(source));
+    }
+    job.path_maps = compile.path_maps;
+    job.notices = anonymous_file("");
+    ::fcntl(job.notices, F_SETFD, 0); // the assembler role inherits it
+    return job;
+}
+
+/// The compile without instrumentation after one with it has failed. What the compiler has to say
+/// was said already, unless the assembler role stood in its way.
+int compile_plainly(const Words& command, const std::string& source, const std::string& trouble)
+{
+    std::string errors;
+    const int status = run_program(command, {nullptr, nullptr, &errors});
+    if (status == 0) {
+        notice("compiled without coverage: %s: %s",
+               trouble.empty() ? "the compiler refuses to instrument" : trouble.c_str(),
+               source.c_str());
+    } else if (!trouble.empty()) {
+        std::fputs(errors.c_str(), stderr);
+    }
+    return status;
+}
+
+} // namespace
+
+int run_driver(const Words& arguments)
+{
+    const Invocation invocation = read_invocation(arguments);
+    const Words& command = invocation.command;
+    if (command.empty()) {
+        notice("called as: lltcc -qmr_current_prj_path DIR -projectname NAME "
+               "-qmr_coverage_stub_mold MODE COMPILER ARGUMENT...");
+        return 2;
+    }
+    CompileCommand compile = read_command(command);
+    const std::string tools = assembler_directory();
+    if (tools.empty()) {
+        compile.why_plain = "lltcc.d/as is missing from the installation";
+    }
+    if (!compile.why_plain.empty()) {
+        notice("compiled without coverage: %s", compile.why_plain.c_str());
+        return become_program(command);
+    }
+    const Job job = job_of(invocation, compile);
+    ::setenv(JOB_VARIABLE, to_text(job).c_str(), 1);
+    ::setenv("CCACHE_DISABLE", "1", 1); // a cache would hand out objects without records
+    const int status = run_program(instrumented(command, compile, tools));
+    const std::string trouble = content_of(job.notices);
+    ::unsetenv(JOB_VARIABLE);
+    if (status != 0) {
+        return compile_plainly(command, compile.sources[0], trouble);
+    }
+    if (!trouble.empty()) {
+        notice("%s", trouble.c_str());
+    }
+    return 0;
+}

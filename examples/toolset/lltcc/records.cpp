@@ -1,0 +1,127 @@
+// A directory is filled under a temporary name and then takes its place; where an older one stands
+// (the same source compiled again), the two change places and the old one goes.
+#include "records.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_tree.h"
+#include "lltld/source_tab.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <fcntl.h>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Part of every symbol's number: another one makes new symbols for all sources.
+constexpr const char* FORMAT_VERSION = "lltcc 1";
+
+std::uint64_t mixed(std::uint64_t hash, const std::string& text)
+{
+    for (const char c : text) {
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+    }
+    return (hash ^ 0xFFU) * 0x100000001B3U; // where one text ends and the next begins
+}
+
+[[noreturn]] void fail(const std::string& what, const std::string& path)
+{
+    throw std::runtime_error("cannot " + what + " '" + path + "': " + std::strerror(errno));
+}
+
+void make_directories(const std::string& path)
+{
+    for (std::size_t at = path.find('/', 1);; at = path.find('/', at + 1)) {
+        const std::string part = path.substr(0, at);
+        if (::mkdir(part.c_str(), 0777) != 0 && errno != EEXIST) {
+            fail("create", part);
+        }
+        if (at == path.npos) {
+            return;
+        }
+    }
+}
+
+std::string table_record(const Record& record)
+{
+    _SOURCEFILE_OBJECT entry = {};
+    const std::size_t dot = record.source.rfind('.');
+    const std::string extension = dot == record.source.npos ? "c" : record.source.substr(dot + 1);
+    copy_bounded(entry.szName, record.symbol + "." + extension);
+    struct stat info = {};
+    if (::stat(record.source.c_str(), &info) == 0) {
+        entry.size = static_cast<std::uint32_t>(info.st_size);
+        entry.mtime = static_cast<std::uint32_t>(info.st_mtime);
+    }
+    entry.instnum = static_cast<std::int32_t>(record.probes);
+    return std::string(reinterpret_cast<const char*>(&entry), sizeof entry);
+}
+
+void write_whole(const std::string& path, const std::string& text)
+{
+    if (replace_file(path, text) != Writing::done) {
+        fail("write", path);
+    }
+}
+
+/// Gives the directory its name; one that has it already is removed.
+void move_into_place(const std::string& from, const std::string& to)
+{
+    if (::rename(from.c_str(), to.c_str()) == 0) {
+        return;
+    }
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_EXCHANGE) != 0) {
+        remove_tree(from);
+        fail("replace", to);
+    }
+    remove_tree(from);
+}
+
+} // namespace
+
+std::string symbol_of(const Record& record, const std::string& assembly)
+{
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    for (const std::string& part :
+         {std::string(FORMAT_VERSION), record.source, record.object, record.compile_command,
+          std::to_string(record.stub_mode), assembly}) {
+        hash = mixed(hash, part);
+    }
+    char digits[17];
+    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
+    std::string name = base_name(record.source).substr(0, 14);
+    for (char& c : name) {
+        const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+        c = letter || (c >= '0' && c <= '9') ? c : '_';
+    }
+    if (name.empty() || (name[0] >= '0' && name[0] <= '9')) {
+        name.insert(0, 1, '_');
+    }
+    return name.substr(0, 14) + "_" + digits;
+}
+
+void leave_records(const std::string& area, const Record& record)
+{
+    for (const char* part : {"/db", "/ini", "/obj/before"}) {
+        make_directories(area + part);
+    }
+    std::string object;
+    if (read_whole_file(record.object, object) != Reading::done) {
+        fail("read", record.object);
+    }
+    write_whole(area + "/obj/before/" + record.symbol, object);
+    write_whole(area + "/ini/" + record.symbol + ".ini",
+                "[StubFiles]\nStubFilePath1=" + record.source + "\nObjFilePath=" + record.object +
+                    "\n");
+    const std::string place = area + "/db/db" + record.symbol;
+    const std::string beside = area + "/db/." + record.symbol + "." + std::to_string(::getpid());
+    make_directories(beside);
+    write_whole(beside + "/.tab", table_record(record));
+    write_whole(beside + "/CompileCmd.txt", record.compile_command);
+    write_whole(beside + "/probes.txt", record.probe_map);
+    move_into_place(beside, place);
+}

@@ -1,0 +1,105 @@
+#!/bin/sh
+# lltcc LLTCC [COMPILER]: each command of the table runs plainly and through lltcc, in two copies of
+# one directory. Exit status, names of the files left, dependency files and diagnostics have to be
+# the same; the first column says how many sources have to be instrumented.
+set -u
+lltcc=$1
+compiler=${2:-gcc}
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export LC_ALL=C
+
+make_sources() {
+    mkdir -p "$1/sub/out" && cd "$1" || exit 1
+    echo '#define THREE 3' >h.h
+    printf '#include "h.h"\nint a(int x)\n{\n    if (x > THREE)\n        return 1;\n    return 0;\n}\n' >a.c
+    printf 'int b(void)\n{\n    int unused;\n    return 2;\n}\n' >'sub/b c.c'
+    printf 'int broken(void)\n{\n    return x;\n}\n' >broken.c
+    printf '#include "h.h"\nint data = THREE;\n' >data.c
+    printf 'struct S { ~S(); };\nvoid f();\nvoid g()\n{\n    S s;\n    f();\n}\n' >cc.cpp
+    echo '.globl s' >s.s
+    printf 'extern int y;\nint z(void)\n{\n    __asm__("bad instruction");\n    return 1;\n}\n' >badasm.c
+    echo '-O2 -DX="a b" -c a.c -o sub/out/r.o' >args.rsp
+}
+
+failures=0
+fail() {
+    failures=$((failures + 1))
+    echo "FAILED: $*"
+}
+
+# Of the diagnostics only names of temporary files may differ.
+diagnostics() {
+    sed -e '/^lltcc: /d' -e 's,/tmp/[^ :]*\.s:,TEMP:,' -e 's,{standard input}:,TEMP:,' \
+        -e 's,TEMP:[0-9]*:,TEMP:,' "$1"
+}
+
+check() {
+    records=$1
+    shift
+    rm -rf "$work/plain" "$work/cover" "$work/project"
+    (make_sources "$work/plain")
+    (make_sources "$work/cover")
+    (cd "$work/plain" && eval "$compiler $*" 2>"$work/plain.err")
+    plain=$?
+    (cd "$work/cover" && eval "'$lltcc' -qmr_current_prj_path '$work/project' -projectname LLTTEMP \
+        -qmr_coverage_stub_mold 1 $compiler $*" 2>"$work/cover.err")
+    cover=$?
+    [ "$plain" = "$cover" ] || fail "$*: status $cover, not $plain"
+    for side in plain cover; do
+        (cd "$work/$side" && find . -type f | sort) >"$work/$side.files"
+        (cd "$work/$side" && find . -name '*.d' -o -name '*.dep' | sort | xargs -r cat) >"$work/$side.deps"
+        diagnostics "$work/$side.err" >"$work/$side.said"
+    done
+    for what in files deps said; do
+        diff "$work/plain.$what" "$work/cover.$what" || fail "$*: other $what"
+    done
+    found=$(ls "$work/project/LLTTEMP/codemeasure/ini" 2>/dev/null | wc -l)
+    [ "$found" = "$records" ] || fail "$*: $found sources instrumented, not $records"
+    symbols=$(cd "$work/cover" && find . -name '*.o' -exec nm {} + 2>/dev/null | grep -c g_QMRCovData_)
+    [ "$symbols" = "$records" ] || fail "$*: $symbols counter arrays, not $records"
+    said=$(grep -c '^lltcc: ' "$work/cover.err")
+    [ "$said" -le 1 ] || fail "$*: $said notices"
+}
+
+while read -r records command; do
+    check "$records" "$command"
+done <<'END'
+1 -c a.c
+1 -c a.c -o sub/out/x.o
+1 -osub/out/x.o a.c -c -O2
+1 -c "$PWD/a.c" -O3 -g
+2 -c a.c "sub/b c.c" -Wall
+2 -c a.c cc.cpp
+1 -c -pipe a.c -o a.o
+1 -c -save-temps a.c
+1 -c -O2 -MMD a.c
+1 -c -MD -MP -MF my.dep a.c -o sub/out/x.o
+1 -c -MD -MT 'tar$get' -MQ 'q$t' a.c -o sub/out/x.o
+1 -c -Wp,-MMD,wp.dep a.c -o sub/out/x.o
+1 @args.rsp
+1 -x c++ -c a.c
+1 -c -g -gdwarf-4 -O2 a.c
+1 -c -g3 cc.cpp
+1 -c -O2 -fno-exceptions cc.cpp
+1 -c -O1 -masm=intel a.c
+1 -c -fno-plt -O2 a.c
+1 -c -fvisibility=hidden -fPIC a.c
+0 -c data.c
+0 -c broken.c
+0 -c missing.c
+0 -c badasm.c
+0 -c a.c --no-such-option
+0 -c -Wall -Werror "sub/b c.c"
+0 -c s.s
+0 -c h.h
+0 -E a.c
+0 -S a.c
+0 -c -flto a.c
+0 -c -x assembler a.c
+0 -c -x c -o in.o - <a.c
+0 -c -fsyntax-only a.c
+0 -c
+END
+echo "$failures failures"
+[ "$failures" = 0 ]

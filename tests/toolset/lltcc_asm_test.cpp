@@ -1,0 +1,176 @@
+// Assembly in, regions and counters out. The texts are cut from what the compilers write.
+#include "examples/toolset/lltcc/asm_rewrite.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+
+std::string function(const std::string& body)
+{
+    return "\t.file\t\"t.c\"\n\t.text\n\t.type\tf, @function\nf:\n\t.loc 1 2 1\n" + body;
+}
+
+using Lines = std::set<int>;
+
+/// The lines of each probe, in counter order.
+std::vector<Lines> probe_lines(const std::string& text)
+{
+    SourceFiles files({});
+    const AsmText read = scan_assembly(text, files);
+    std::vector<Lines> out;
+    for (const std::size_t index : choose_probes(read)) {
+        Lines lines;
+        for (const SourceLine& line : read.regions[index].lines) {
+            lines.insert(line.second);
+        }
+        out.push_back(lines);
+    }
+    return out;
+}
+
+std::string rewritten(const std::string& text, Counters counters, bool drop_debug_info = false)
+{
+    SourceFiles files({});
+    const AsmText read = scan_assembly(text, files);
+    Rewriting how;
+    how.array = "A";
+    how.counters = counters;
+    how.drop_debug_info = drop_debug_info;
+    return rewrite(read, choose_probes(read), how);
+}
+
+bool contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+const std::string CALL = "\tcall\t__sanitizer_cov_trace_pc@PLT\n";
+
+} // namespace
+
+TEST(LltccRegions, LinesBelongToTheCodeThatRunsWithThem)
+{
+    const struct {
+        const char* what;
+        std::string body;
+        std::vector<Lines> probes;
+    } CASES[] = {
+        {"prologue and body share a probe",
+         CALL + "\t.loc 1 3 1\n\tmovl\t$1, %eax\n\tret\n",
+         {{2, 3}}},
+        {"a second probe begins a block, with the location before it",
+         CALL + "\tnop\n\t.loc 1 4 1\n" + CALL + "\tnop\n",
+         {{2}, {4}}},
+        {"code behind a jump without a probe gets one when it has lines of its own",
+         CALL + "\tje\t.L2\n\t.loc 1 5 1\n\tnop\n.L2:\n\t.loc 1 6 1\n" + CALL + "\tret\n",
+         {{2}, {5}, {6}}},
+        {"no extra probe for a line that has one",
+         CALL + "\tje\t.L2\n\t.loc 1 2 9\n\tnop\n.L2:\n\t.loc 1 6 1\n" + CALL + "\tret\n",
+         {{2}, {6}}},
+        {"code behind a label without a location has none",
+         CALL + "\tje\t.L2\n\t.loc 1 5 1\n" + CALL + ".L2:\n" + CALL + "\t.loc 1 7 1\n\tret\n",
+         {{2}, {5}, {7}}},
+        {"labels of debug information cut nothing",
+         CALL + ".LVL1:\n\t.loc 1 3 1\n\tnop\n.LBB2:\n\tnop\n",
+         {{2, 3}}},
+        {"the mark of a statement without code counts",
+         CALL + "\tnop\n\t.loc 1 3 1 is_stmt 1\n\t.loc 1 4 1 is_stmt 0\n\tnop\n",
+         {{2, 3, 4}}},
+        {"a location that is no mark needs code",
+         CALL + "\tnop\n\t.loc 1 3 1 is_stmt 0\n\t.loc 1 4 1\n\tnop\n",
+         {{2, 4}}},
+        {"a mark at a meeting point is not that of the way with the line's code",
+         CALL + "\t.loc 1 3 1 is_stmt 0\n\tje\t.L2\n\t.loc 1 5 1 is_stmt 1\n" + CALL +
+             "\tnop\n.L2:\n\t.loc 1 5 1\n\t.loc 1 6 1\n" + CALL + "\tret\n",
+         {{2, 3}, {5}, {6}}},
+        {"inline assembly is code of its line, whatever stands in it",
+         CALL + "\t.loc 1 3 1\n#APP\n# 3 \"t.c\" 1\n\tjmp 1f\n1:\n#NO_APP\n\t.loc 1 4 1\n\tnop\n",
+         {{2, 3, 4}}},
+    };
+    for (const auto& one : CASES) {
+        SCOPED_TRACE(one.what);
+        EXPECT_EQ(probe_lines(function(one.body)), one.probes);
+    }
+}
+
+TEST(LltccRegions, AFunctionWithoutProbesStaysAsItIs)
+{
+    const std::string text =
+        function(CALL + "\tret\n") + "\t.type\tnaked, @function\nnaked:\n\t.loc 1 9 1\n\tret\n";
+    EXPECT_EQ(probe_lines(text), std::vector<Lines>{{2}});
+}
+
+TEST(LltccRegions, TheNameOfAnInlinedFunctionIsEnteredWithItsBody)
+{
+    const std::string text = function(CALL + "\t.loc 1 3 1\n\tret\n") +
+                             "\t.type\tg, @function\ng:\n\t.loc 1 9 1\n" + CALL +
+                             "\t.loc 1 3 1\n\tret\n";
+    EXPECT_EQ(probe_lines(text), (std::vector<Lines>{{2, 3}, {2, 3, 9}}));
+}
+
+TEST(LltccCounters, EveryFormOfAProbeIsReplaced)
+{
+    const struct {
+        const char* probe;
+        bool returns; ///< the probe was a jump, so a return follows the count
+    } CASES[] = {
+        {"\tcall\t__sanitizer_cov_trace_pc", false},
+        {"\tcall\t__sanitizer_cov_trace_pc@PLT", false},
+        {"\tcallq\t__sanitizer_cov_trace_pc@PLT", false},
+        {"\tcall\t*__sanitizer_cov_trace_pc@GOTPCREL(%rip)", false},
+        {"\tcall\t[QWORD PTR __sanitizer_cov_trace_pc@GOTPCREL[rip]]", false},
+        {"\tjmp\t__sanitizer_cov_trace_pc", true},
+        {"\tjmp\t*__sanitizer_cov_trace_pc@GOTPCREL(%rip)", true},
+        {"\tjmp\t__sanitizer_cov_trace_pc@PLT                # TAILCALL", true},
+        {"\tbl\t__sanitizer_cov_trace_pc", false},
+        {"\tb\t__sanitizer_cov_trace_pc", true},
+    };
+    for (const auto& one : CASES) {
+        SCOPED_TRACE(one.probe);
+        const std::string text =
+            rewritten(function(std::string(one.probe) + "\n"), Counters::words);
+        EXPECT_FALSE(contains(text, "__sanitizer"));
+        EXPECT_EQ(contains(text, "\tret\n"), one.returns);
+        EXPECT_TRUE(contains(text, "A@GOTPCREL(%rip)") || contains(text, ":got:A"));
+    }
+}
+
+TEST(LltccCounters, AnUnknownFormIsRefused)
+{
+    SourceFiles files({});
+    for (const char* probe :
+         {"\tmovabsq\t$__sanitizer_cov_trace_pc@PLTOFF, %rax\n", "\tje\t__sanitizer_cov_trace_pc\n",
+          "\tcall\t__sanitizer_cov_trace_pc_guard\n"}) {
+        SCOPED_TRACE(probe);
+        EXPECT_THROW(scan_assembly(function(probe), files), NotInstrumentable);
+        EXPECT_THROW(scan_assembly(function(CALL + probe), files), NotInstrumentable);
+    }
+}
+
+TEST(LltccCounters, CountersLieWhereTheModeSays)
+{
+    std::string body;
+    for (int i = 0; i < 34; ++i) {
+        body += CALL;
+    }
+    EXPECT_TRUE(contains(rewritten(function(body), Counters::words), "adcl\t$0, 132(%r11)"));
+    EXPECT_TRUE(contains(rewritten(function(body), Counters::bytes), "adcb\t$0, 33(%r11)"));
+    EXPECT_TRUE(contains(rewritten(function(body), Counters::bits), "orl\t$2, 4(%r11)"));
+}
+
+TEST(LltccCounters, OnlyUnwantedDebugInformationGoes)
+{
+    const std::string text = function(CALL + "\tret\n") +
+                             "\t.section\t.debug_str,\"MS\",@progbits,1\n.LASF0:\n"
+                             "\t.string\t\"__sanitizer_cov_trace_pc\"\n\t.ident\t\"C\"\n"
+                             "\t.section\t.rodata\n\t.string\t\"kept\"\n";
+    const std::string bare = rewritten(text, Counters::words, true);
+    EXPECT_FALSE(contains(bare, ".loc") || contains(bare, ".LASF0") || contains(bare, "debug_str"));
+    EXPECT_TRUE(contains(bare, ".ident") && contains(bare, "\"kept\"") &&
+                contains(bare, ".file\t\"t.c\""));
+    EXPECT_TRUE(contains(rewritten(text, Counters::words), "\"__sanitizer_cov_trace_pc\""));
+}
