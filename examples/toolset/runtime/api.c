@@ -1,0 +1,273 @@
+/* The public functions, all in one object: when the linker takes one of them from the static
+ * library it takes all, so that a process never mixes two copies of the runtime within a module. */
+#include "lltcov_rt.h"
+
+#include "copies.h"
+#include "dump.h"
+#include "policy.h"
+#include "registry.h"
+
+#include <errno.h>
+#include <pthread.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+unsigned short g_TUSKSockBindPort __attribute__((weak)) = 60000;
+
+static int target_state;
+static int is_set_up;
+static int is_exiting;
+static char next_root[PATH_MAX];
+static sigset_t fork_mask;
+
+/* --- the process: fork and exit */
+
+static void before_fork(void)
+{
+    registry_lock(&fork_mask);
+    dump_all_modules();
+}
+
+static void after_fork_in_parent(void)
+{
+    const sigset_t mask = fork_mask;
+    registry_unlock(&mask);
+}
+
+static void after_fork_in_child(void)
+{
+    const sigset_t mask = fork_mask;
+    registry_zero_counters();
+    registry_forget_files();
+    registry_unlock(&mask);
+    policy_restart_in_child();
+}
+
+/* Runs before the destructors of the program and its libraries, which still count. */
+static void note_exit(void)
+{
+    is_exiting = 1;
+}
+
+/* The last destructor of the image that holds the runtime. */
+__attribute__((destructor(101))) static void finish(void)
+{
+    policy_stop();
+    if (is_exiting) {
+        this_copy_dump();
+    }
+}
+
+static void set_up(void)
+{
+    if (!is_set_up) {
+        is_set_up = 1;
+        pthread_atfork(before_fork, after_fork_in_parent, after_fork_in_child);
+        atexit(note_exit);
+    }
+}
+
+/* --- modules */
+
+/* The first `length` bytes of a path, made absolute; empty when that does not fit. */
+static void make_absolute(char* out, const char* text, size_t length)
+{
+    size_t used = 0;
+    out[0] = '\0';
+    if (text[0] != '/') {
+        if (getcwd(out, PATH_MAX - 1) == NULL) {
+            out[0] = '\0';
+            return;
+        }
+        used = strlen(out);
+        out[used++] = '/';
+    }
+    if (used + length >= PATH_MAX) {
+        out[0] = '\0';
+        return;
+    }
+    memcpy(out + used, text, length);
+    out[used + length] = '\0';
+}
+
+/* The length of a path without its last component. */
+static size_t parent_length(const char* path, size_t length)
+{
+    while (length > 0 && path[length - 1] != '/') {
+        --length;
+    }
+    while (length > 1 && path[length - 1] == '/') {
+        --length;
+    }
+    return length;
+}
+
+/* Where the next module's dumps go. */
+static void choose_root(char* out, const char* area)
+{
+    static const char DEFAULT_NAME[] = "/llt_result";
+    const char* from_environment = getenv("LLTCOV_ROOT");
+    if (from_environment != NULL && from_environment[0] != '\0') {
+        make_absolute(out, from_environment, strlen(from_environment));
+        return;
+    }
+    if (next_root[0] != '\0') {
+        memcpy(out, next_root, PATH_MAX);
+        return;
+    }
+    make_absolute(out, area, parent_length(area, parent_length(area, strlen(area))));
+    const size_t used = strlen(out);
+    if (used + sizeof DEFAULT_NAME <= PATH_MAX) {
+        memcpy(out + used, DEFAULT_NAME, sizeof DEFAULT_NAME);
+    }
+}
+
+void* QMR_CreateCoverageListExt(const char* pModName, const char* covdbpath, unsigned long iCount,
+                                int iClass)
+{
+    (void)iCount;
+    char root[PATH_MAX];
+    sigset_t mask;
+    const int saved = errno;
+    choose_root(root, covdbpath);
+    set_up();
+    registry_lock(&mask);
+    struct module* module = registry_add_module(pModName, covdbpath, root, iClass - 1);
+    registry_unlock(&mask);
+    errno = saved;
+    return module;
+}
+
+int QMR_AddCoverageBuf(void* pMod, unsigned int iFileId, char* pFileName, unsigned int* pCovBuf,
+                       unsigned int iBufSize, unsigned int iInstSize)
+{
+    struct module* module = pMod;
+    if (module == NULL || pCovBuf == NULL ||
+        size_of_array(width_of_mode(module->mode), iInstSize) > iBufSize) {
+        return 0;
+    }
+    const struct buffer buffer = {
+        .name = pFileName, .data = pCovBuf, .index = iFileId, .points = iInstSize};
+    sigset_t mask;
+    registry_lock(&mask);
+    const int added = registry_add_buffer(module, &buffer);
+    registry_unlock(&mask);
+    return added;
+}
+
+/* The string member of a flat JSON object, to be freed, or null. */
+static char* json_member(const char* object, const char* member)
+{
+    const char* at = strstr(object, member);
+    char* value = at != NULL ? malloc(strlen(at) + 1) : NULL;
+    if (value == NULL) {
+        return NULL;
+    }
+    char* end = value;
+    for (at += strlen(member); *at != '\0' && *at != '"'; ++at) {
+        if (*at == '\\' && at[1] != '\0') {
+            ++at;
+        }
+        *end++ = *at;
+    }
+    *end = '\0';
+    return value;
+}
+
+int QMRInit(int iType, char* pProjName)
+{
+    (void)iType;
+    sigset_t mask;
+    registry_lock(&mask);
+    for (struct module* module = registry_modules; module != NULL; module = module->next) {
+        if (module->buid == NULL) {
+            free(module->project);
+            module->project = json_member(pProjName, "\"projectname\":\"");
+            module->buid = json_member(pProjName, "\"buid\":\"");
+        }
+    }
+    registry_unlock(&mask);
+    return 1;
+}
+
+static int same_name(const char* a, const char* b)
+{
+    while (*a != '\0' && (*a == '-' ? '_' : *a) == (*b == '-' ? '_' : *b)) {
+        ++a;
+        ++b;
+    }
+    return *a == *b;
+}
+
+void QMR_DumpModuleCovdata(char* modulename)
+{
+    sigset_t mask;
+    registry_lock(&mask);
+    for (struct module *module = registry_modules, *next; module != NULL; module = next) {
+        next = module->next;
+        if (same_name(module->name, modulename)) {
+            dump_module(module);
+            if (!is_exiting) {
+                registry_remove_module(module);
+            }
+        }
+    }
+    registry_unlock(&mask);
+}
+
+int lltcov_dump(void)
+{
+    return copies_dump();
+}
+
+int lltcov_reset(void)
+{
+    copies_reset();
+    return 1;
+}
+
+/* --- settings */
+
+void TUSK_CovSetlltcovRootpath(const char* rootpath)
+{
+    make_absolute(next_root, rootpath, strlen(rootpath));
+}
+
+void TUSK_CovSetTimerPolicy(int time_interval)
+{
+    policy_start_timer(time_interval);
+}
+
+void TUSK_CovSetSignalPolicy(int signal_no)
+{
+    policy_watch_signal(signal_no);
+}
+
+void TUSK_CovSetSupportVbsFlag(unsigned int uiFlag)
+{
+    (void)uiFlag;
+}
+
+void TUSK_CovSetCompilePolicy(int overlappedCompile)
+{
+    (void)overlappedCompile;
+}
+
+__attribute__((weak)) void TUSK_UserAgentConfig(void) {}
+
+int ZKT_ServerInit(unsigned int iHostPort)
+{
+    (void)iHostPort;
+    return 1;
+}
+
+int QMRGetTargetState(void)
+{
+    return target_state;
+}
+
+void QMRSetTargetState(int state)
+{
+    target_state = state;
+}

@@ -1,0 +1,65 @@
+#include "out.h"
+
+#include <errno.h>
+#include <string.h>
+#include <unistd.h>
+
+void out_flush(struct out* out)
+{
+    size_t done = 0;
+    while (out->fd >= 0 && done < out->used && !out->failed) {
+        const ssize_t written = write(out->fd, out->data + done, out->used - done);
+        if (written > 0) {
+            done += (size_t)written;
+        } else if (written == 0 || errno != EINTR) {
+            out->failed = 1;
+        }
+    }
+    if (out->fd >= 0) {
+        out->used = 0;
+    }
+}
+
+static void out_byte(struct out* out, char byte)
+{
+    if (out->used == out->size && out->fd >= 0) {
+        out_flush(out);
+    }
+    if (out->used < out->size) {
+        out->data[out->used++] = byte;
+    } else {
+        out->failed = 1;
+    }
+}
+
+void out_text(struct out* out, const char* text)
+{
+    while (*text != '\0') {
+        out_byte(out, *text++);
+    }
+}
+
+void out_number(struct out* out, unsigned long long number)
+{
+    char digits[24];
+    char* first = digits + sizeof digits - 1;
+    *first = '\0';
+    do {
+        *--first = (char)('0' + number % 10);
+        number /= 10;
+    } while (number > 0);
+    out_text(out, first);
+}
+
+void out_name(struct out* out, const char* name)
+{
+    for (; *name != '\0'; ++name) {
+        out_byte(out, (unsigned char)*name < ' ' || *name == 127 ? '?' : *name);
+    }
+}
+
+int out_end(struct out* out)
+{
+    out_byte(out, '\0');
+    return !out->failed;
+}
