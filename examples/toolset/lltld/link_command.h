@@ -1,0 +1,35 @@
+// What a link command says: its inputs, its output, and whether it links at all.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/// What a file is, by its first bytes.
+enum class FileKind { missing, object, archive, other };
+
+FileKind kind_of(const std::string& path);
+
+/// One input of a link.
+struct LinkInput {
+    std::string path;
+    std::size_t position; ///< index of the word that brings it in; -1 for none
+    bool is_word;         ///< the word is the path itself, not a "-l", "-Wl," or response file
+};
+
+/// A link command, as its tool would read it.
+struct LinkCommand {
+    std::vector<std::string> words;  ///< the command itself, the tool first
+    bool is_linker = false;          ///< the tool is a linker, not a compiler driver
+    bool links = true;               ///< false for "-c", "-E" and the like
+    bool is_relocatable = false;     ///< "-r": the result is an object again
+    bool leaves_side_files = false;  ///< options like "-MD", whose files are named after the output
+    std::string output = "a.out";    ///< value of the last "-o"
+    std::vector<LinkInput> objects;  ///< relocatable objects
+    std::vector<LinkInput> archives; ///< static libraries, those named by "-l" too
+    std::vector<LinkInput> sources;  ///< C and C++ sources to be compiled on the way
+    std::vector<std::size_t> link_only; ///< words that mean nothing to a compilation
+};
+
+/// Reads the command and looks at the files that it names. Response files are looked into.
+LinkCommand read_link_command(std::vector<std::string> words);

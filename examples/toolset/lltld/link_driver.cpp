@@ -1,0 +1,262 @@
+// The coverage side never decides whether a link succeeds: where its work fails, the command runs
+// without it. Only objects that need counter arrays of unknown size cannot be linked any more, and
+// that is said.
+#include "examples/toolset/lltld/link_driver.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "examples/toolset/lltld/archive_stubs.h"
+#include "examples/toolset/lltld/module_stub.h"
+#include "examples/toolset/lltld/process.h"
+#include "examples/toolset/lltld/source_step.h"
+#include "lltld/counter_mode.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace
+{
+
+/// Set for everything that is run from here: the tool may call a wrapped linker itself.
+constexpr char GUARD[] = "LLTLD_RUNS";
+
+using Words = std::vector<std::string>;
+
+/// What the inputs of a link bring along.
+struct Coverage {
+    std::vector<ScannedObject> objects; ///< what the link's own stub has to register
+    std::set<std::string> modules;      ///< stubs in static libraries
+    bool has_twins = false;             ///< two libraries define the same array or stub
+    std::size_t first = static_cast<std::size_t>(-1); ///< word of the first input concerned
+};
+
+DriverOptions take_options(int argc, char** argv)
+{
+    DriverOptions options;
+    int at = 1;
+    const auto take = [&](const char* name, std::string& value, bool (*fits)(const std::string&)) {
+        if (at < argc && std::string(argv[at]) == name) {
+            ++at;
+            // An unset value leaves no word behind.
+            if (at < argc && fits(argv[at])) {
+                value = argv[at++];
+            }
+        }
+    };
+    take("-qmr_current_prj_path", options.project,
+         [](const std::string& word) { return word != "-projectname"; });
+    take("-projectname", options.name,
+         [](const std::string& word) { return word != "-qmr_coverage_stub_mold"; });
+    take("-qmr_coverage_stub_mold", options.mode, [](const std::string& word) {
+        return word.find_first_not_of("0123456789-") == std::string::npos;
+    });
+    options.words.assign(argv + at, argv + argc);
+    return options;
+}
+
+Coverage find_coverage(const LinkCommand& link)
+{
+    Coverage coverage;
+    const auto add = [&](const LinkInput& input, ScannedObject&& object) {
+        coverage.first = std::min(coverage.first, input.position);
+        if (!object.symbols.empty()) {
+            coverage.objects.push_back(std::move(object));
+        }
+    };
+    for (const LinkInput& input : link.objects) {
+        ScannedObject object;
+        if (scan_object(absolute_path(input.path), object) && !object.symbols.empty()) {
+            add(input, std::move(object));
+        }
+    }
+    std::set<std::string> arrays;
+    std::set<std::string> seen;
+    ScannedObject registered;
+    for (const LinkInput& input : link.archives) {
+        if (!seen.insert(absolute_path(input.path)).second) {
+            continue;
+        }
+        ArchiveCoverage archive = read_archive(input.path);
+        coverage.has_twins = coverage.has_twins || archive.has_twins;
+        for (const std::string& module : archive.modules) {
+            coverage.has_twins = !coverage.modules.insert(module).second || coverage.has_twins;
+        }
+        for (const std::string& array : archive.arrays) {
+            coverage.has_twins = !arrays.insert(array).second || coverage.has_twins;
+            add_symbol(registered, array);
+        }
+        if (!archive.modules.empty() || !archive.unregistered.symbols.empty()) {
+            add(input, std::move(archive.unregistered));
+        }
+    }
+    if (coverage.has_twins) {
+        // Only one of two equal stubs will run. The runtime counts no array twice.
+        registered.path = link.output;
+        coverage.objects.push_back(std::move(registered));
+    }
+    return coverage;
+}
+
+/// The static runtime: `LLTCOV_RUNTIME` (the file or its directory), or beside the program, as it
+/// is installed or in a build tree. Empty when it is not found.
+std::string find_runtime()
+{
+    constexpr char FILE[] = "/liblltcov_rt.a";
+    const std::string named = env_text("LLTCOV_RUNTIME");
+    const std::string own = own_directory();
+    const Words candidates = {named, named + FILE, own + "/../lib/lltcov" + FILE,
+                              own + "/lib/lltcov" + FILE, own + "/../runtime" + FILE};
+    for (const std::string& path : candidates) {
+        if (kind_of(path) == FileKind::archive) {
+            return absolute_path(path);
+        }
+    }
+    return "";
+}
+
+/// An option of the linker, for the tool of this command.
+std::string linker_option(const LinkCommand& link, const std::string& option)
+{
+    return (link.is_linker ? "" : "-Wl,") + option;
+}
+
+/// The words go before the first input with coverage: there the tool certainly reads inputs, the
+/// libraries that they need come later, and the stub's destructor is one of the last to run.
+Words with_words(const LinkCommand& link, const Coverage& coverage, const Words& added)
+{
+    Words words = link.words;
+    const std::size_t at = std::min(coverage.first, words.size());
+    words.insert(words.begin() + static_cast<std::ptrdiff_t>(at), added.begin(), added.end());
+    return words;
+}
+
+Words with_runtime(const LinkCommand& link, const Coverage& coverage, const std::string& stub,
+                   const std::string& runtime)
+{
+    Words added;
+    if (!stub.empty()) {
+        added.push_back(stub);
+    }
+    // Inputs behind the runtime need it too, so it is taken whether it is needed yet or not.
+    added.insert(added.end(), {"-u", "QMR_CreateCoverageListExt", "-u", "__wrap_execv"});
+    const ArrayForm form = counter_mode(g_lxprj->stubmode).array;
+    if (form == ArrayForm::char_extern || form == ArrayForm::word_extern) {
+        // No member refers to an array of such a stub.
+        for (const std::string& module : coverage.modules) {
+            added.insert(added.end(), {"-u", "ZJ_Start_" + module});
+        }
+    }
+    for (const char* function :
+         {"execl", "execlp", "execle", "execv", "execvp", "execve", "execvpe", "fexecve"}) {
+        added.push_back(linker_option(link, std::string("--wrap=") + function));
+    }
+    added.push_back(runtime);
+    return with_words(link, coverage, added);
+}
+
+/// Without coverage, but with everything that the inputs refer to.
+int link_plainly(const LinkCommand& link, const Coverage& coverage, Output output)
+{
+    const std::string plain = make_plain_object(coverage.objects);
+    return plain.empty() ? 1 : run(with_words(link, coverage, {plain}), output);
+}
+
+bool was_interrupted(int status)
+{
+    return status > 128;
+}
+
+int link_with_coverage(const LinkCommand& link, const Coverage& coverage, const std::string& stub,
+                       const std::string& runtime)
+{
+    Words words = with_runtime(link, coverage, stub, runtime);
+    const int status = run(words);
+    if (status == 0 || was_interrupted(status)) {
+        return status;
+    }
+    if (coverage.has_twins) {
+        words.insert(words.begin() + static_cast<std::ptrdiff_t>(coverage.first),
+                     linker_option(link, "--allow-multiple-definition"));
+        if (run(words, Output::discarded) == 0) {
+            say("'%s' is linked all the same: two of its static libraries have the same coverage "
+                "symbols and are reported as part of it; give the libraries different names",
+                link.output.c_str());
+            return 0;
+        }
+    }
+    if (link_plainly(link, coverage, Output::discarded) == 0) {
+        say("'%s' is linked all the same, but reports no coverage: it does not link with the "
+            "runtime '%s', see above",
+            link.output.c_str(), runtime.c_str());
+        return 0;
+    }
+    return status;
+}
+
+/// The link when no stub or runtime can be had.
+int link_without_coverage(const LinkCommand& link, const Coverage& coverage, bool has_area,
+                          const char* reason)
+{
+    if (has_area && link_plainly(link, coverage, Output::shown) == 0) {
+        say("'%s' reports no coverage: %s", link.output.c_str(), reason);
+        return 0;
+    }
+    say("'%s' is linked without coverage: %s; its instrumented objects refer to counter arrays "
+        "that nothing defines, so compile them again, or without lltcc",
+        link.output.c_str(), reason);
+    return run(link.words);
+}
+
+int link_module(const LinkCommand& link, const Coverage& coverage, const std::string& name)
+{
+    if (name.empty() || !enter_work_area(name, link.output, coverage.modules)) {
+        return link_without_coverage(link, coverage, false, "its work area cannot be created");
+    }
+    const std::string runtime = find_runtime();
+    if (runtime.empty()) {
+        return link_without_coverage(link, coverage, true,
+                                     "liblltcov_rt.a is not found, set LLTCOV_RUNTIME");
+    }
+    std::string stub;
+    if (!coverage.objects.empty()) {
+        stub = make_stub(coverage.objects);
+        if (stub.empty()) {
+            return link_without_coverage(link, coverage, true,
+                                         "its stub could not be made, see above");
+        }
+    }
+    return link_with_coverage(link, coverage, stub, runtime);
+}
+
+} // namespace
+
+int drive_link(int argc, char** argv)
+{
+    const DriverOptions options = take_options(argc, argv);
+    if (options.words.empty()) {
+        say("usage: lltld -qmr_current_prj_path PROJECT -projectname NAME -qmr_coverage_stub_mold "
+            "MODE COMMAND...");
+        return 2;
+    }
+    const bool is_nested = std::getenv(GUARD) != nullptr;
+    ::setenv(GUARD, "1", 1);
+    ::unsetenv("LLT_WRAP");
+    LinkCommand link = read_link_command(options.words);
+    if (is_nested || !link.links || link.is_relocatable) {
+        return run(options.words);
+    }
+    if (!options.project.empty()) {
+        ::setenv("qmr_current_prj_path", options.project.c_str(), 0);
+        ::setenv("qmr_coverage_stub_mold", options.mode.c_str(), 0);
+    }
+    if (link.sources.empty() && find_coverage(link).first >= link.words.size()) {
+        return run(options.words);
+    }
+    if (load_settings()) {
+        link = compile_sources(options, link);
+    }
+    const Coverage coverage = find_coverage(link);
+    if (coverage.first >= link.words.size()) {
+        return run(options.words);
+    }
+    return link_module(link, coverage, options.name);
+}

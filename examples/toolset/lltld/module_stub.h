@@ -1,0 +1,28 @@
+// The module of a link: its work area, its database, and its registration stub.
+#pragma once
+
+#include "lltld/object_scan.h"
+
+#include <set>
+#include <string>
+#include <vector>
+
+/// Loads the project settings. False when the project path is not known.
+bool load_settings();
+
+/// Chooses the module's name and takes its work area PROJECT/NAME/codemeasure until the program
+/// ends. The name is `wanted` with "_so" behind it for a shared library, else "_exe": a static
+/// library of the same stem has the work area without a suffix, and a program that is built in the
+/// project's folder itself takes that place. Where another output has the work area, or a library
+/// of this link (`taken`) has a module of that name, "_2", "_3" and so on follow.
+bool enter_work_area(const std::string& wanted, const std::string& output,
+                     const std::set<std::string>& taken);
+
+/// Brings the work area up to date with these objects and compiles the stub that registers their
+/// counters. Returns the stub object, or an empty path after the library's messages.
+std::string make_stub(const std::vector<ScannedObject>& objects);
+
+/// An object that only defines the counter arrays of these objects and functions in the runtime's
+/// place that do nothing, so that a link succeeds where the runtime cannot be. Needs the work area.
+/// Returns its path, or an empty path when a size is not known or it does not compile.
+std::string make_plain_object(const std::vector<ScannedObject>& objects);

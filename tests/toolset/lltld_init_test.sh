@@ -1,0 +1,36 @@
+#!/bin/sh
+# usage: lltld_init_test.sh TUSK_INIT.SH
+# The settings file in every shell that is here, also in its strict mode and sourced twice.
+set -u
+init=$1 passed=0 failed=0
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+for shell in sh dash bash ksh zsh 'busybox sh'; do
+    command -v "${shell%% *}" > /dev/null || continue
+    while IFS='|' read -r before expected; do
+        rm -rf "$work/p"
+        mkdir -p "$work/p/sub"
+        # shellcheck disable=SC2086
+        actual=$(cd "$work/p" && env -i PATH="$PATH" $shell -euc "set -- one 'two three'
+            $before
+            . '$init'; first=\$(env | sort); cd sub; . '$init'
+            [ \"\$first\" = \"\$(env | sort | sed \"s|^PWD=.*|PWD=$work/p|; /^OLDPWD=/d\")\" ] ||
+                echo changed
+            [ \"\$*\" = 'one two three' ] || echo arguments
+            [ -d \"\$lltcovRootpath\" ] && [ -d $work/p/LLTTEMP/codemeasure/obj/after ] || echo missing
+            echo \$qmr_current_prj_path \$lltcovRootpath \$TimerPolicy" 2>&1)
+        if [ "$actual" = "$(eval "echo $expected")" ]; then
+            passed=$((passed + 1))
+        else
+            failed=$((failed + 1))
+            printf 'FAILED %s: %s\n%s\n' "$shell" "$before" "$actual"
+        fi
+    done <<'ROWS'
+:|$work/p $work/p/llt_result 0
+LLT_PROJECT=../p/x.prj|$work/p/../p/x.prj $work/p/../p/llt_result 0
+LLT_PROJECT=$PWD; export qmr_current_prj_path=/old lltcovRootpath=/old/llt_result|$work/p $work/p/llt_result 0
+export TimerPolicy=1 lltcovRootpath=$PWD/r|$work/p $work/p/r 1
+ROWS
+done
+printf '%d passed, %d failed\n' "$passed" "$failed"
+exit $((failed > 0))

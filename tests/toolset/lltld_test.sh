@@ -1,0 +1,196 @@
+#!/bin/sh
+# usage: lltld_test.sh LINK_DRIVER LLTWRAPPER RUNTIME_ARCHIVE
+# Every kind of link that builds make, run and its counts compared.
+set -u
+PROJECT=$(mktemp -d)
+trap 'rm -rf "$PROJECT"' EXIT
+mkdir "$PROJECT/bin"
+cp "$1" "$PROJECT/bin/lltld"
+DRIVER=$PROJECT/bin/lltld WRAPPER=$2
+export LLTCOV_RUNTIME="$3"
+# shellcheck source=lltld_fixture.sh
+. "$(dirname "$0")/lltld_fixture.sh"
+cd "$PROJECT" || exit 2
+
+source_of main <<'C'
+int beta(int);
+int main(int argc, char **argv)
+{
+    (void)argv;
+    HIT(0);
+    if (argc > 1) {
+        HIT(1);
+    }
+    return beta(argc) - 1;
+}
+C
+source_of beta <<'C'
+int beta(int x)
+{
+    for (int i = 0; i < 3; ++i) {
+        HIT(i);
+    }
+    return x;
+}
+C
+cp main.c plain.c
+gcc -DHIT\(i\)= -c plain.c -o plain.o
+echo 'int other(void) { return 0; }' > other.c
+gcc -fPIC -c other.c
+instrumented main 2
+instrumented beta 40 -O2
+
+wrapped_ar() { "$WRAPPER" -artool ar -arsuffix .a ar "$@" > /dev/null 2>&1; }
+wrapped_ar rcs libbeta.a beta.o
+mkdir sub twin raw conv
+wrapped_ar rcs conv/libconv.a beta.o other.o
+wrapped_ar rcs twin/libbeta.a main.o
+ar rcs raw/libraw.a beta.o other.o
+echo 'main.o -o "rsp" beta.o' > words.rsp
+
+# What a link gives: NAME | dump of the module for main | the same for beta | COMMAND
+# The output is NAME; "-" in the table stands for no dump.
+check_row() {
+    rm -rf llt_result
+    eval "link '$1' $4"
+    status=$?
+    expect "$1 links" 0 $status
+    # shellcheck disable=SC2086
+    [ ! -x "./$1" ] || { "./$1"; expect "$1 runs" 0 $?; }
+    expect "$1 counts main" "$2" "$(counts '*' main)"
+    expect "$1 counts beta" "$3" "$(counts '*' beta)"
+}
+while IFS='|' read -r name of_main of_beta command; do
+    check_row "$name" "$of_main" "$of_beta" "$command"
+done <<'ROWS'
+direct|1 0|1*3 0*37|gcc main.o beta.o -o direct
+behind|1 0|1*3 0*37|gcc -o behind -L. main.o -lbeta -Wl,--as-needed -lm
+static|1 0|1*3 0*37|gcc -static -o static main.o libbeta.a
+group|1 0|1*3 0*37|gcc -o group -Wl,--start-group libbeta.a main.o -Wl,--end-group
+whole|1 0|1*3 0*37|gcc -o whole main.o -Wl,--whole-archive libbeta.a -Wl,--no-whole-archive
+library||1*3 0*37|gcc plain.o libbeta.a -o library
+shared|1 0|1*3 0*37|gcc main.o beta.o conv/libconv.a -o shared
+rawlib||1*3 0*37|gcc plain.o -o rawlib raw/libraw.a
+rsp|1 0|1*3 0*37|gcc @words.rsp -Wl,-E -Wl,-S
+wl|1 0|1*3 0*37|gcc -o wl main.o -Wl,beta.o
+xlinker|1 0|1*3 0*37|gcc -o xlinker main.o -Xlinker beta.o
+gcsections|1 0|1*3 0*37|gcc -o gcsections -Wl,--gc-sections -s main.o beta.o
+lld|1 0|1*3 0*37|gcc -fuse-ld=gold -o lld main.o libbeta.a
+ROWS
+
+# a relocatable link stays as it is, and its result is an input like any other
+link part gcc -r -nostdlib main.o beta.o -o part.o
+expect "-r gives no work area" "no" "$([ -d part_exe ] && echo yes || echo no)"
+check_row whole_part "1 0" "1*3 0*37" "gcc part.o -o whole_part"
+
+# a shared library carries its own stub and runtime; the static one of the same stem keeps its own
+link libbeta gcc -shared -Wl,--no-undefined beta.o -o sub/libbeta.so
+expect "shared library links" 0 $?
+check_row uses_so "1 0" "1*3 0*37" "gcc main.o -Lsub -lbeta '-Wl,-rpath,\$ORIGIN/sub' -o uses_so"
+rm -rf llt_result
+gcc plain.o -Lsub -lbeta "-Wl,-rpath,$PWD/sub" -o plain_uses_so && ./plain_uses_so
+expect "a plain program reports the library's counts" "1*3 0*37" "$(counts libbeta_so beta)"
+expect "work areas of one stem" "libbeta libbeta_so" "$(echo libbeta libbeta_so/codemeasure/..* | sed 's|/.*||')"
+
+# ld itself, as a compiler driver would call it
+file_of() { gcc -print-file-name="$1"; }
+check_row by_ld "1 0" "1*3 0*37" "ld -static -o by_ld $(file_of crt1.o) $(file_of crti.o) \
+    $(file_of crtbeginT.o) main.o beta.o -L$(dirname "$(file_of libgcc.a)") --start-group -lgcc \
+    -lgcc_eh $(file_of libc.a) --end-group $(file_of crtend.o) $(file_of crtn.o)"
+
+# two static libraries of one stem
+rm -rf llt_result
+link twins gcc libbeta.a twin/libbeta.a libbeta.a -o twins
+expect "libraries of one stem link" 0 $?
+./twins
+expect "libraries of one stem count" "1 0 1*3 0*37" "$(counts '*' main) $(counts '*' beta)"
+check_row all_twins "1 0" "1*3 0*37" \
+    "gcc -o all_twins -Wl,--whole-archive libbeta.a twin/libbeta.a -Wl,--no-whole-archive"
+expect "libraries of one stem are named" 1 "$(grep -c 'different names' link.err)"
+
+# one library archived in two steps
+wrapped_ar q twin/libsteps.a main.o
+wrapped_ar q twin/libsteps.a beta.o
+check_row steps "1 0" "1*3 0*37" "gcc twin/libsteps.a -o steps"
+
+# two programs of one name have work areas of their own
+link same gcc main.o beta.o -o sub/same
+link same gcc main.o beta.o -o twin/same
+rm -rf llt_result
+sub/same && twin/same
+expect "programs of one name" "1 0 1 0" "$(counts same_exe main) $(counts same_exe_2 main)"
+
+# exec ends a program without destructors
+source_of execs <<'C'
+#include <unistd.h>
+int main(void) { HIT(0); return execl("/bin/true", "true", (char *)0); }
+C
+instrumented execs 1
+rm -rf llt_result
+link execs gcc execs.o -o execs && ./execs
+expect "exec dumps before" 1 "$(counts execs_exe execs)"
+
+# the coverage side fails, the link does not
+check_plain() {
+    "./$2"
+    expect "$1: runs" 0 $?
+    expect "$1: reports nothing" "" "$(counts '*' main)"
+    expect "$1: says so" 1 "$(grep -c 'no coverage' link.err)"
+}
+rm -rf llt_result
+LLTCOV_RUNTIME=/nowhere link no_runtime gcc main.o libbeta.a -o no_runtime
+check_plain "no runtime" no_runtime
+printf 'gcc -fno-such-option' > "${area:?}/db/dbmain/CompileCmd.txt"
+link no_stub gcc main.o beta.o -o no_stub
+expect "a stub that does not compile" "no coverage" "$(grep -o 'no coverage' link.err)"
+printf 'gcc -g' > "$area/db/dbmain/CompileCmd.txt"
+
+mv "$area/db/dbbeta" gone
+link gone gcc main.o beta.o -o gone_program
+expect "missing records fail" 1 $?
+expect "missing records are named" 1 "$(grep -c 'counter array of unknown size' link.err)"
+mv gone "$area/db/dbbeta"
+
+# the user's own error is reported once, with the tool's status
+link wrong gcc main.o -o wrong
+expect "user's error: status" 1 $?
+expect "user's error: once" 1 "$(grep -c 'undefined reference to .beta' link.err)"
+
+# runs that concern no coverage are run word for word
+cat > bin/tool <<'TOOL'
+#!/bin/sh
+printf '[%s]' "$@"
+exit 7
+TOOL
+chmod +x bin/tool
+while IFS='|' read -r words; do
+    eval "link plain bin/tool $words"
+    expect "status of: $words" 7 $?
+    # shellcheck disable=SC2086
+    expect "words of: $words" "$(eval "bin/tool $words")" "$(cat link.out)"
+done <<'ROWS'
+plain.o -o 'a b' -DX='"y"'
+-r main.o -o x.o
+-c main.c -o main2.o
+main.o -Wl,-r -o y.o
+-o main.o plain.o
+ROWS
+LLTLD_RUNS=1 link nested bin/tool main.o beta.o -o nested
+expect "a nested call" "[main.o][beta.o][-o][nested]" "$(cat link.out)"
+"$DRIVER" -qmr_current_prj_path -projectname x -qmr_coverage_stub_mold bin/tool q > link.out 2>&1
+expect "unset project and mode" "[q]" "$(cat link.out)"
+
+# sources in a link go through the compiler driver beside the link driver
+cat > bin/lltcc <<'LLTCC'
+#!/bin/sh
+[ "$1 $3 $4" = "-qmr_current_prj_path -projectname LLTTEMP" ] || exit 9
+shift 6
+echo "$*" >> "$qmr_current_prj_path/lltcc.log"
+case "$*" in *beta.c*) cp beta.o "${!#}" ;; *) exit 1 ;; esac
+LLTCC
+sed -i '1s/sh/bash/' bin/lltcc
+chmod +x bin/lltcc
+check_row compiled "" "1*3 0*37" "gcc plain.o -O1 beta.c -DHIT\(i\)= -o compiled -lm"
+expect "its call" "gcc -O1 -DHIT(i)= -c beta.c" "$(sed 's/ -o .*//' lltcc.log)"
+check_row fallen_back "" "1*3 0*37" "gcc -DHIT\(i\)= plain.c libbeta.a -o fallen_back"
+finish
