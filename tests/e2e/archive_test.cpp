@@ -1,4 +1,5 @@
-// Archive steps with the real compiler and archiver, and programs linked with the result.
+// Archive steps of the built program on objects of the real compiler with the real archiver, and
+// programs that are linked with the result and a small coverage runtime.
 #include "tests/lltld/work_area.h"
 
 namespace
@@ -7,129 +8,158 @@ namespace
 const char* const RUNTIME = R"~(#include <stdio.h>
 static char* bufs[9]; static int n, state; int a(void), b(void);
 void* QMR_CreateCoverageListExt(const char* m, const char* d, unsigned long c, int k)
-{ printf("list %s %s %lu %d", m, d, c, k); return bufs; }
+{ printf("list %s %s %lu %d\n", m, d, c, k); return bufs; }
 int QMR_AddCoverageBuf(void* p, unsigned i, char* f, char* b, unsigned s, unsigned k)
-{ printf(" add %d %u %s %u %u", p == bufs, i, f, s, k); bufs[n++] = b; return 1; }
-void QMR_DumpModuleCovdata(char* m) { printf(" dump %s %d %d %d\n", m, n, *bufs[0], *bufs[1]); }
+{ printf("add %d %u %s %u %u\n", p == bufs, i, f, s, k); bufs[n++] = b; return 1; }
+void QMR_DumpModuleCovdata(char* m) { printf("dump %s %d %d %d\n", m, n, *bufs[0], *bufs[1]); }
 void TUSK_CovSetSupportVbsFlag(unsigned f) {} void TUSK_CovSetCompilePolicy(int o) {}
 int QMRGetTargetState() { return state; } void QMRSetTargetState(int s) { state = s; }
-int QMRInit(int t, char* p) { printf(" init %.18s", p); return 1; }
-int main(void) { printf(" main %d %d", state, a() + a() + b()); return 0; }
+int QMRInit(int t, char* p) { printf("init %.18s\n", p); return 1; }
+int main(void) { printf("main %d %d\n", state, a() + a() + b()); return 0; }
 )~";
 
-class ArchiveStep : public WorkArea
+class ArchiveStep : public TestDir
 {
 protected:
-    std::string stub, out;
+    std::string stub, out, err;
 
     void SetUp() override
     {
-        WorkArea::SetUp();
+        TestDir::SetUp();
         stub = dir + "/libm/codemeasure/obj/__code_measure_stub_lib_libm.o";
-        answer("mkdir tool x y; ln -s T LLTTEMP; cp '" LLTWRAPPER "' tool");
+        answer("mkdir tool x y; ln -s LLTTEMP T; cp '" LLTWRAPPER "' tool");
         write_file("step", "export isOverlappedCompile=0 TimerPolicy=0 SignalPolicy=0 "
                            "lltcovRootpath= LLT_DISABLE_SOCKET=1 qmr_current_prj_path=$PWD/d.prj\n"
                            "tool/lltwrapper -artool ar -arsuffix .a ar rcs \"$@\"\n");
     }
 
-    /// NAME.o, instrumented under the symbol NAME_1, whose record is left as well.
-    void compile(const std::string& symbol, int points, const std::string& cc = "gcc",
-                 const std::string& type = "int")
+    /// NAME.o, instrumented under the symbol, whose record is left as well.
+    void compile(const std::string& name, const std::string& symbol, int points,
+                 const std::string& command = "gcc", const std::string& type = "int")
     {
-        const std::string name(1, symbol[0]), array = "g_QMRCovData_" + symbol;
-        write_file(name + ".c", "extern unsigned " + type + " " + array + "[];\nint " + name +
-                                    "(void) { return ++*" + array + "; }\n");
-        answer("gcc -c " + name + ".c");
-        leave_record(symbol, points, cc);
+        write_file(name + ".c", "extern unsigned " + type + " g_QMRCovData_" + symbol +
+                                    "[];\nint " + name + "(void) { return ++*g_QMRCovData_" +
+                                    symbol + "; }\n");
+        answer("mkdir -p LLTTEMP; gcc -c " + name + ".c");
+        leave_record(symbol, points, command);
     }
 
-    std::string archive(const std::string& members) // exit status and standard error
+    int archive(const std::string& members)
     {
         const int status = std::system(("sh ./step libm.a " + members + " >out 2>err").c_str());
-        out = read_file("out");
-        return std::to_string(status / 256) + read_file("err");
+        out = read_file("out"), err = read_file("err");
+        return status / 256;
     }
 };
 } // namespace
 
 TEST_F(ArchiveStep, ALibraryRegistersItsArraysAtLoadAndDumpsThemAtUnload)
 {
-    const std::string yes = "Option=-x -hcov_type=\"unsigned long\" -y\n", no = "Option=-c\nGccC";
-    const std::tuple<const char*, const char*, std::string, std::string, std::string, std::string>
-        rows[] = {{"0", "int", "", "4", "8", "4 8"},
-                  {"2", "char", yes + "GccCOption=-c\n", "1", "33", "1 33"},
-                  {"1", "long", no + yes, "4", "132", "8 264"},
-                  {"1", "int", no + "Option=-hcov_type\n", "4", "132", "4 132"}};
+    const std::string yes = "GccOption=-x -hcov_type=\"unsigned long\" -y\n", c = "GccCOption=-c\n",
+                      no = "GccOption=-c\n";
+    const std::tuple<char, const char*, std::string, std::string, std::string, const char*> rows[] =
+        {{'0', "int", "", "4", "8", "4\n8\n"},
+         {'1', "int", yes, "4", "132", "4\n132\n"}, // the other key is missing
+         {'2', "char", yes + c, "1", "33", "1\n33\n"},
+         {'1', "long", yes + c, "4", "132", "8\n264\n"},
+         {'1', "long", no + "GccCOption=-hcov_type=\"y\"\n", "4", "132", "8\n264\n"},
+         {'1', "int", no + "GccCOption=-hcov_type\n", "4", "132", "4\n132\n"}};
     write_file("list", "a.o 'b.o'");
     write_file("rt.c", RUNTIME);
     for (const auto& [mode, type, ini, a, b, sizes] : rows) {
-        const std::string members = *mode == '2' ? "@list" : "a.o b.o";
-        write_file("tool/InstCode.ini", "[GccOption]\nGcc" + ini);
-        compile("a_1", 1, "gcc", type);
-        compile("b_1", 33, "gcc", type);
-        ::setenv("qmr_coverage_stub_mold", mode, 1);
-        EXPECT_EQ(archive(members), "0");
+        ::setenv("qmr_coverage_stub_mold", std::string(1, mode).c_str(), 1);
+        write_file("tool/InstCode.ini", "[GccOption]\n" + ini);
+        compile("a", "a_1", 1, "gcc", type);
+        compile("b", "b_1", 33, "gcc", type);
+        const std::string members = mode == '2' ? "@list" : "a.o b.o";
+        EXPECT_EQ(std::to_string(archive(members)) + err, "0");
         EXPECT_NE(out.find("\nlltar cmd:\n ar rcs libm.a " + stub + " " + members + "  \n"),
                   out.npos);
-        EXPECT_EQ(answer("ar t libm.a; nm -S -t d " + stub +
-                         " | awk '/QMRCov.*_/ && NF > 3 {print $2 + 0}' | xargs"),
-                  "__code_measure_stub_lib_libm.o\na.o\nb.o\n" + sizes + "\n");
-        EXPECT_EQ(answer("gcc -w rt.c -Wl,--whole-archive libm.a -Wl,--no-whole-archive; ./a.out"),
-                  "list libm " + dir + "/libm/codemeasure 2 " + std::to_string(*mode - '0' + 1) +
-                      " add 1 0 a_1.c " + a + " 1 add 1 1 b_1.c " + b +
-                      " 33 init {\"projectname\":\"d\" main 1 4 dump libm 2 2 1\n");
+        EXPECT_EQ(answer("ar t libm.a"), "__code_measure_stub_lib_libm.o\na.o\nb.o\n");
+        EXPECT_EQ(answer("nm -S -t d " + stub + " | awk '/QMRCov/ && NF > 3 {print $2 + 0}'"),
+                  sizes);
+        EXPECT_EQ(
+            answer("gcc -w rt.c -Wl,--whole-archive libm.a -Wl,--no-whole-archive && ./a.out"),
+            "list libm " + dir + "/libm/codemeasure 2 " + static_cast<char>(mode + 1) +
+                "\nadd 1 0 a_1.c " + a + " 1\nadd 1 1 b_1.c " + b +
+                " 33\ninit {\"projectname\":\"d\"\nmain 1 4\ndump libm 2 2 1\n");
     }
+}
+
+TEST_F(ArchiveStep, ASecondRunSupersedesASymbolAndForgetsTheFirst)
+{
+    compile("a", "a_1", 1);
+    compile("b", "b_1", 33);
+    EXPECT_EQ(archive("a.o b.o"), 0);
     answer("touch libm/codemeasure/db/own libm/codemeasure/ini/old");
-    compile("a_2", 2); // supersedes the symbol, which the old archive still holds
-    EXPECT_EQ(archive("b.o a.o"), "0");
-    EXPECT_EQ(answer("cd libm/codemeasure; tr -s '\\0' ' ' <db/tuple.db; echo; "
-                     "ls db ini obj/before ../../T/codemeasure/* | xargs"),
-              "b.c b.o b_1 a.c a.o a_2 \n../../T/codemeasure/db: dba_2 dbb_1 "
-              "../../T/codemeasure/ini: a_2.ini b_1.ini ../../T/codemeasure/obj: before "
-              "db: db0 db1 own tuple.db ini: a_2.ini b_1.ini obj/before: a_2 b_1\n");
+    compile("a", "a_2", 2);
+    EXPECT_EQ(archive("b.o a.o"), 0); // the archive with a_1 is no member of itself
+    EXPECT_EQ(
+        answer("cd libm/codemeasure; ls db ini obj/before ../../T/codemeasure/* | xargs echo; "
+               "tr -s '\\0' ' ' <db/tuple.db"),
+        "../../T/codemeasure/db: dba_2 dbb_1 ../../T/codemeasure/ini: a_2.ini b_1.ini "
+        "../../T/codemeasure/obj: after before db: db0 db1 own tuple.db ini: a_2.ini b_1.ini "
+        "obj/before: a_2 b_1\nb.c b.o b_1 a.c a.o a_2 ");
 }
 
 TEST_F(ArchiveStep, TwoStepsOfOneWorkAreaDoNotMix)
 {
-    compile("a_1", 1, "sleep 0.3; gcc");
-    compile("b_1", 1, "sleep 0.3; gcc");
+    compile("a", "a_1", 1, "sleep 0.3; gcc");
+    compile("b", "b_1", 1, "sleep 0.3; gcc");
     answer("sh ./step x/libm.a a.o >out 2>x/err & sh ./step y/libm.a b.o >out2 2>y/err; wait");
-    EXPECT_EQ(answer("for i in x y; do nm $i/libm.a | grep -o 'B g_QMR.*'; done; "
+    EXPECT_EQ(answer("nm x/libm.a | grep -o 'B g_QMR.*'; nm y/libm.a | grep -o 'B g_QMR.*'; "
                      "cat */err | grep -c '^lltwrapper: .*/libm.a'"), // one area for both
               "B g_QMRCovData_a_1\nB g_QMRCovData_b_1\n1\n");
 }
 
 TEST_F(ArchiveStep, AFailureKeepsTheArchiverFromRunningButAMissingStubDoesNot)
 {
-    compile("a_1", 1, "false");
+    compile("a", "a_1", 1, "false");
     answer("rm T/codemeasure/obj/before/a_1");
-    EXPECT_EQ(archive("a.o"), "1");
+    EXPECT_EQ(archive("a.o"), 1);
     const std::string end = "\033[0;32;31mTUSK_FATAL:TidyCoverageDB error\n\033[m";
     EXPECT_EQ(out.find(end) + end.size(), out.size()) << out;
-    answer("test ! -e libm.a && touch T/codemeasure/obj/before/a_1"); // now only the stub fails
-    EXPECT_NE(archive("a.o").find("\nar: " + stub), out.npos);
-    EXPECT_EQ(read_file("err").rfind("lltwrapper: ", 0), 0U);
+    answer("test ! -e libm.a && touch T/codemeasure/obj/before/a_1");
+    EXPECT_EQ(archive("a.o"), 0); // whatever the archiver says of the missing stub
+    EXPECT_TRUE(std::regex_search(err, std::regex("^lltwrapper: .*\nar: " + stub))) << err;
+    answer("gcc -xc -c -o " + stub + " /dev/null; touch -d '1 hour ago' " + stub);
+    EXPECT_EQ(archive("a.o"), 0);
+    EXPECT_EQ(err.rfind("lltwrapper: ", 0), 0U) << err; // of an old stub
+    EXPECT_EQ(answer("ar t libm.a"), "__code_measure_stub_lib_libm.o\na.o\n");
 }
 
 TEST_F(ArchiveStep, NothingThatComesFromAFileIsExecuted)
 {
+    answer("mkdir LLTTEMP");
     for (const std::string version : {"", "_2"}) { // the second supersedes the first
-        const std::string a = "$(touch${IFS}pwned)" + version, b = "'\n`touch\tpwned`\n'" + version;
-        leave_record(a);
-        leave_record(b);
-        write_file("a.o", object_bytes("#" + a + "|#" + b + "|"));
-        archive("a.o");
+        std::string object = "#;touch pwned|";
+        leave_record(";touch");
+        for (const std::string name :
+             {"$(touch${IFS}pwned)", "x;touch\tpwned", "'\ntouch\tpwned\n'"}) {
+            object += "#" + name + version + "|";
+            leave_record(name + version);
+            write_file("T/codemeasure/ini/" + name + version + ".ini",
+                       "[StubFiles]\nStubFilePath1=`touch pwned`" + name +
+                           "\nObjFilePath=;touch pwned\n");
+        }
+        write_file("a.o", object_bytes(object));
+        EXPECT_EQ(archive("a.o"), 0);
         EXPECT_NE(out.find("lltar cmd:"), out.npos) << out;
     }
-    EXPECT_EQ(answer("ls -b T/codemeasure/ini | grep -vc _2 | xargs; find . -name pwned"), "0\n");
+    EXPECT_EQ(
+        answer("ls -b T/codemeasure/ini | grep -c 'ned.*_2.ini'; ls T/codemeasure/ini -b | wc -l; "
+               "find . -name pwned"),
+        "3\n4\n");
 }
 
 TEST_F(ArchiveStep, ThousandsOfMembersBeyondOneShellWordAreArchived)
 {
-    leave_record("s");
-    answer("for i in `seq 2400`; do printf 'g_QMRCovData_s\\0' >x/" + std::string(50, 'o') +
-           "$i.o; done");
-    EXPECT_EQ(archive("x/*.o"), "0");
+    answer("mkdir LLTTEMP; for i in `seq 2400`; do printf 'g_QMRCovData_s%d\\0' $((i / 50)) >x/" +
+           std::string(50, 'o') + "$i.o; done");
+    for (int i = 0; i <= 48; ++i) {
+        leave_record("s" + std::to_string(i));
+    }
+    EXPECT_EQ(std::to_string(archive("x/*.o")) + err, "0");
     EXPECT_GT(out.size() - out.find("lltar cmd:"), 131072U);
-    EXPECT_EQ(answer("ar t libm.a | wc -l; nm " + stub + " | grep -c 'B g_QMRCov'"), "2401\n1\n");
+    EXPECT_EQ(answer("ar t libm.a | wc -l; nm " + stub + " | grep -c 'B g_QMRCov'"), "2401\n49\n");
 }

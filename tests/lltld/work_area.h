@@ -9,11 +9,12 @@
 #include <filesystem>
 #include <regex>
 
-/// An object: "|" in the text stands for a NUL, "#" for "g_QMRCovData_".
+/// An object's bytes: "|" in the text stands for a NUL, "#" for "g_QMRCovData_".
 inline std::string object_bytes(const std::string& text)
 {
-    const std::string named = std::regex_replace(text, std::regex("#"), "g_QMRCovData_");
-    return std::regex_replace(named, std::regex("[|]"), std::string(1, '\0'));
+    std::string bytes = std::regex_replace(text, std::regex("#"), "g_QMRCovData_");
+    std::replace(bytes.begin(), bytes.end(), '|', '\0');
+    return bytes;
 }
 
 /// The 280 bytes of a source-file table's record; `stamp` in both fields that are not ours.
@@ -44,13 +45,15 @@ inline std::string answer(const std::string& command)
 }
 
 /// All that the driver leaves in "T" under a symbol a_1 of the source a.c and the object a.o.
-inline void leave_record(const std::string& symbol, int points = 1, const std::string& cc = "gcc")
+inline void leave_record(const std::string& symbol, int points = 1,
+                         const std::string& compile_command = "gcc")
 {
-    const std::string root = "T/codemeasure/", db = root + "db/db" + symbol,
-                      a = symbol.substr(0, symbol.find('_'));
-    std::filesystem::create_directories(db);
+    const std::string root = "T/codemeasure/", db = root + "db/db" + symbol, a(1, symbol[0]);
+    for (const std::string& path : {db, root + "ini", root + "obj/before", root + "obj/after"}) {
+        std::filesystem::create_directories(path);
+    }
     write_file(db + "/.tab", tab_record(5, symbol + ".c", 6, points, 7));
-    write_file(db + "/CompileCmd.txt", cc);
+    write_file(db + "/CompileCmd.txt", compile_command);
     write_file(root + "ini/" + symbol + ".ini",
                "[StubFiles]\nStubFilePath1=" + a + ".c\nObjFilePath=" + a + ".o\n");
     write_file(root + "obj/before/" + symbol, "saved " + symbol);
@@ -63,7 +66,7 @@ protected:
     void SetUp() override
     {
         TestDir::SetUp();
-        answer("mkdir -p w/db w/ini w/obj/before T/codemeasure/ini T/codemeasure/obj/before");
+        answer("mkdir -p w/db w/ini w/obj/before T/codemeasure/ini");
         copy_bounded(g_lxprj->szCovDictPath, "w");
         copy_bounded(g_lxprj->szLLTTEMP, "T");
         copy_bounded(g_lxprj->modName, "m");
