@@ -204,7 +204,8 @@ Writing replace_file(const std::string& path, const std::string& text)
         result = write_directly(path, text);
     }
     if (result != Writing::done) {
-        warn("cannot write '%s': %s", path.c_str(), std::strerror(errno));
+        warn("cannot write '%s': %s; make room there or check its permissions", path.c_str(),
+             std::strerror(errno));
     }
     return result;
 }

@@ -35,7 +35,8 @@ std::vector<std::string> names_in(const std::string& directory)
 
 bool failed(const char* what, const std::string& path)
 {
-    warn("cannot %s '%s': %s", what, path.c_str(), std::strerror(errno));
+    warn("cannot %s '%s': %s; the copy is incomplete, mend that and run the step again", what,
+         path.c_str(), std::strerror(errno));
     return false;
 }
 
