@@ -23,7 +23,8 @@ keep_out() {
     done
 }
 
-keep_out commonfunc lltld lltwrapper tests
-keep_out lltld lltwrapper tests
-keep_out lltwrapper tests
+keep_out commonfunc lltld lltwrapper lltcov tests
+keep_out lltld lltwrapper lltcov tests
+keep_out lltwrapper lltcov tests
+keep_out lltcov tests
 exit $violations

@@ -1,0 +1,9 @@
+#include "lltcov/commands.h"
+
+#include "lltcov/command_line.h"
+
+int run_export(const Arguments& arguments)
+{
+    (void)arguments;
+    throw UsageError("not there yet");
+}

@@ -1,0 +1,88 @@
+// lltcov answers what a build engineer asks about a build with coverage: what will the wrapper do
+// with this command, is everything set up, what was reached. One subcommand per question.
+#include "lltcov/commands.h"
+
+#include "lltcov/command_line.h"
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+
+namespace
+{
+
+struct Command {
+    const char* name;
+    const char* operands; ///< for the usage line
+    const char* purpose;
+    int (*run)(const Arguments& arguments);
+};
+
+constexpr Command COMMANDS[] = {
+    {"explain", "-- COMMAND...", "what lltwrapper would do with a command; runs nothing",
+     run_explain},
+    {"doctor", "", "what is missing or odd in settings, tools and work areas, with cures",
+     run_doctor},
+    {"export", "--lcov|--json|--cobertura [-o FILE]", "the coverage of all runs, for other tools",
+     run_export},
+    {"status", "[--json]", "modules, sources, symbols and hit rates", run_status},
+    {"clean", "[--all]", "remove the counts of all runs, or everything that the build left",
+     run_clean},
+    {"shims", "DIR", "write compilers and archivers that go through lltwrapper on demand",
+     run_shims},
+};
+
+void print_help(std::FILE* out)
+{
+    std::fputs("Usage: lltcov COMMAND [argument ...]\n\n", out);
+    for (const Command& command : COMMANDS) {
+        std::fprintf(out, "  %-8s %-38s %s\n", command.name, command.operands, command.purpose);
+    }
+    std::fputs("\nThe project is the one of --project DIR, else of qmr_current_prj_path, else the "
+               "current folder.\nExit status: 0, 1 when something was found or failed, 2 for a "
+               "wrong call. See lltcov(1).\n",
+               out);
+}
+
+int run_command(const char* name, const Arguments& arguments)
+{
+    for (const Command& command : COMMANDS) {
+        if (std::strcmp(name, command.name) != 0) {
+            continue;
+        }
+        try {
+            return command.run(arguments);
+        } catch (const UsageError& error) {
+            std::fprintf(stderr, "lltcov: %s\nusage: lltcov %s %s\n", error.what(), command.name,
+                         command.operands);
+            return 2;
+        }
+    }
+    std::fprintf(stderr, "lltcov: there is no command '%s'\n", name);
+    print_help(stderr);
+    return 2;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc < 2) {
+        print_help(stderr);
+        return 2;
+    }
+    if (std::strcmp(argv[1], "--help") == 0) {
+        print_help(stdout);
+        return 0;
+    }
+    if (std::strcmp(argv[1], "--version") == 0) {
+        std::puts("lltcov " LLTCOV_VERSION);
+        return 0;
+    }
+    try {
+        return run_command(argv[1], Arguments(argv + 2, argv + argc));
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "lltcov: stopped: %s\n", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,69 @@
+#include "lltcov/project.h"
+
+#include "commonfunc/Caddis_func.h"
+
+#include <algorithm>
+#include <dirent.h>
+#include <memory>
+
+std::string project_root(const CommandLine& line)
+{
+    const bool is_named = line.has("--project");
+    std::string root = is_named ? line.value("--project") : env_text("qmr_current_prj_path");
+    if (names_project_file(root)) {
+        root = split_path(root).directory;
+    }
+    if (!is_named && !root.empty() && env_int("isOverlappedCompile") == 1) {
+        root += "/" + env_text(env_text("PlatformToken").c_str());
+    }
+    const std::string absolute = absolute_path(root.empty() ? "." : root);
+    if (QMRPathIsDirectory(absolute.c_str()) == 0) {
+        throw UsageError("the project's folder '" + root + "' does not exist");
+    }
+    return absolute;
+}
+
+std::vector<Module> modules_of(const std::string& root)
+{
+    std::vector<Module> modules;
+    for (const std::string& name : names_in(root)) {
+        const std::string area = root + "/" + name + "/codemeasure";
+        if (name != "LLTTEMP" && QMRFileExists((area + "/.prj").c_str()) != 0) {
+            modules.push_back({name, area});
+        }
+    }
+    return modules;
+}
+
+std::string temporary_area(const std::string& root)
+{
+    return root + "/LLTTEMP/codemeasure";
+}
+
+std::string dump_root(const std::string& root)
+{
+    for (const char* variable : {"LLTCOV_ROOT", "lltcovRootpath"}) {
+        if (env_is_filled(variable)) {
+            return env_text(variable);
+        }
+    }
+    return root + "/llt_result";
+}
+
+std::vector<std::string> names_in(const std::string& directory)
+{
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> dir(::opendir(directory.c_str()), ::closedir);
+    while (dir != nullptr) {
+        const dirent* entry = ::readdir(dir.get());
+        if (entry == nullptr) {
+            break;
+        }
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") {
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
