@@ -16,7 +16,6 @@
 #include <climits>
 #include <cstddef>
 #include <cstdlib>
-#include <cstring>
 
 static_assert(sizeof(_SOURCEFILE_OBJECT) == 280, "a record has no padding");
 static_assert(offsetof(_SOURCEFILE_OBJECT, size) == 260, "the name has 256 bytes");
@@ -121,11 +120,6 @@ int SrcFileTabInfoWriteToCovTab(const char* path, std::FILE* out, _SOURCEFILE_TA
         return 0;
     }
     return 1;
-}
-
-std::string source_name(const _SOURCEFILE_OBJECT& record)
-{
-    return {record.szName, ::strnlen(record.szName, sizeof record.szName - 1)};
 }
 
 void release_table(_SOURCEFILE_TAB& table)

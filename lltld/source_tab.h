@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 /// One source of a table, 280 bytes in the file and in memory.
@@ -21,7 +22,10 @@ struct _SOURCEFILE_OBJECT {
 };
 
 /// The record's name; one without a NUL counts up to its last byte but one.
-std::string source_name(const _SOURCEFILE_OBJECT& record);
+inline std::string source_name(const _SOURCEFILE_OBJECT& record)
+{
+    return {record.szName, ::strnlen(record.szName, sizeof record.szName - 1)};
+}
 
 /// A table in memory; starts as all zeros. Copies share the records.
 struct _SOURCEFILE_TAB {

@@ -1,0 +1,169 @@
+// The module's merged table says which symbols belong to its last build; the probe map of each is
+// in the numbered copy that the step took, else where the compiler driver left it.
+#include "lltcov/project_data.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "lltcov/text_lines.h"
+#include "lltld/source_tab.h"
+
+#include <cstring>
+#include <optional>
+#include <sys/stat.h>
+
+namespace
+{
+
+constexpr const char* DAMAGED = "damaged records";
+constexpr const char* REBUILD = "; build it again through lltwrapper";
+
+/// The records of a table; none when there is no file or it holds a part of a record.
+std::vector<_SOURCEFILE_OBJECT> read_tab(const std::string& path)
+{
+    std::string content;
+    read_whole_file(path, content);
+    std::vector<_SOURCEFILE_OBJECT> records;
+    if (content.size() % sizeof(_SOURCEFILE_OBJECT) == 0) {
+        records.resize(content.size() / sizeof(_SOURCEFILE_OBJECT));
+        std::memcpy(static_cast<void*>(records.data()), content.data(), content.size());
+    }
+    return records;
+}
+
+std::string project_value(const Module& module, const char* key)
+{
+    char value[1024] = {};
+    read_profile_string("project", key, value, sizeof value, nullptr,
+                        (module.area + "/.prj").c_str());
+    return value;
+}
+
+std::string symbol_of(const _SOURCEFILE_OBJECT& record)
+{
+    const std::string name = source_name(record);
+    return name.substr(0, name.rfind('.'));
+}
+
+/// The time at which a file got its content; 0 when there is none.
+timespec time_of(const std::string& path)
+{
+    struct stat info = {};
+    return ::stat(path.c_str(), &info) == 0 ? info.st_mtim : timespec{};
+}
+
+class ModuleReader
+{
+public:
+    ModuleReader(ProjectData& data, Findings& findings) : data_(data), findings_(findings) {}
+
+    void read(const Module& module)
+    {
+        ModuleData entry;
+        entry.module = module;
+        entry.buid = project_value(module, "BUID");
+        entry.output = project_value(module, "sutpath");
+        entry.built = project_value(module, "EndTime_Caddis");
+        const std::string path = module.area + "/db/.tab";
+        const std::vector<_SOURCEFILE_OBJECT> records = read_tab(path);
+        if (records.empty() || entry.buid.empty()) {
+            findings_.add(DAMAGED, "'" + path + "' is missing or damaged: module " + module.name +
+                                       " is left out" + REBUILD);
+            return;
+        }
+        for (const _SOURCEFILE_OBJECT& record : records) {
+            read_object(record, entry);
+        }
+        data_.modules.push_back(std::move(entry));
+    }
+
+private:
+    void read_object(const _SOURCEFILE_OBJECT& record, ModuleData& module)
+    {
+        const std::string symbol = symbol_of(record);
+        const auto known = data_.object_of_symbol.find(symbol);
+        if (known != data_.object_of_symbol.end()) {
+            module.objects.push_back(known->second);
+            return;
+        }
+        if (std::optional<InstrumentedObject> object = load(record, symbol, module.module)) {
+            module.objects.push_back(data_.objects.size());
+            data_.object_of_symbol[symbol] = data_.objects.size();
+            data_.objects.push_back(std::move(*object));
+        }
+    }
+
+    std::optional<InstrumentedObject> load(const _SOURCEFILE_OBJECT& record,
+                                           const std::string& symbol, const Module& module)
+    {
+        const std::string left = temporary_area(data_.root) + "/db/db" + symbol;
+        const std::string copy = module.area + "/db/db" + std::to_string(record.fileid);
+        const std::vector<_SOURCEFILE_OBJECT> own = read_tab(left + "/.tab");
+        const std::vector<_SOURCEFILE_OBJECT> copied = read_tab(copy + "/.tab");
+        const bool has_copy = !copied.empty() && symbol_of(copied[0]) == symbol;
+        const std::string path = (has_copy ? copy : left) + "/probes.txt";
+        InstrumentedObject object;
+        object.symbol = symbol;
+        // A source that was touched and compiled again has the same symbol and a newer record.
+        if (!own.empty() || has_copy) {
+            object.source_size = own.empty() ? copied[0].size : own[0].size;
+            object.source_mtime = own.empty() ? copied[0].mtime : own[0].mtime;
+        }
+        std::string text;
+        if (record.instnum < 0 || record.instnum > static_cast<std::int32_t>(MAX_PROBES)) {
+            findings_.add(DAMAGED, "'" + module.area + "/db/.tab' gives '" + symbol + "' " +
+                                       std::to_string(record.instnum) + " probes" + REBUILD);
+        } else if (read_whole_file(path, text) != Reading::done) {
+            findings_.add(DAMAGED, "'" + path + "' cannot be read: the source of '" + symbol +
+                                       "' is left out" + REBUILD);
+        } else if (read_map(text, path, static_cast<std::uint32_t>(record.instnum), object)) {
+            object.compiled = time_of(own.empty() ? object.map.object : left + "/.tab");
+            object.compiled = object.compiled.tv_sec == 0 ? time_of(path) : object.compiled;
+            return object;
+        }
+        return std::nullopt;
+    }
+
+    bool read_map(const std::string& text, const std::string& path, std::uint32_t probes,
+                  InstrumentedObject& object)
+    {
+        try {
+            object.map = read_probe_map(text, probes);
+        } catch (const FormatError& error) {
+            findings_.add(DAMAGED,
+                          path + ":" + std::to_string(error.line) + ": " + error.what() + REBUILD);
+            return false;
+        }
+        object.counts.resize(probes);
+        return true;
+    }
+
+    ProjectData& data_;
+    Findings& findings_;
+};
+
+} // namespace
+
+ProjectData read_modules(const std::string& root, Findings& findings)
+{
+    ProjectData data;
+    data.root = root;
+    const std::vector<Module> modules = modules_of(root);
+    Progress progress("reading modules", modules.size());
+    ModuleReader reader(data, findings);
+    for (const Module& module : modules) {
+        reader.read(module);
+        progress.step();
+    }
+    return data;
+}
+
+ProjectData read_project_data(const CommandLine& line, Findings& findings)
+{
+    const std::string root = project_root(line);
+    ProjectData data = read_modules(root, findings);
+    if (data.modules.empty()) {
+        findings.add("projects", "'" + root + "' holds no module with coverage data; build it " +
+                                     "through lltwrapper, or name another one with --project");
+    }
+    add_dumps(data, dump_root(root), findings);
+    return data;
+}

@@ -1,0 +1,49 @@
+// Everything that the build and the runs left of a project: modules, objects, counts.
+#pragma once
+
+#include "lltcov/console.h"
+#include "lltcov/coverage.h"
+#include "lltcov/project.h"
+
+#include <cstdint>
+#include <ctime>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+/// One compilation of a source. The symbol stands for source, object and compiled text together.
+struct InstrumentedObject {
+    std::string symbol;
+    std::uint32_t source_size = 0;  ///< when it was compiled; 0 when that is not known
+    std::uint32_t source_mtime = 0; ///< likewise
+    timespec compiled = {};         ///< when it was compiled
+    ProbeMap map;
+    std::vector<std::uint64_t> counts; ///< one per probe, summed over all runs of all modules
+};
+
+/// A module as its last archive step or link left it, and its runs.
+struct ModuleData {
+    Module module;
+    std::string buid;                 ///< build id
+    std::string output;               ///< absolute path of the archive, library or program
+    std::string built;                ///< local time as YYYYMMDDhhmmss
+    std::vector<std::size_t> objects; ///< its objects, as indexes into the project's
+    std::size_t dumps = 0;            ///< runs that are counted
+};
+
+struct ProjectData {
+    std::string root; ///< absolute path of the project
+    std::vector<ModuleData> modules;
+    std::vector<InstrumentedObject> objects; ///< an object that several modules hold is here once
+    std::unordered_map<std::string, std::size_t> object_of_symbol;
+};
+
+/// Reads the modules' tables and probe maps. What is missing or damaged goes to the findings.
+ProjectData read_modules(const std::string& root, Findings& findings);
+
+/// Adds the counts of every dump file in the directory that belongs to a module and its build.
+/// Those of other projects are passed over; what else is left out goes to the findings.
+void add_dumps(ProjectData& data, const std::string& directory, Findings& findings);
+
+/// Both for the project of the command line.
+ProjectData read_project_data(const CommandLine& line, Findings& findings);

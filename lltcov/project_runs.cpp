@@ -1,0 +1,148 @@
+// A dump belongs to the module whose work area it names. It counts only for the build that it was
+// made by: the next archive step or link has another build id, and its probes may mean other lines.
+#include "lltcov/project_data.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "lltcov/text_lines.h"
+
+#include <map>
+
+namespace
+{
+
+constexpr const char* AGAIN = "; remove it and run that test again";
+
+bool ends_with(const std::string& text, const std::string& end)
+{
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.npos, end) == 0;
+}
+
+class RunReader
+{
+public:
+    RunReader(ProjectData& data, Findings& findings) : data_(data), findings_(findings)
+    {
+        for (ModuleData& module : data.modules) {
+            module_of_area_[module.module.area] = &module;
+        }
+    }
+
+    void read(const std::string& path)
+    {
+        std::string text;
+        if (read_whole_file(path, text) != Reading::done) {
+            findings_.add("damaged dumps", "'" + path + "' cannot be read or is empty" + AGAIN);
+            return;
+        }
+        try {
+            const Dump dump = read_dump(text);
+            if (ModuleData* module = module_of(dump)) {
+                add(dump, *module, path);
+            }
+        } catch (const FormatError& error) {
+            findings_.add("damaged dumps",
+                          path + ":" + std::to_string(error.line) + ": " + error.what() + AGAIN);
+        }
+    }
+
+    void report_refused()
+    {
+        for (const auto& [module, refused] : refused_) {
+            findings_.add("refused dumps",
+                          std::to_string(refused.dumps) + " dumps of " + module->module.name +
+                              " are of build " + refused.buid + ", '" + module->output +
+                              "' is of build " + module->buid + ", they are not counted (first '" +
+                              refused.path + "'); lltcov clean, then run the tests again");
+        }
+        for (const auto& [area, dumps] : orphans_) {
+            findings_.add("dumps of modules that are gone",
+                          std::to_string(dumps) + " dumps of '" + area +
+                              "', where no module is left, are not counted; lltcov clean");
+        }
+    }
+
+private:
+    struct Refused {
+        std::size_t dumps = 0;
+        std::string buid;
+        std::string path;
+    };
+
+    /// The module of the dump's work area, relative to the project where the path is; null for one
+    /// of another project, and for one that is gone, which is noted.
+    ModuleData* module_of(const Dump& dump)
+    {
+        const std::string named(dump.area);
+        const auto [place, is_new] = area_of_name_.emplace(named, "");
+        if (is_new) {
+            place->second = absolute_path(named[0] == '/' ? named : data_.root + "/" + named);
+        }
+        const auto module = module_of_area_.find(place->second);
+        if (module != module_of_area_.end()) {
+            return module->second;
+        }
+        const std::string inside = data_.root + "/";
+        if (named[0] != '/' || named.compare(0, inside.size(), inside) == 0) {
+            ++orphans_[named];
+        }
+        return nullptr;
+    }
+
+    void add(const Dump& dump, ModuleData& module, const std::string& path)
+    {
+        if (dump.buid != module.buid) {
+            Refused& refused = refused_[&module];
+            refused.path = refused.dumps++ == 0 ? path : refused.path;
+            refused.buid = dump.buid;
+            return;
+        }
+        std::vector<std::pair<InstrumentedObject*, const DumpedSource*>> additions;
+        for (const DumpedSource& source : dump.sources) {
+            const auto object = data_.object_of_symbol.find(std::string(source.symbol));
+            if (object == data_.object_of_symbol.end()) {
+                findings_.add("sources without records",
+                              "'" + path + "' counts '" + std::string(source.symbol) + "', which " +
+                                  module.module.name +
+                                  " has no record of: left out; build and run it again");
+            } else if (data_.objects[object->second].counts.size() != source.probes) {
+                findings_.add("damaged dumps", "'" + path + "' gives '" +
+                                                   std::string(source.symbol) + "' " +
+                                                   std::to_string(source.probes) +
+                                                   " probes, its record another number" + AGAIN);
+                return;
+            } else {
+                additions.emplace_back(&data_.objects[object->second], &source);
+            }
+        }
+        for (const auto& [object, source] : additions) {
+            add_run(object->counts, *source);
+        }
+        ++module.dumps;
+    }
+
+    ProjectData& data_;
+    Findings& findings_;
+    std::map<std::string, ModuleData*> module_of_area_;
+    std::map<std::string, std::string> area_of_name_; ///< absolute, by what dumps name
+    std::map<const ModuleData*, Refused> refused_;
+    std::map<std::string, std::size_t> orphans_; ///< by area
+};
+
+} // namespace
+
+void add_dumps(ProjectData& data, const std::string& directory, Findings& findings)
+{
+    std::vector<std::string> names;
+    for (std::string& name : names_in(directory)) {
+        if (name[0] != '.' && ends_with(name, ".lltcov")) {
+            names.push_back(std::move(name));
+        }
+    }
+    Progress progress("reading dumps", names.size());
+    RunReader reader(data, findings);
+    for (const std::string& name : names) {
+        reader.read(directory + "/" + name);
+        progress.step();
+    }
+    reader.report_refused();
+}
