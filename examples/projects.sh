@@ -11,9 +11,9 @@
 # sources whose lines a coverage report of the library must show: all that have code.
 projects() {
     cat <<'END'
-hello | - | - | make -e | make -e test | *.c *.cpp
-hello-cmake | - | cmake -S . -B out | cmake --build out | ctest --test-dir out | *.c *.cpp
-hello-meson | - | meson setup out | meson compile -C out | meson test -C out | *.c *.cpp
+hello | - | - | make -e | make -e test | *.cpp */*.c */*.cpp
+hello-cmake | - | cmake -S . -B out | cmake --build out | ctest --test-dir out | *.cpp */*.c */*.cpp
+hello-meson | - | meson setup out | meson compile -C out | meson test -C out | *.cpp */*.c */*.cpp
 zlib | zlib | ./configure | make | make test | *.c
 bzip2 | bzip2 | - | make -e libbz2.a bzip2 bzip2recover | make -e test | blocksort.c bzlib.c compress.c decompress.c huffman.c
 cjson | cjson | cmake -S . -B out -DBUILD_SHARED_AND_STATIC_LIBS=ON -DENABLE_CJSON_UTILS=ON | cmake --build out | ctest --test-dir out | cJSON.c cJSON_Utils.c

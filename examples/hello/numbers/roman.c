@@ -1,4 +1,4 @@
-#include "greeting.h"
+#include "numbers/numbers.h"
 
 #include <string.h>
 
