@@ -7,14 +7,15 @@
 // drivers against the library, are its table of contents.
 #pragma once
 
-#include "commonfunc/build_id.h"    // build identity, local time stamps
-#include "commonfunc/env.h"         // the rules for reading environment variables
-#include "commonfunc/file_ops.h"    // existence, directories, removal, replacement
-#include "commonfunc/ini_profile.h" // INI profile files
-#include "commonfunc/message.h"     // log lines, coloured lines, warnings
-#include "commonfunc/path_name.h"   // path splitting, identifier form of names
-#include "commonfunc/shell.h"       // the only door to the shell
-#include "commonfunc/text.h"        // bounded formatting, comparison without case
+#include "commonfunc/build_id.h"      // build identity, local time stamps
+#include "commonfunc/env.h"           // the rules for reading environment variables
+#include "commonfunc/file_ops.h"      // existence, directories, removal, replacement
+#include "commonfunc/ini_profile.h"   // INI profile files
+#include "commonfunc/message.h"       // log lines, coloured lines, warnings
+#include "commonfunc/path_name.h"     // path splitting, identifier form of names
+#include "commonfunc/response_file.h" // words of response files
+#include "commonfunc/shell.h"         // the only door to the shell
+#include "commonfunc/text.h"          // bounded formatting, comparison without case
 
 #include <map>
 #include <string>

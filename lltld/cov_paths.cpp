@@ -103,6 +103,15 @@ std::string temp_saved_object_path(const char* symbol)
     return in_temp_area(std::string("/obj/before/") + symbol);
 }
 
+bool path_fits(const std::string& path, std::size_t length)
+{
+    if (path.size() > length) {
+        warn("'%s' is longer than %zu bytes and not used; use a shorter project path", path.c_str(),
+             length);
+    }
+    return path.size() <= length;
+}
+
 std::string symbol_db_dir(const char* symbol)
 {
     return g_iSupportSameName != 0 ? temp_db_dir(symbol)

@@ -30,6 +30,11 @@ std::string temp_ini_path(const char* symbol);             ///< T/codemeasure/in
 std::string temp_after_dir();                              ///< T/codemeasure/obj/after
 std::string temp_saved_object_path(const char* symbol);    ///< T/codemeasure/obj/before/S
 
+// --- bounds
+
+/// False, after a warning, for a path of more than `length` bytes: it is not to be used then.
+bool path_fits(const std::string& path, std::size_t length = 511);
+
 // --- by the same-name mode
 
 /// The directory that holds a symbol's own database: `temp_db_dir` when `g_iSupportSameName` is

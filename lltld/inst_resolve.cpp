@@ -121,3 +121,20 @@ void UpdateDB_DelExpiredFile(std::vector<_STInstInfo>& old_records,
     }
     old_records.assign(records.begin(), records.end());
 }
+
+bool update_tuple_database()
+{
+    std::vector<_STInstInfo> old_records;
+    std::vector<_STInstInfo> new_records;
+    const std::string path = tuple_db_path();
+    if (!path_fits(path)) {
+        return false;
+    }
+    ReadOldInstInfoFromDb(path.c_str(), old_records);
+    if (GetNewInstInfo(instFileList, new_records, old_records) == 0) {
+        return false;
+    }
+    UpdateDB_DelExpiredFile(old_records, new_records);
+    WriteNewInstInfoToDb(path.c_str());
+    return true;
+}

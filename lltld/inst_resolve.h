@@ -25,3 +25,8 @@ int GetSymbolInfoFromTuple(_STInstInfo* info, std::vector<_STInstInfo>& old_reco
 /// the new record. Empty old records become a copy of the new ones.
 void UpdateDB_DelExpiredFile(std::vector<_STInstInfo>& old_records,
                              std::vector<_STInstInfo>& new_records);
+
+/// Brings the work area's `tuple.db` up to date with `instFileList`: the three operations above on
+/// the old file's records, then the new file. False, the old file kept, when a symbol could not be
+/// resolved or the file's path is too long, after a message.
+bool update_tuple_database();

@@ -8,3 +8,4 @@
 #include "lltld/object_scan.h"     // coverage symbols in objects
 #include "lltld/prj_settings.h"    // loading the settings, creating the work area
 #include "lltld/program_objects.h" // objects that the program defines
+#include "lltld/work_area.h"       // entering and emptying the work area

@@ -2,9 +2,8 @@
 // prepared, and the archive sequence runs on whatever there is.
 #include "lltwrapper/archive_prepare.h"
 
+#include "commonfunc/response_file.h"
 #include "lltld/linuxfunc.h"
-#include "lltwrapper/response_file.h"
-#include "lltwrapper/work_area_lock.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
@@ -17,35 +16,16 @@ namespace
 /// Bytes of an object's absolute path that are used.
 constexpr std::size_t OBJECT_PATH_LENGTH = 259;
 
-/// The work area and the shared temporary area of the module.
-void enter_work_area(LinuxPrjItem& prj)
-{
-    const std::string root = prj.szCovDictPath;
-    copy_bounded(prj.modName, strLinkName);
-    if (!copy_bounded(prj.szCovDictPath, root + "/" + strLinkName + "/codemeasure")) {
-        prj.isCovDictPathCut = true;
-    }
-    CodeMeasure_CreateDir();
-    lock_work_area(prj.szCovDictPath);
-    const std::string temp = absolute_path(std::string(prj.szCovDictPath) + "/../../LLTTEMP");
-    if (!copy_bounded(prj.szLLTTEMP, temp)) {
-        prj.isCovDictPathCut = true;
-    }
-}
-
 /// Two libraries of one stem take turns in one work area, and each build throws away the other's
 /// coverage.
 void warn_if_shared(const LinuxPrjItem& prj)
 {
-    char archive[sizeof prj.szObjFile] = {};
-    read_profile_string("project", "sutpath", archive, sizeof archive, nullptr,
-                        project_file_path().c_str());
     // Keys that were written later have squeezed percent signs in the value.
-    const std::string known = archive;
+    const std::string known = output_of_work_area();
     if (!known.empty() && known != prj.szObjFile && known != squeeze_percent_pairs(prj.szObjFile)) {
         warn("'%s' and '%s' share the work area '%s': each overwrites the other's coverage; give "
              "the libraries different names",
-             archive, prj.szObjFile, prj.szCovDictPath);
+             known.c_str(), prj.szObjFile, prj.szCovDictPath);
     }
 }
 
@@ -97,7 +77,7 @@ void prepare_archive(int argc, char** argv)
     }
     strLinkName.resize(std::min(strLinkName.size(), MODULE_NAME_LENGTH));
     std::replace(strLinkName.begin(), strLinkName.end(), '-', '_');
-    enter_work_area(prj);
+    enter_work_area(prj.szCovDictPath, strLinkName);
     warn_if_shared(prj);
     try {
         const auto members = members_with_coverage(with_response_files(argc, argv));

@@ -27,4 +27,5 @@ keep_out commonfunc lltld lltwrapper lltcov tests
 keep_out lltld lltwrapper lltcov tests
 keep_out lltwrapper lltcov tests
 keep_out lltcov tests
+keep_out examples/toolset lltwrapper lltcov tests
 exit $violations

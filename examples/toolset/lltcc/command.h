@@ -1,7 +1,7 @@
 // The wrapped command: what kind of compile it is, and what of it the records need.
 #pragma once
 
-#include "process.h"
+#include "examples/toolset/common/process.h"
 
 #include <string>
 #include <utility>

@@ -8,7 +8,6 @@
 #include "job.h"
 
 #include <algorithm>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -16,16 +15,6 @@
 
 namespace
 {
-
-__attribute__((format(printf, 1, 2))) void notice(const char* format, ...)
-{
-    char text[1024];
-    va_list args;
-    va_start(args, format);
-    std::vsnprintf(text, sizeof text, format, args);
-    va_end(args);
-    std::fprintf(stderr, "lltcc: %s\n", text);
-}
 
 /// LLTTEMP/codemeasure of the project, of the platform when one tree is built for several.
 std::string temporary_area(const std::string& project_path)

@@ -1,7 +1,7 @@
 // The compiler driver role: runs the wrapped compiler so that its assembler is this program.
 #pragma once
 
-#include "process.h"
+#include "examples/toolset/common/process.h"
 
 /// Runs the command given by the words behind the program's name; the exit status.
 int run_driver(const Words& arguments);

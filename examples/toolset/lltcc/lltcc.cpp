@@ -4,8 +4,9 @@
 #include "commonfunc/path_name.h"
 #include "driver.h"
 
-#include <cstdio>
 #include <exception>
+
+const char* const program_name = "lltcc";
 
 int main(int argc, char** argv)
 {
@@ -13,7 +14,7 @@ int main(int argc, char** argv)
         const Words arguments(argv + 1, argv + argc);
         return base_name(argv[0]) == "as" ? run_assembler(arguments) : run_driver(arguments);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "lltcc: %s\n", error.what());
+        notice("%s", error.what());
         return 1;
     }
 }

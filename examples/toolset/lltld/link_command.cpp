@@ -3,7 +3,7 @@
 #include "examples/toolset/lltld/link_command.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "lltwrapper/response_file.h"
+#include "commonfunc/response_file.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -4,9 +4,9 @@
 #include "examples/toolset/lltld/link_driver.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "examples/toolset/common/process.h"
 #include "examples/toolset/lltld/archive_stubs.h"
 #include "examples/toolset/lltld/module_stub.h"
-#include "examples/toolset/lltld/process.h"
 #include "examples/toolset/lltld/source_step.h"
 #include "lltld/counter_mode.h"
 
@@ -18,8 +18,6 @@ namespace
 
 /// Set for everything that is run from here: the tool may call a wrapped linker itself.
 constexpr char GUARD[] = "LLTLD_RUNS";
-
-using Words = std::vector<std::string>;
 
 /// What the inputs of a link bring along.
 struct Coverage {
@@ -102,7 +100,7 @@ std::string find_runtime()
 {
     constexpr char FILE[] = "/liblltcov_rt.a";
     const std::string named = env_text("LLTCOV_RUNTIME");
-    const std::string own = own_directory();
+    const std::string own = program_directory();
     const Words candidates = {named, named + FILE, own + "/../lib/lltcov" + FILE,
                               own + "/lib/lltcov" + FILE, own + "/../runtime" + FILE};
     for (const std::string& path : candidates) {
@@ -154,10 +152,10 @@ Words with_runtime(const LinkCommand& link, const Coverage& coverage, const std:
 }
 
 /// Without coverage, but with everything that the inputs refer to.
-int link_plainly(const LinkCommand& link, const Coverage& coverage, Output output)
+int link_plainly(const LinkCommand& link, const Coverage& coverage, const Streams& streams = {})
 {
     const std::string plain = make_plain_object(coverage.objects);
-    return plain.empty() ? 1 : run(with_words(link, coverage, {plain}), output);
+    return plain.empty() ? 1 : run_program(with_words(link, coverage, {plain}), streams);
 }
 
 bool was_interrupted(int status)
@@ -169,24 +167,27 @@ int link_with_coverage(const LinkCommand& link, const Coverage& coverage, const 
                        const std::string& runtime)
 {
     Words words = with_runtime(link, coverage, stub, runtime);
-    const int status = run(words);
+    const int status = run_program(words);
     if (status == 0 || was_interrupted(status)) {
         return status;
     }
+    std::string text;
+    const Streams unseen = {nullptr, &text, &text};
     if (coverage.has_twins) {
         words.insert(words.begin() + static_cast<std::ptrdiff_t>(coverage.first),
                      linker_option(link, "--allow-multiple-definition"));
-        if (run(words, Output::discarded) == 0) {
-            say("'%s' is linked all the same: two of its static libraries have the same coverage "
+        if (run_program(words, unseen) == 0) {
+            notice(
+                "'%s' is linked all the same: two of its static libraries have the same coverage "
                 "symbols and are reported as part of it; give the libraries different names",
                 link.output.c_str());
             return 0;
         }
     }
-    if (link_plainly(link, coverage, Output::discarded) == 0) {
-        say("'%s' is linked all the same, but reports no coverage: it does not link with the "
-            "runtime '%s', see above",
-            link.output.c_str(), runtime.c_str());
+    if (link_plainly(link, coverage, unseen) == 0) {
+        notice("'%s' is linked all the same, but reports no coverage: it does not link with the "
+               "runtime '%s', see above",
+               link.output.c_str(), runtime.c_str());
         return 0;
     }
     return status;
@@ -196,19 +197,19 @@ int link_with_coverage(const LinkCommand& link, const Coverage& coverage, const 
 int link_without_coverage(const LinkCommand& link, const Coverage& coverage, bool has_area,
                           const char* reason)
 {
-    if (has_area && link_plainly(link, coverage, Output::shown) == 0) {
-        say("'%s' reports no coverage: %s", link.output.c_str(), reason);
+    if (has_area && link_plainly(link, coverage) == 0) {
+        notice("'%s' reports no coverage: %s", link.output.c_str(), reason);
         return 0;
     }
-    say("'%s' is linked without coverage: %s; its instrumented objects refer to counter arrays "
-        "that nothing defines, so compile them again, or without lltcc",
-        link.output.c_str(), reason);
-    return run(link.words);
+    notice("'%s' is linked without coverage: %s; its instrumented objects refer to counter arrays "
+           "that nothing defines, so compile them again, or without lltcc",
+           link.output.c_str(), reason);
+    return run_program(link.words);
 }
 
 int link_module(const LinkCommand& link, const Coverage& coverage, const std::string& name)
 {
-    if (name.empty() || !enter_work_area(name, link.output, coverage.modules)) {
+    if (name.empty() || !choose_work_area(name, link.output, coverage.modules)) {
         return link_without_coverage(link, coverage, false, "its work area cannot be created");
     }
     const std::string runtime = find_runtime();
@@ -233,7 +234,8 @@ int drive_link(int argc, char** argv)
 {
     const DriverOptions options = take_options(argc, argv);
     if (options.words.empty()) {
-        say("usage: lltld -qmr_current_prj_path PROJECT -projectname NAME -qmr_coverage_stub_mold "
+        notice(
+            "usage: lltld -qmr_current_prj_path PROJECT -projectname NAME -qmr_coverage_stub_mold "
             "MODE COMMAND...");
         return 2;
     }
@@ -242,21 +244,21 @@ int drive_link(int argc, char** argv)
     ::unsetenv("LLT_WRAP");
     LinkCommand link = read_link_command(options.words);
     if (is_nested || !link.links || link.is_relocatable) {
-        return run(options.words);
+        return run_program(options.words);
     }
     if (!options.project.empty()) {
         ::setenv("qmr_current_prj_path", options.project.c_str(), 0);
         ::setenv("qmr_coverage_stub_mold", options.mode.c_str(), 0);
     }
     if (link.sources.empty() && find_coverage(link).first >= link.words.size()) {
-        return run(options.words);
+        return run_program(options.words);
     }
     if (load_settings()) {
         link = compile_sources(options, link);
     }
     const Coverage coverage = find_coverage(link);
     if (coverage.first >= link.words.size()) {
-        return run(options.words);
+        return run_program(options.words);
     }
     return link_module(link, coverage, options.name);
 }

@@ -1,8 +1,8 @@
 // lltld stands in front of a link command, as lltwrapper forwards it: it registers the instrumented
 // objects among the inputs, and links the coverage runtime. It answers to six names, one per kind
 // of target; what it does depends on the command alone, so all of them do the same.
+#include "examples/toolset/common/process.h"
 #include "examples/toolset/lltld/link_driver.h"
-#include "examples/toolset/lltld/process.h"
 
 #include <exception>
 
@@ -11,7 +11,7 @@ int main(int argc, char** argv)
     try {
         return drive_link(argc, argv);
     } catch (const std::exception& error) {
-        say("stopped, the command was not run: %s", error.what());
+        notice("stopped, the command was not run: %s", error.what());
         return 1;
     }
 }

@@ -4,11 +4,9 @@
 #include "examples/toolset/lltld/module_stub.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "commonfunc/file_tree.h"
-#include "examples/toolset/lltld/process.h"
+#include "examples/toolset/common/process.h"
 #include "lltld/covlinktool.h"
 #include "lltld/linuxfunc.h"
-#include "lltwrapper/work_area_lock.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -33,45 +31,8 @@ bool names_shared_library(const std::string& output)
 /// The output whose work area this is; empty when it has none or that output is gone.
 std::string owner_of_area()
 {
-    char owner[sizeof g_lxprj->szObjFile] = {};
-    read_profile_string("project", "sutpath", owner, sizeof owner, nullptr,
-                        project_file_path().c_str());
-    return QMRFileExists(owner) != 0 ? owner : "";
-}
-
-bool take_area(const std::string& root, const std::string& name)
-{
-    LinuxPrjItem& prj = *g_lxprj;
-    copy_bounded(prj.modName, name);
-    prj.isCovDictPathCut = !copy_bounded(prj.szCovDictPath, root + "/" + name + "/codemeasure");
-    if (CodeMeasure_CreateDir() == 0) {
-        return false;
-    }
-    lock_work_area(prj.szCovDictPath);
-    return true;
-}
-
-/// Everything of an earlier build but `tuple.db` and the files directly in the work area.
-bool clear_area()
-{
-    const std::string area = g_lxprj->szCovDictPath;
-    remove_entries(area + "/db", "db");
-    return DeleteAllFilesInDirectory((area + "/obj/before").c_str()) != 0 &&
-           DeleteAllFilesInDirectory((area + "/ini").c_str()) != 0;
-}
-
-bool update_database()
-{
-    std::vector<_STInstInfo> old_records;
-    std::vector<_STInstInfo> new_records;
-    const std::string path = tuple_db_path();
-    ReadOldInstInfoFromDb(path.c_str(), old_records);
-    if (GetNewInstInfo(instFileList, new_records, old_records) == 0) {
-        return false;
-    }
-    UpdateDB_DelExpiredFile(old_records, new_records);
-    WriteNewInstInfoToDb(path.c_str());
-    return TidyCoverageDB() != 0;
+    const std::string owner = output_of_work_area();
+    return QMRFileExists(owner.c_str()) != 0 ? owner : "";
 }
 
 /// Position-independent, for it may go into a shared library; kernel code cannot be.
@@ -131,8 +92,8 @@ bool load_settings()
     return Caddis_LD_Initial() != 0 && g_lxprj->szCovDictPath[0] != '\0';
 }
 
-bool enter_work_area(const std::string& wanted, const std::string& output,
-                     const std::set<std::string>& taken)
+bool choose_work_area(const std::string& wanted, const std::string& output,
+                      const std::set<std::string>& taken)
 {
     LinuxPrjItem& prj = *g_lxprj;
     const std::string root = prj.szCovDictPath;
@@ -144,12 +105,11 @@ bool enter_work_area(const std::string& wanted, const std::string& output,
         if (taken.count(candidate) != 0) {
             continue;
         }
-        if (!take_area(root, candidate)) {
+        if (!enter_work_area(root, candidate)) {
             return false;
         }
         const std::string owner = owner_of_area();
         if (owner.empty() || owner == prj.szObjFile) {
-            copy_bounded(prj.szLLTTEMP, absolute_path(root + "/LLTTEMP"));
             return true;
         }
     }
@@ -158,8 +118,8 @@ bool enter_work_area(const std::string& wanted, const std::string& output,
 
 std::string make_stub(const std::vector<ScannedObject>& objects)
 {
-    if (register_scanned_objects(objects) == 0 || !clear_area() || !update_database() ||
-        !adapt_compile_command()) {
+    if (register_scanned_objects(objects) == 0 || !clear_work_area() || !update_tuple_database() ||
+        TidyCoverageDB() == 0 || !adapt_compile_command()) {
         return "";
     }
     const std::string stub = stub_object_path();
@@ -175,7 +135,8 @@ std::string make_plain_object(const std::vector<ScannedObject>& objects)
         for (const CoverageSymbol& symbol : object.symbols) {
             const std::string line = plain_array(symbol.name);
             if (line.empty()) {
-                say("'%s' needs a counter array of unknown size: its record '%s' is gone; compile "
+                notice(
+                    "'%s' needs a counter array of unknown size: its record '%s' is gone; compile "
                     "it again",
                     object.path.c_str(), temp_tab_path(symbol.name.c_str()).c_str());
                 return "";

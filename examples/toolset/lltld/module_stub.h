@@ -15,8 +15,8 @@ bool load_settings();
 /// library of the same stem has the work area without a suffix, and a program that is built in the
 /// project's folder itself takes that place. Where another output has the work area, or a library
 /// of this link (`taken`) has a module of that name, "_2", "_3" and so on follow.
-bool enter_work_area(const std::string& wanted, const std::string& output,
-                     const std::set<std::string>& taken);
+bool choose_work_area(const std::string& wanted, const std::string& output,
+                      const std::set<std::string>& taken);
 
 /// Brings the work area up to date with these objects and compiles the stub that registers their
 /// counters. Returns the stub object, or an empty path after the library's messages.

@@ -1,8 +1,10 @@
-// The objects that the libraries read and the program owns.
+// What the libraries read and the program owns.
 #include "commonfunc/Caddis_func.h"
+#include "examples/toolset/common/process.h"
 #include "lltld/inst_file_list.h"
 #include "lltld/program_objects.h"
 
+const char* const program_name = "lltld";
 LinuxPrjItem* g_lxprj = LinuxPrjItem::GetInstance();
 _InstFileList instFileList;
 int g_iStaticLib = 0; // the stub's form for programs

@@ -3,7 +3,7 @@
 #include "examples/toolset/lltld/source_step.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "examples/toolset/lltld/process.h"
+#include "examples/toolset/common/process.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -27,7 +27,7 @@ std::string hash_of(const std::string& text)
 
 std::string compiler_driver()
 {
-    const std::string beside = own_directory() + "/lltcc";
+    const std::string beside = program_directory() + "/lltcc";
     return ::access(beside.c_str(), X_OK) == 0 ? beside : "lltcc";
 }
 
@@ -63,7 +63,8 @@ LinkCommand compile_sources(const DriverOptions& options, const LinkCommand& lin
         return link;
     }
     if (!are_words || link.leaves_side_files) {
-        say("sources in the link of '%s' are compiled without coverage; compile them by commands "
+        notice(
+            "sources in the link of '%s' are compiled without coverage; compile them by commands "
             "of their own (-c)",
             link.output.c_str());
         return link;
@@ -81,7 +82,7 @@ LinkCommand compile_sources(const DriverOptions& options, const LinkCommand& lin
         std::vector<std::string> compilation = compilation_of(options, link);
         compilation.insert(compilation.end(), {source.path, "-o", object});
         std::remove(object.c_str());
-        if (run(compilation) != 0 || QMRFileExists(object.c_str()) == 0) {
+        if (run_program(compilation) != 0 || QMRFileExists(object.c_str()) == 0) {
             return link;
         }
         words[source.position] = object;

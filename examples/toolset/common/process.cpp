@@ -1,10 +1,13 @@
 // What a program reads and writes goes through files without names: unlike pipes they need no
 // second process or thread, and nothing stays behind when a build is stopped.
-#include "process.h"
+#include "examples/toolset/common/process.h"
 
+#include "commonfunc/message.h"
 #include "commonfunc/shell.h"
+#include "commonfunc/text.h"
 
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <spawn.h>
@@ -34,11 +37,16 @@ struct Redirection {
     std::string* result;
 };
 
+std::string cannot_run(const std::string& program, int error)
+{
+    return "cannot run '" + program + "': " + std::strerror(error);
+}
+
 } // namespace
 
 int anonymous_file(const std::string& text)
 {
-    const int file = ::memfd_create("lltcc", MFD_CLOEXEC);
+    const int file = ::memfd_create(program_name, MFD_CLOEXEC);
     for (std::size_t done = 0; file >= 0 && done < text.size();) {
         const ssize_t n = ::write(file, text.data() + done, text.size() - done);
         if (n < 0 && errno != EINTR) {
@@ -82,7 +90,7 @@ int run_program(const Words& words, const Streams& streams)
     if (streams.errors != nullptr) {
         redirect(STDERR_FILENO, "", streams.errors);
     }
-    std::fflush(nullptr);
+    flush_output();
     pid_t child = 0;
     int status = -1;
     const int error = ::posix_spawnp(&child, words[0].c_str(), &actions, nullptr,
@@ -96,13 +104,29 @@ int run_program(const Words& words, const Streams& streams)
         ::close(one.file);
     }
     ::posix_spawn_file_actions_destroy(&actions);
+    if (error != 0 && streams.errors != nullptr) {
+        *streams.errors = std::string(program_name) + ": " + cannot_run(words[0], error) + "\n";
+    } else if (error != 0) {
+        notice("%s", cannot_run(words[0], error).c_str());
+    }
     return exit_status_of(error == 0 ? status : -1);
 }
 
 int become_program(const Words& words)
 {
-    std::fflush(nullptr);
+    flush_output();
     ::execvp(words[0].c_str(), pointers(words).data());
-    std::fprintf(stderr, "lltcc: cannot run '%s': %s\n", words[0].c_str(), std::strerror(errno));
+    notice("%s", cannot_run(words[0], errno).c_str());
     return 127;
+}
+
+void notice(const char* format, ...)
+{
+    char text[4096];
+    va_list args;
+    va_start(args, format);
+    format_list(text, sizeof text, format, args);
+    va_end(args);
+    flush_output();
+    std::fprintf(stderr, "%s: %s\n", program_name, text);
 }

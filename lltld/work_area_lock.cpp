@@ -1,5 +1,5 @@
 // The lock is on the directory itself, so that it leaves no file behind.
-#include "lltwrapper/work_area_lock.h"
+#include "lltld/work_area_lock.h"
 
 #include "commonfunc/message.h"
 

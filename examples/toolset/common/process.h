@@ -1,4 +1,4 @@
-// Programs run without a shell between.
+// Programs run by their words: the shell has read them once already.
 #pragma once
 
 #include <string>
@@ -13,7 +13,8 @@ struct Streams {
     std::string* errors = nullptr;      ///< receives its standard error
 };
 
-/// Runs the program found through PATH and waits; its status as a shell's `$?`.
+/// Runs the program found through PATH and waits; its status as a shell's `$?`. 127, with the
+/// reason on its standard error, when it cannot be started.
 int run_program(const Words& words, const Streams& streams = {});
 
 /// Becomes the program; returns 127 with a message when that is not possible.
@@ -24,3 +25,9 @@ int anonymous_file(const std::string& text);
 
 /// Everything in the file from its beginning.
 std::string content_of(int descriptor);
+
+/// The name that stands before everything that the program says itself; each program defines it.
+extern const char* const program_name;
+
+/// Prints "NAME: ", the formatted text and a line end on standard error.
+void notice(const char* format, ...) __attribute__((format(printf, 1, 2)));

@@ -1,5 +1,5 @@
-// Only for looking at the members: the command itself is passed on as it is.
-#include "lltwrapper/response_file.h"
+// Only for looking at what they name: the command itself is passed on as it is.
+#include "commonfunc/response_file.h"
 
 #include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"

@@ -1,5 +1,5 @@
 // Response files, read as the archiver itself reads them.
-#include "lltwrapper/response_file.h"
+#include "commonfunc/response_file.h"
 #include "tests/fixture.h"
 
 TEST_F(TestDir, WordsAreThoseThatTheArchiverTakes)

@@ -1,4 +1,4 @@
-// Response files of an archive command.
+// Response files: words of a command in a file that the command names as @FILE.
 #pragma once
 
 #include <string>

@@ -1,0 +1,82 @@
+// Without a work area every path would begin at the root directory, so nothing is removed then. The
+// numbered databases and the two directories are removed by commands of the shell, which builds
+// print in their logs; what such a command leaves is removed here.
+#include "lltld/work_area.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_tree.h"
+#include "lltld/cov_paths.h"
+#include "lltld/prj_settings.h"
+#include "lltld/work_area_lock.h"
+
+namespace
+{
+
+/// Bytes of the path of db that are used.
+constexpr std::size_t DB_DIR_LENGTH = 319;
+
+void clear_numbered_databases()
+{
+    const std::string db = db_dir();
+    if (!path_fits(db, DB_DIR_LENGTH) || QMRPathIsDirectory(db.c_str()) == 0) {
+        return;
+    }
+    if (run_helper("rm -rf " + shell_word(db) + "/db*") != 0) {
+        // More names than one command line holds keep `rm` from starting.
+        remove_entries(db, "db");
+    }
+}
+
+/// Empties a directory of the work area if it exists; false when that was impossible.
+bool clear_directory(const char* name)
+{
+    const std::string path = std::string(g_lxprj->szCovDictPath) + "/" + name;
+    if (!path_fits(path)) {
+        return false;
+    }
+    if (QMRPathIsDirectory(path.c_str()) == 0) {
+        return true;
+    }
+    if (DeleteAllFilesInDirectory(path.c_str()) == 0) {
+        return false;
+    }
+    remove_entries(path, ""); // in case `rm` could not start
+    return true;
+}
+
+} // namespace
+
+bool enter_work_area(const std::string& root, const std::string& module)
+{
+    LinuxPrjItem& prj = *g_lxprj;
+    copy_bounded(prj.modName, module);
+    if (!copy_bounded(prj.szCovDictPath, root + "/" + module + "/codemeasure")) {
+        prj.isCovDictPathCut = true;
+    }
+    const bool created = CodeMeasure_CreateDir() != 0;
+    lock_work_area(prj.szCovDictPath);
+    const std::string temp = absolute_path(std::string(prj.szCovDictPath) + "/../../LLTTEMP");
+    if (!copy_bounded(prj.szLLTTEMP, temp)) {
+        prj.isCovDictPathCut = true;
+    }
+    return created;
+}
+
+std::string output_of_work_area()
+{
+    char output[sizeof g_lxprj->szObjFile] = {};
+    read_profile_string("project", "sutpath", output, sizeof output, nullptr,
+                        project_file_path().c_str());
+    return output;
+}
+
+bool clear_work_area()
+{
+    if (g_lxprj->szCovDictPath[0] == '\0') {
+        warn("nothing is cleared: the project path is not known; set 'qmr_current_prj_path' and "
+             "name an archive");
+        return true;
+    }
+    clear_numbered_databases();
+    return clear_directory("obj/before") && clear_directory("ini");
+}
