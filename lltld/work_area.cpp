@@ -46,13 +46,19 @@ bool clear_directory(const char* name)
 
 } // namespace
 
-bool enter_work_area(const std::string& root, const std::string& module)
+void name_work_area(const std::string& root, const std::string& module)
 {
     LinuxPrjItem& prj = *g_lxprj;
     copy_bounded(prj.modName, module);
     if (!copy_bounded(prj.szCovDictPath, root + "/" + module + "/codemeasure")) {
         prj.isCovDictPathCut = true;
     }
+}
+
+bool enter_work_area(const std::string& root, const std::string& module)
+{
+    LinuxPrjItem& prj = *g_lxprj;
+    name_work_area(root, module);
     const bool created = CodeMeasure_CreateDir() != 0;
     lock_work_area(prj.szCovDictPath);
     const std::string temp = absolute_path(std::string(prj.szCovDictPath) + "/../../LLTTEMP");

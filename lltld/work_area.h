@@ -4,10 +4,13 @@
 
 #include <string>
 
-/// Makes ROOT/MODULE/codemeasure the work area and ROOT/LLTTEMP the shared temporary area
-/// (`szCovDictPath`, `szLLTTEMP`, `modName`), creates the former and locks it until the process
-/// ends or enters another one. False after a message when it could not be created; a path that had
-/// to be cut is noted in `isCovDictPathCut`.
+/// Makes ROOT/MODULE/codemeasure the work area (`szCovDictPath`, `modName`); nothing is created. A
+/// path that had to be cut is noted in `isCovDictPathCut`.
+void name_work_area(const std::string& root, const std::string& module);
+
+/// `name_work_area`, then creates it, locks it until the process ends or enters another one, and
+/// makes ROOT/LLTTEMP the shared temporary area (`szLLTTEMP`). False after a message when the work
+/// area could not be created.
 bool enter_work_area(const std::string& root, const std::string& module);
 
 /// The file that was last built with this work area, from "sutpath" of its ".prj", where percent

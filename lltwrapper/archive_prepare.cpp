@@ -16,19 +16,6 @@ namespace
 /// Bytes of an object's absolute path that are used.
 constexpr std::size_t OBJECT_PATH_LENGTH = 259;
 
-/// Two libraries of one stem take turns in one work area, and each build throws away the other's
-/// coverage.
-void warn_if_shared(const LinuxPrjItem& prj)
-{
-    // Keys that were written later have squeezed percent signs in the value.
-    const std::string known = output_of_work_area();
-    if (!known.empty() && known != prj.szObjFile && known != squeeze_percent_pairs(prj.szObjFile)) {
-        warn("'%s' and '%s' share the work area '%s': each overwrites the other's coverage; give "
-             "the libraries different names",
-             known.c_str(), prj.szObjFile, prj.szCovDictPath);
-    }
-}
-
 /// Reads the file that an argument names; true when it is a member with coverage data.
 bool inspect(const std::string& argument, ScannedObject& object)
 {
@@ -48,7 +35,34 @@ bool is_suffix_option(const std::string& argument)
     return std::find(std::begin(options), std::end(options), argument) != std::end(options);
 }
 
-/// Every argument is looked at, the archiver and the archive too.
+} // namespace
+
+bool load_archive_settings()
+{
+    Caddis_LD_Initial();
+    if (strLinkName.empty()) {
+        // Kept: the archive sequence then runs with an empty module name.
+        std::puts("lltwrapper error, null projectname.");
+        std::fflush(stdout);
+        return false;
+    }
+    strLinkName.resize(std::min(strLinkName.size(), MODULE_NAME_LENGTH));
+    std::replace(strLinkName.begin(), strLinkName.end(), '-', '_');
+    return true;
+}
+
+void warn_if_work_area_is_shared()
+{
+    const LinuxPrjItem& prj = *g_lxprj;
+    // Keys that were written later have squeezed percent signs in the value.
+    const std::string known = output_of_work_area();
+    if (!known.empty() && known != prj.szObjFile && known != squeeze_percent_pairs(prj.szObjFile)) {
+        warn("'%s' and '%s' share the work area '%s': each overwrites the other's coverage; give "
+             "the libraries different names",
+             known.c_str(), prj.szObjFile, prj.szCovDictPath);
+    }
+}
+
 std::vector<ScannedObject> members_with_coverage(const std::vector<std::string>& arguments)
 {
     std::vector<ScannedObject> members;
@@ -63,22 +77,13 @@ std::vector<ScannedObject> members_with_coverage(const std::vector<std::string>&
     return members;
 }
 
-} // namespace
-
 void prepare_archive(int argc, char** argv)
 {
-    LinuxPrjItem& prj = *g_lxprj;
-    Caddis_LD_Initial();
-    if (strLinkName.empty()) {
-        // Kept: the archive sequence then runs with an empty module name.
-        std::puts("lltwrapper error, null projectname.");
-        std::fflush(stdout);
+    if (!load_archive_settings()) {
         return;
     }
-    strLinkName.resize(std::min(strLinkName.size(), MODULE_NAME_LENGTH));
-    std::replace(strLinkName.begin(), strLinkName.end(), '-', '_');
-    enter_work_area(prj.szCovDictPath, strLinkName);
-    warn_if_shared(prj);
+    enter_work_area(g_lxprj->szCovDictPath, strLinkName);
+    warn_if_work_area_is_shared();
     try {
         const auto members = members_with_coverage(with_response_files(argc, argv));
         if (!members.empty()) {

@@ -1,4 +1,5 @@
-// Arguments and environment in; one mode flag, the link names and `arname` out.
+// Arguments and environment in; a decision out, which sets one mode flag, the link names and
+// `arname`. To decide changes nothing, so that others can ask what the wrapper would do.
 //
 // The scan reads the same vector as the rebuild of the command, but by rules of its own: suffix
 // options match in any case, values of other options are looked at like any argument, and "-S" or
@@ -20,12 +21,12 @@ constexpr std::size_t OUTPUT_PATH_LENGTH = 511;
 
 /// What the argument scan found.
 struct Scan {
-    bool compile = false;          ///< "-c"
-    bool has_output = false;       ///< "-o" with a value
-    bool run_as_is = false;        ///< "-S" or "-E"
-    bool archiver = false;         ///< the tool of "-artool"
-    std::string output;            ///< value of the last "-o"
-    const char* archive = nullptr; ///< first archive named behind the archiver
+    bool compile = false;    ///< "-c"
+    bool has_output = false; ///< "-o" with a value
+    bool run_as_is = false;  ///< "-S" or "-E"
+    bool archiver = false;   ///< the tool of "-artool"
+    std::string output;      ///< value of the last "-o"
+    std::string archive;     ///< first archive named behind the archiver
 };
 
 bool is_suffix_option(const char* argument)
@@ -64,7 +65,7 @@ Scan scan_arguments(int argc, char** argv)
             ++i;
         } else if (is_archiver(argv[i])) {
             scan.archiver = true;
-        } else if (scan.archiver && scan.archive == nullptr && has_archive_suffix(argv[i])) {
+        } else if (scan.archiver && scan.archive.empty() && has_archive_suffix(argv[i])) {
             scan.archive = argv[i];
         }
     }
@@ -76,64 +77,17 @@ std::string up_to_first_dot(const std::string& name)
     return name.substr(0, name.find('.'));
 }
 
-void record_archive(const char* archive)
-{
-    strLinkName = up_to_first_dot(base_name(archive));
-    arname = archive;
-    copy_bounded(g_lxprj->szObjFile, absolute_path(archive));
-}
-
-/// The value of the first list entry, in byte order of the keys, whose key occurs in the path;
-/// empty when none does. Prints the key.
-std::string match_target(const std::string& list, const std::string& path)
+/// The first list entry, in byte order of the keys, whose key occurs in the path.
+TargetMatch match_target(const std::string& list, const std::string& path)
 {
     std::map<std::string, std::string> targets;
     strsplit_m(list.c_str(), ':', ',', targets);
     for (const auto& [key, value] : targets) {
         if (!key.empty() && !value.empty() && path.find(key) != std::string::npos) {
-            print_info("\nitor_temp->first:: %s\n", key.c_str());
-            return value;
+            return {key, value};
         }
     }
-    return "";
-}
-
-void choose_unchanged()
-{
-    lltcc_flag = lltld_flag = 0;
-    ori_flag = 1;
-}
-
-/// Kernel targets named by the user's lists: sets their names, or lets the link run unchanged.
-void match_kernel_lists(const std::string& builtin, const std::string& modules,
-                        const std::string& output)
-{
-    const std::string path = absolute_path(output).substr(0, OUTPUT_PATH_LENGTH);
-    print_info("\nlinkage-target:: %s\n", path.c_str());
-    strLinkNameUser = match_target(builtin, path);
-    if (!strLinkNameUser.empty()) {
-        print_info("\nlinkage-target-meet-krnl:: %s\n", path.c_str());
-    }
-    strLinkNameUserKo = match_target(modules, path);
-    if (!strLinkNameUserKo.empty()) {
-        print_info("\nlinkage-target-meet-ko:: %s\n", path.c_str());
-    }
-    if (strLinkNameUser.empty() && strLinkNameUserKo.empty()) {
-        choose_unchanged();
-        print_info("\nlinkage-target-omitted:: %s\n", path.c_str());
-    }
-}
-
-/// Without lists only the steps of the kernel image count: the first is a link like any other,
-/// the last ones get the stub object, everything else runs unchanged.
-void match_kernel_image(const std::string& name)
-{
-    if (name == ".tmp_vmlinux2" || name == "vmlinux") {
-        lltld_flag = 0;
-        special_flag = 1;
-    } else if (name != ".tmp_vmlinux1") {
-        choose_unchanged();
-    }
+    return {};
 }
 
 std::string module_name_of(const std::string& name)
@@ -149,20 +103,43 @@ std::string module_name_of(const std::string& name)
     return up_to_first_dot(name);
 }
 
-void classify_link(const std::string& output)
+/// Kernel targets named by the user's lists; a link of any other output runs unchanged.
+void decide_by_lists(const std::string& builtin, const std::string& modules, Decision& decision)
 {
-    lltld_flag = 1;
-    if (iToken_wrapper == 1) {
+    decision.output_path = absolute_path(decision.output).substr(0, OUTPUT_PATH_LENGTH);
+    decision.builtin = match_target(builtin, decision.output_path);
+    decision.module = match_target(modules, decision.output_path);
+    const bool listed = !decision.builtin.name.empty() || !decision.module.name.empty();
+    decision.mode = listed ? Mode::link : Mode::unchanged;
+    decision.reason = listed ? Reason::kernel_target : Reason::no_kernel_target;
+}
+
+/// Without lists only the steps of the kernel image count: the first is a link like any other,
+/// the last ones get the stub object, everything else runs unchanged.
+void decide_by_image_step(Decision& decision)
+{
+    const std::string name = base_name(decision.output);
+    const bool last = name == ".tmp_vmlinux2" || name == "vmlinux";
+    const bool first = name == ".tmp_vmlinux1";
+    decision.mode = last ? Mode::kernel_image : (first ? Mode::link : Mode::unchanged);
+    decision.reason = last || first ? Reason::kernel_image_step : Reason::no_kernel_image_step;
+}
+
+void decide_link(Decision& decision)
+{
+    decision.mode = Mode::link;
+    decision.reason = Reason::output_option;
+    if (decision.token == 1) {
         const std::string builtin = env_text("LLT_TargetName");
         const std::string modules = env_text("LLT_TargetName_KO");
         if (builtin.empty() && modules.empty()) {
-            match_kernel_image(base_name(output));
+            decide_by_image_step(decision);
         } else {
-            match_kernel_lists(builtin, modules, output);
+            decide_by_lists(builtin, modules, decision);
         }
     }
-    if (lltld_flag == 1) {
-        strLinkName = module_name_of(base_name(output));
+    if (decision.mode == Mode::link) {
+        decision.link_name = module_name_of(base_name(decision.output));
     }
 }
 
@@ -174,35 +151,108 @@ bool is_module_information(const std::string& output)
     return (at == std::string::npos ? output : output.substr(at + 1)) == "mod.o";
 }
 
-void classify_compile(const std::string& output)
+void decide_compile(Decision& decision)
 {
-    lltcc_flag = 1;
-    if (iToken_wrapper == 2 && is_module_information(output)) {
-        choose_unchanged();
+    const bool skipped = decision.token == 2 && is_module_information(decision.output);
+    decision.mode = skipped ? Mode::unchanged : Mode::compile;
+    decision.reason = skipped ? Reason::module_information : Reason::compile_option;
+}
+
+void print_match(const TargetMatch& match, const char* kind, const std::string& path)
+{
+    if (!match.name.empty()) {
+        print_info("\nitor_temp->first:: %s\n", match.key.c_str());
+        print_info("\nlinkage-target-meet-%s:: %s\n", kind, path.c_str());
+    }
+}
+
+/// Names a target as the lists do, and tells which entries matched.
+void apply_lists(const Decision& decision)
+{
+    const std::string& path = decision.output_path;
+    print_info("\nlinkage-target:: %s\n", path.c_str());
+    print_match(decision.builtin, "krnl", path);
+    print_match(decision.module, "ko", path);
+    strLinkNameUser = decision.builtin.name;
+    strLinkNameUserKo = decision.module.name;
+    if (decision.reason == Reason::no_kernel_target) {
+        print_info("\nlinkage-target-omitted:: %s\n", path.c_str());
+    }
+}
+
+void set_mode_flag(Mode mode)
+{
+    switch (mode) {
+    case Mode::unchanged:
+        lltcc_flag = lltld_flag = 0;
+        ori_flag = 1;
+        break;
+    case Mode::compile:
+        lltcc_flag = 1;
+        break;
+    case Mode::link:
+        lltld_flag = 1;
+        break;
+    case Mode::kernel_image:
+        lltld_flag = 0;
+        special_flag = 1;
+        break;
+    case Mode::archive:
+        ar_flag = 1;
+        break;
     }
 }
 
 } // namespace
 
-void checkstate(int argc, char** argv)
+Decision decide(int argc, char** argv)
 {
     const Scan scan = scan_arguments(argc, argv);
-    if (scan.archive != nullptr) {
-        record_archive(scan.archive);
+    Decision decision;
+    decision.has_archiver = scan.archiver;
+    decision.archive = scan.archive;
+    decision.output = scan.output;
+    decision.link_name = strLinkName;
+    decision.token = iToken_wrapper;
+    if (!scan.archive.empty()) {
+        decision.link_name = up_to_first_dot(base_name(scan.archive));
+        decision.archive_path = absolute_path(scan.archive);
     }
     if (scan.run_as_is) {
-        choose_unchanged();
-        return;
+        decision.reason = Reason::preprocess_or_assemble;
+        return decision;
     }
-    iToken_wrapper = env_int("lltwrapper_cfg");
+    decision.token = env_int("lltwrapper_cfg");
     if (scan.compile) {
-        classify_compile(scan.output);
+        decide_compile(decision);
     } else if (scan.has_output) {
-        classify_link(scan.output);
+        decide_link(decision);
     } else if (scan.archiver) {
-        ar_flag = 1;
+        decision.mode = Mode::archive;
+        decision.reason = Reason::archiver;
+    }
+    return decision;
+}
+
+void apply_decision(const Decision& decision)
+{
+    if (!decision.archive.empty()) {
+        arname = decision.archive;
+        copy_bounded(g_lxprj->szObjFile, decision.archive_path);
+    }
+    strLinkName = decision.link_name;
+    iToken_wrapper = decision.token;
+    if (decision.reason == Reason::kernel_target || decision.reason == Reason::no_kernel_target) {
+        apply_lists(decision);
+    }
+    set_mode_flag(decision.mode);
+}
+
+void checkstate(int argc, char** argv)
+{
+    const Decision decision = decide(argc, argv);
+    apply_decision(decision);
+    if (decision.mode == Mode::archive) {
         prepare_archive(argc, argv);
-    } else {
-        choose_unchanged();
     }
 }

@@ -217,7 +217,7 @@ constexpr Row ROWS[] = {
 
 } // namespace
 
-void parser(int argc, char** argv)
+void rebuild_command(int argc, char** argv)
 {
     Walk walk{argc, argv, 1};
     while (walk.at < argc) {
@@ -228,6 +228,11 @@ void parser(int argc, char** argv)
             }
         }
     }
+}
+
+void parser(int argc, char** argv)
+{
+    rebuild_command(argc, argv);
     checkstate(argc, argv);
 }
 

@@ -4,8 +4,10 @@
 #include <string>
 
 /// Rebuilds `pOriginalCmd` from argument 1 to the last: takes out and records the wrapper's own
-/// options, rewrites a few compiler options, escapes paths for the shell. Then calls `checkstate`
-/// with the unchanged vector.
+/// options, rewrites a few compiler options, escapes paths for the shell.
+void rebuild_command(int argc, char** argv);
+
+/// `rebuild_command`, then `checkstate` with the unchanged vector.
 void parser(int argc, char** argv);
 
 /// The text with a backslash before each double quote, blank, "(", ")", "<" and ">".

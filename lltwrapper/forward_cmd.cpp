@@ -1,4 +1,4 @@
-// Three builders, one per forwarded command. Project root and stub mode go in as they are, not
+// One builder per forwarded command. Project root and stub mode go in as they are, not
 // escaped: the drivers have always been called so, and a root with a blank has never worked.
 #include "lltwrapper/forward_cmd.h"
 
@@ -73,6 +73,14 @@ void GenerateCMD2LLTLD()
         strLLTLD = std::string(driver) + " -qmr_current_prj_path " + lltdbRootpath +
                    " -projectname " + strLinkName + " -qmr_coverage_stub_mold " + lltcovmode + " " +
                    pOriginalCmd;
+    }
+}
+
+void append_image_stub()
+{
+    if (!env_is_filled("LLT_TargetName")) {
+        pOriginalCmd +=
+            lltdbRootpath + "/tmp_vmlinux1/codemeasure/obj/__code_measure_stub_lib_tmp_vmlinux1.o";
     }
 }
 

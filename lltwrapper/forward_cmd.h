@@ -16,6 +16,10 @@ void GenerateCMD2LLTCC();
 /// as it was.
 void GenerateCMD2LLTLD();
 
+/// Appends the stub object of the kernel image to `pOriginalCmd`, for its final link; unless the
+/// user names the targets ("LLT_TargetName").
+void append_image_stub();
+
 /// Sets `strLLTAR`: the command with the module's stub object behind the first occurrence of the
 /// archive name. A stub path that does not fit is cut, with a warning: the command must not run
 /// then.

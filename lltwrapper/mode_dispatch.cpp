@@ -54,14 +54,10 @@ int run_command(const std::string& command, Flush flush, Status kind)
     return status;
 }
 
-/// The final kernel image: linked by its own command with the image's stub object appended,
-/// unless the user names the targets.
+/// The final kernel image: linked by its own command with the image's stub object appended.
 int run_special()
 {
-    if (!env_is_filled("LLT_TargetName")) {
-        pOriginalCmd +=
-            lltdbRootpath + "/tmp_vmlinux1/codemeasure/obj/__code_measure_stub_lib_tmp_vmlinux1.o";
-    }
+    append_image_stub();
     std::printf("special_cmd:: %s\n", pOriginalCmd.c_str());
     // Kept: not flushed, so in a pipe this line comes after the tool's.
     return run_command(pOriginalCmd, Flush::none, Status::raw);
