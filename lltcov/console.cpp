@@ -1,4 +1,7 @@
+// Colours and the progress line are for people: they go to terminals only.
 #include "lltcov/console.h"
+
+#include "commonfunc/Caddis_func.h"
 
 #include <algorithm>
 #include <ctime>
@@ -17,32 +20,47 @@ double seconds()
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
+/// Characters of a UTF-8 text, which take a place each on most terminals.
+std::size_t width_of(const std::string& text)
+{
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    }));
+}
+
+/// Green from 80 percent, yellow from 50, else red.
+std::string coloured(const std::string& percentage)
+{
+    const double value = percentage == "-" ? 100 : std::atof(percentage.c_str());
+    const char* const colour = value >= 80 ? "32" : value >= 50 ? "33" : "31";
+    return std::string("\033[") + colour + "m" + percentage + "\033[m";
+}
+
 } // namespace
 
 void Findings::add(const std::string& kind, const std::string& line)
 {
-    std::vector<std::string>& lines = kinds_[kind];
-    if (std::find(lines.begin(), lines.end(), line) == lines.end()) {
-        lines.push_back(line);
-    }
+    kinds_[kind].insert(line);
+    has_problems_ = true;
+}
+
+void Findings::note(const std::string& kind, const std::string& line)
+{
+    kinds_[kind].insert(line);
 }
 
 void Findings::print() const
 {
     for (const auto& [kind, lines] : kinds_) {
-        for (std::size_t i = 0; i < std::min(lines.size(), MAX_LINES); ++i) {
-            say(lines[i]);
+        std::size_t printed = 0;
+        for (auto line = lines.begin(); line != lines.end() && printed < MAX_LINES; ++line) {
+            say(*line);
+            ++printed;
         }
-        if (lines.size() > MAX_LINES) {
-            say("and " + std::to_string(lines.size() - MAX_LINES) + " more " + kind);
+        if (printed < lines.size()) {
+            say("and " + std::to_string(lines.size() - printed) + " more " + kind);
         }
     }
-}
-
-std::vector<std::string> Findings::of(const std::string& kind) const
-{
-    const auto found = kinds_.find(kind);
-    return found == kinds_.end() ? std::vector<std::string>() : found->second;
 }
 
 void say(const std::string& line)
@@ -75,4 +93,46 @@ void Progress::step()
         is_drawn_ = true;
         next_ = seconds() + 0.1;
     }
+}
+
+Table::Table(const std::vector<std::string>& titles) : rows_(1)
+{
+    for (const std::string& title : titles) {
+        is_right_.push_back(title[0] == '>');
+        rows_[0].push_back(title.substr(is_right_.back() ? 1 : 0));
+    }
+}
+
+void Table::print() const
+{
+    const bool has_colours = ::isatty(STDOUT_FILENO) != 0 && !env_is_filled("NO_COLOR");
+    std::vector<std::size_t> widths(is_right_.size());
+    for (const auto& row : rows_) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            widths[i] = std::max(widths[i], width_of(row[i]));
+        }
+    }
+    for (const auto& row : rows_) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            const std::string blanks(widths[i] - width_of(row[i]), ' ');
+            const bool is_coloured = has_colours && rows_[0][i] == "%" && &row != &rows_[0];
+            const std::string cell = is_coloured ? coloured(row[i]) : row[i];
+            line += (i == 0 ? "" : "  ") + (is_right_[i] ? blanks + cell : cell + blanks);
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        std::puts(line.c_str());
+    }
+}
+
+std::string percent(const Rate& rate)
+{
+    if (rate.total == 0) {
+        return "-";
+    }
+    // In thousandths, rounded, but kept off the ends that only nothing and all may have.
+    std::size_t thousandths = (rate.hit * 1000 + rate.total / 2) / rate.total;
+    thousandths = thousandths == 0 && rate.hit > 0 ? 1 : thousandths;
+    thousandths = thousandths == 1000 && rate.hit < rate.total ? 999 : thousandths;
+    return std::to_string(thousandths / 10) + "." + std::to_string(thousandths % 10);
 }

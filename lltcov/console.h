@@ -1,30 +1,37 @@
 // What is said on standard error, and tables on standard output.
 #pragma once
 
+#include "lltcov/coverage.h"
+
 #include <cstdio>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
-/// What was found wrong while data were gathered, said when they are complete.
+/// What was noticed while data were gathered, said when they are complete. Of each kind only the
+/// first few lines are printed; the kind names the others ("damaged dumps"). Equal lines count
+/// once.
 class Findings
 {
 public:
-    /// Adds a line that says what, where and what to do. Of each kind only the first few lines are
-    /// printed; the kind names the others ("stale sources"). A line that is there already counts
-    /// once.
+    /// Adds a problem: a line that says what, where and what to do.
     void add(const std::string& kind, const std::string& line);
+
+    /// Adds a line that is good to know but no problem.
+    void note(const std::string& kind, const std::string& line);
 
     /// Prints the lines on standard error.
     void print() const;
 
-    bool empty() const { return kinds_.empty(); }
+    bool has_problems() const { return has_problems_; }
 
-    /// All lines of a kind, for tests.
-    std::vector<std::string> of(const std::string& kind) const;
+    /// The lines of a kind.
+    const std::set<std::string>& of(const std::string& kind) { return kinds_[kind]; }
 
 private:
-    std::map<std::string, std::vector<std::string>> kinds_;
+    std::map<std::string, std::set<std::string>> kinds_;
+    bool has_problems_ = false;
 };
 
 /// Prints "lltcov: ", the line and a line end on standard error; control characters become blanks.
@@ -46,6 +53,29 @@ private:
     std::string what_;
     std::size_t total_;
     std::size_t done_ = 0;
-    double next_ = 0; ///< second of the clock at which the line is drawn again
+    double next_ = 0; ///< second of the clock at which the line is drawn again; 0: never
     bool is_drawn_ = false;
 };
+
+/// A table on standard output.
+class Table
+{
+public:
+    /// Columns by their titles. One that begins with ">" (which is not shown) is aligned to the
+    /// right; where a column is called "%", its percentages have colours on a terminal, unless
+    /// "NO_COLOR" is set and not empty.
+    explicit Table(const std::vector<std::string>& titles);
+
+    /// Adds a row; it has a cell for each column.
+    void add(const std::vector<std::string>& cells) { rows_.push_back(cells); }
+
+    void print() const;
+
+private:
+    std::vector<bool> is_right_;
+    std::vector<std::vector<std::string>> rows_; ///< the first one holds the titles
+};
+
+/// The hit part in percent with one decimal, "-" when there is nothing to hit. Only when all is hit
+/// it is 100.0, and 0.0 only when nothing is.
+std::string percent(const Rate& rate);

@@ -1,5 +1,6 @@
-// A line of one object runs if any of its pieces does, so that its largest probe counts; another
-// object that includes the line has a copy of its own, whose count is added.
+// A line of one function runs if any of its pieces does, so that its largest probe counts. Another
+// function that holds the line, an instance of a template, the caller of inlined code, or the same
+// function of another object, has a copy of its own, whose count is added.
 #include "lltcov/coverage.h"
 
 #include <algorithm>
@@ -17,26 +18,27 @@ void add_run(std::vector<std::uint64_t>& counts, const DumpedSource& source)
 void add_object(Coverage& coverage, const ProbeMap& map, const std::vector<std::uint64_t>& counts,
                 const std::vector<bool>& shown)
 {
-    std::vector<std::map<std::uint32_t, std::uint64_t>> lines(map.paths.size());
-    for (const MappedLine& mapped : map.lines) {
-        if (shown[mapped.path]) {
-            std::uint64_t& largest = lines[mapped.path][mapped.line];
-            largest = std::max(largest, counts[mapped.probe]);
-        }
+    std::vector<SourceCoverage*> sources; // by path; null where left out
+    for (std::size_t path = 0; path < map.paths.size(); ++path) {
+        sources.push_back(shown[path] ? &coverage[map.paths[path]] : nullptr);
     }
-    for (std::size_t path = 0; path < lines.size(); ++path) {
-        if (lines[path].empty()) {
-            continue;
+    const auto end = map.lines.end();
+    for (auto at = map.lines.begin(); at != end;) {
+        const MappedLine& first = *at;
+        std::uint64_t largest = 0;
+        for (; at != end && at->path == first.path && at->line == first.line &&
+               at->function == first.function;
+             ++at) {
+            largest = std::max(largest, counts[at->probe]);
         }
-        SourceCoverage& source = coverage[map.paths[path]];
-        for (const auto& [line, count] : lines[path]) {
-            std::uint64_t& sum = source.lines[line];
-            sum = sum_of_counts(sum, count);
+        if (sources[first.path] != nullptr) {
+            std::uint64_t& sum = sources[first.path]->lines[first.line];
+            sum = sum_of_counts(sum, largest);
         }
     }
     for (const MappedFunction& mapped : map.functions) {
-        if (shown[mapped.path]) {
-            FunctionCoverage& function = coverage[map.paths[mapped.path]].functions[mapped.symbol];
+        if (sources[mapped.path] != nullptr) {
+            FunctionCoverage& function = sources[mapped.path]->functions[mapped.symbol];
             function.line = function.line == 0 ? mapped.line : std::min(function.line, mapped.line);
             function.count =
                 sum_of_counts(function.count, mapped.has_probe ? counts[mapped.probe] : 0);

@@ -49,9 +49,9 @@ using Coverage = std::map<std::string, SourceCoverage>;
 /// Adds a run's counts to those of the probes; `counts` has one per probe of `source`.
 void add_run(std::vector<std::uint64_t>& counts, const DumpedSource& source);
 
-/// Adds an object to the coverage: the largest count of each line's probes, the first probe's of
-/// each function. Left out are the paths whose place in `shown` is false. `counts` has a value for
-/// each probe of the map.
+/// Adds an object to the coverage: for each line the largest count of its probes in each function,
+/// for each function the count of its first probe. Left out are the paths whose place in `shown` is
+/// false. `counts` has a value for each probe of the map.
 void add_object(Coverage& coverage, const ProbeMap& map, const std::vector<std::uint64_t>& counts,
                 const std::vector<bool>& shown);
 

@@ -1,4 +1,4 @@
-// The report is made even where something had to be left out; then the exit status says so.
+// The report is made even where something had to be left out; the exit status then says so.
 #include "lltcov/commands.h"
 
 #include "commonfunc/Caddis_func.h"
@@ -15,10 +15,11 @@ namespace
 
 struct Format {
     const char* option;
-    std::string (*text)(const Coverage& coverage);
+    std::string (*text)(const Report& report);
 };
 
-constexpr Format FORMATS[] = {{"--lcov", as_lcov}};
+constexpr Format FORMATS[] = {
+    {"--lcov", as_lcov}, {"--json", as_json}, {"--cobertura", as_cobertura}};
 
 const Format& chosen_format(const CommandLine& line)
 {
@@ -37,23 +38,49 @@ const Format& chosen_format(const CommandLine& line)
     return *chosen;
 }
 
+std::string summary(const Coverage& coverage)
+{
+    const Rates rates = rates_of(coverage);
+    return std::to_string(rates.lines.hit) + " of " + std::to_string(rates.lines.total) +
+           " lines hit (" + percent(rates.lines) + " %), " + std::to_string(rates.functions.hit) +
+           " of " + std::to_string(rates.functions.total) + " functions, in " +
+           std::to_string(coverage.size()) + " sources";
+}
+
+bool write_report(const CommandLine& line, const std::string& text)
+{
+    const std::string file = line.value("-o");
+    if (!file.empty() && file != "-") {
+        return replace_file(file, text) == Writing::done;
+    }
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() &&
+        std::fflush(stdout) == 0) {
+        return true;
+    }
+    say("the report cannot be written to standard output; make room there");
+    return false;
+}
+
 } // namespace
 
 int run_export(const Arguments& arguments)
 {
     const CommandLine line(arguments, {"--lcov", "--json", "--cobertura", "--include-system"},
                            {"-o", "--project"});
+    if (!line.operands().empty()) {
+        throw UsageError("what is '" + line.operands()[0] + "'? The report's file goes behind -o");
+    }
     const Format& format = chosen_format(line);
     Findings findings;
     const ProjectData data = read_project_data(line, findings);
-    const auto system_headers =
+    const auto headers =
         line.has("--include-system") ? SystemHeaders::shown : SystemHeaders::left_out;
-    const Coverage coverage = CoverageMaker(data, system_headers, findings).coverage();
+    CoverageMaker maker(data, headers, findings);
+    const Report report{data.root, maker.coverage_of(all_objects(data))};
     findings.print();
-    const std::string text = format.text(coverage);
-    if (line.has("-o")) {
-        return replace_file(line.value("-o"), text) == Writing::done && findings.empty() ? 0 : 1;
+    const bool is_written = write_report(line, format.text(report));
+    if (is_written && line.has("-o")) {
+        say(line.value("-o") + ": " + summary(report.coverage));
     }
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    return findings.empty() ? 0 : 1;
+    return is_written && !findings.has_problems() ? 0 : 1;
 }

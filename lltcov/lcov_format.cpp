@@ -13,10 +13,10 @@ std::string rate_lines(const char* found, const char* hit, const Rate& rate)
 
 } // namespace
 
-std::string as_lcov(const Coverage& coverage)
+std::string as_lcov(const Report& report)
 {
     std::string out;
-    for (const auto& [path, source] : coverage) {
+    for (const auto& [path, source] : report.coverage) {
         out += "TN:\nSF:" + path + "\n";
         for (const auto& [name, function] : source.functions) {
             out += "FN:" + std::to_string(function.line) + "," + name + "\n";

@@ -4,7 +4,8 @@
 #include "lltcov/text_lines.h"
 
 #include <algorithm>
-#include <map>
+#include <tuple>
+#include <unordered_map>
 
 namespace
 {
@@ -36,10 +37,19 @@ public:
         if (map_.source.empty()) {
             lines_.fail("the map names no source");
         }
+        std::sort(map_.lines.begin(), map_.lines.end(), [](const auto& a, const auto& b) {
+            return std::tie(a.path, a.line, a.function) < std::tie(b.path, b.line, b.function);
+        });
         return std::move(map_);
     }
 
 private:
+    /// A function that has probes.
+    struct Owner {
+        std::uint32_t number;
+        std::uint32_t first_probe;
+    };
+
     /// probe COUNTER LINES FUNCTION PATH
     void read_probe()
     {
@@ -52,10 +62,12 @@ private:
         }
         last_probe_ = probe;
         std::string_view list = lines_.word();
-        first_probe_.emplace(lines_.word(), probe);
+        const auto number = static_cast<std::uint32_t>(functions_.size());
+        const std::uint32_t function =
+            functions_.emplace(lines_.word(), Owner{number, probe}).first->second.number;
         const std::uint32_t path = path_index();
         do {
-            map_.lines.push_back({probe, path, line_of(split_off(list, ','))});
+            map_.lines.push_back({path, line_of(split_off(list, ',')), function, probe});
         } while (!list.empty());
     }
 
@@ -64,10 +76,10 @@ private:
     {
         const std::string_view name = lines_.word();
         const std::uint32_t line = line_of(lines_.word());
-        const auto first = first_probe_.find(name);
-        const bool has_probe = first != first_probe_.end();
-        map_.functions.push_back(
-            {std::string(name), path_index(), line, has_probe ? first->second : 0, has_probe});
+        const auto owner = functions_.find(name);
+        const bool has_probe = owner != functions_.end();
+        map_.functions.push_back({std::string(name), path_index(), line,
+                                  has_probe ? owner->second.first_probe : 0, has_probe});
     }
 
     std::uint32_t line_of(std::string_view digits) const
@@ -97,8 +109,8 @@ private:
     TextLines lines_;
     std::uint32_t probes_;
     std::uint32_t last_probe_ = 0;
-    std::map<std::string_view, std::uint32_t> first_probe_; ///< by function
-    std::map<std::string_view, std::uint32_t> path_index_;
+    std::unordered_map<std::string_view, Owner> functions_;
+    std::unordered_map<std::string_view, std::uint32_t> path_index_;
     ProbeMap map_;
 };
 

@@ -9,9 +9,10 @@
 
 /// One line that a probe counts.
 struct MappedLine {
+    std::uint32_t path;     ///< index into the map's paths
+    std::uint32_t line;     ///< from 1
+    std::uint32_t function; ///< number of the function whose code it is
     std::uint32_t probe;
-    std::uint32_t path; ///< index into the map's paths
-    std::uint32_t line; ///< from 1
 };
 
 /// A function and the first of its probes.
@@ -28,7 +29,7 @@ struct ProbeMap {
     std::string source; ///< absolute path
     std::string object; ///< absolute path
     std::vector<std::string> paths;
-    std::vector<MappedLine> lines;
+    std::vector<MappedLine> lines; ///< by path, line and function
     std::vector<MappedFunction> functions;
 };
 

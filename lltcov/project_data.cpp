@@ -7,6 +7,7 @@
 #include "lltld/source_tab.h"
 
 #include <cstring>
+#include <numeric>
 #include <optional>
 #include <sys/stat.h>
 
@@ -102,6 +103,7 @@ private:
         const std::string path = (has_copy ? copy : left) + "/probes.txt";
         InstrumentedObject object;
         object.symbol = symbol;
+        object.area = module.area;
         // A source that was touched and compiled again has the same symbol and a newer record.
         if (!own.empty() || has_copy) {
             object.source_size = own.empty() ? copied[0].size : own[0].size;
@@ -154,6 +156,13 @@ ProjectData read_modules(const std::string& root, Findings& findings)
         progress.step();
     }
     return data;
+}
+
+std::vector<std::size_t> all_objects(const ProjectData& data)
+{
+    std::vector<std::size_t> all(data.objects.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    return all;
 }
 
 ProjectData read_project_data(const CommandLine& line, Findings& findings)

@@ -17,6 +17,7 @@ struct InstrumentedObject {
     std::uint32_t source_size = 0;  ///< when it was compiled; 0 when that is not known
     std::uint32_t source_mtime = 0; ///< likewise
     timespec compiled = {};         ///< when it was compiled
+    std::string area;               ///< work area of the (first) module that holds it
     ProbeMap map;
     std::vector<std::uint64_t> counts; ///< one per probe, summed over all runs of all modules
 };
@@ -45,5 +46,8 @@ ProjectData read_modules(const std::string& root, Findings& findings);
 /// Those of other projects are passed over; what else is left out goes to the findings.
 void add_dumps(ProjectData& data, const std::string& directory, Findings& findings);
 
-/// Both for the project of the command line.
+/// The indexes of all objects.
+std::vector<std::size_t> all_objects(const ProjectData& data);
+
+/// Modules and counts of the project that the command line names.
 ProjectData read_project_data(const CommandLine& line, Findings& findings);

@@ -5,6 +5,7 @@
 #include "commonfunc/Caddis_func.h"
 #include "lltcov/text_lines.h"
 
+#include <algorithm>
 #include <map>
 
 namespace
@@ -45,19 +46,28 @@ public:
         }
     }
 
-    void report_refused()
+    /// Says what was left out as a whole, when all files are read.
+    void report(const std::string& directory)
     {
         for (const auto& [module, refused] : refused_) {
             findings_.add("refused dumps",
                           std::to_string(refused.dumps) + " dumps of " + module->module.name +
                               " are of build " + refused.buid + ", '" + module->output +
-                              "' is of build " + module->buid + ", they are not counted (first '" +
+                              "' is of build " + module->buid + ": not counted (one is '" +
                               refused.path + "'); lltcov clean, then run the tests again");
         }
         for (const auto& [area, dumps] : orphans_) {
             findings_.add("dumps of modules that are gone",
                           std::to_string(dumps) + " dumps of '" + area +
-                              "', where no module is left, are not counted; lltcov clean");
+                              "', where no module is left: not counted; lltcov clean");
+        }
+        const auto has_dumps = [](const ModuleData& module) { return module.dumps > 0; };
+        if (!findings_.has_problems() &&
+            std::none_of(data_.modules.begin(), data_.modules.end(), has_dumps)) {
+            findings_.note("runs",
+                           "no run of this project has left counts in '" + directory +
+                               "' (dumps of other projects there: " + std::to_string(foreign_) +
+                               "); run the tests, or set LLTCOV_ROOT");
         }
     }
 
@@ -84,6 +94,8 @@ private:
         const std::string inside = data_.root + "/";
         if (named[0] != '/' || named.compare(0, inside.size(), inside) == 0) {
             ++orphans_[named];
+        } else {
+            ++foreign_;
         }
         return nullptr;
     }
@@ -126,6 +138,7 @@ private:
     std::map<std::string, std::string> area_of_name_; ///< absolute, by what dumps name
     std::map<const ModuleData*, Refused> refused_;
     std::map<std::string, std::size_t> orphans_; ///< by area
+    std::size_t foreign_ = 0;                    ///< dumps of other projects
 };
 
 } // namespace
@@ -144,5 +157,5 @@ void add_dumps(ProjectData& data, const std::string& directory, Findings& findin
         reader.read(directory + "/" + name);
         progress.step();
     }
-    reader.report_refused();
+    reader.report(directory);
 }

@@ -2,8 +2,6 @@
 // one that is newer than the compilation counts as changed.
 #include "lltcov/shown_sources.h"
 
-#include <numeric>
-
 namespace
 {
 
@@ -49,13 +47,6 @@ Coverage CoverageMaker::coverage_of(const std::vector<std::size_t>& objects)
     return coverage;
 }
 
-Coverage CoverageMaker::coverage()
-{
-    std::vector<std::size_t> all(data_.objects.size());
-    std::iota(all.begin(), all.end(), std::size_t{0});
-    return coverage_of(all);
-}
-
 bool CoverageMaker::is_shown(const InstrumentedObject& object, const std::string& path)
 {
     if (system_headers_ == SystemHeaders::left_out && is_system_header(path) &&
@@ -63,9 +54,16 @@ bool CoverageMaker::is_shown(const InstrumentedObject& object, const std::string
         return false;
     }
     const std::optional<struct stat>& state = state_of(path);
+    if (!state && path != object.map.source) {
+        findings_.note("files that are not there",
+                       "'" + path + "', which '" + object.map.source +
+                           "' names in a line directive or includes, is not there: left out");
+        return false;
+    }
     if (!state) {
         findings_.add("sources that are gone",
-                      "'" + path + "' is gone: its lines are left out; build the project again");
+                      "'" + path + "' is gone, its lines are left out; build again, or remove '" +
+                          object.area + "' when that module is no more");
         return false;
     }
     if (has_changed(object, path, *state)) {

@@ -24,9 +24,6 @@ public:
 
     Coverage coverage_of(const std::vector<std::size_t>& objects);
 
-    /// The coverage of the whole project.
-    Coverage coverage();
-
 private:
     bool is_shown(const InstrumentedObject& object, const std::string& path);
     const std::optional<struct stat>& state_of(const std::string& path);

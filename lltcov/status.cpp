@@ -1,9 +1,127 @@
+// A module's lines are those of its own objects; the total counts a source of several modules once.
 #include "lltcov/commands.h"
 
 #include "lltcov/command_line.h"
+#include "lltcov/console.h"
+#include "lltcov/project_data.h"
+#include "lltcov/report_text.h"
+#include "lltcov/shown_sources.h"
+
+#include <cstdio>
+#include <set>
+
+namespace
+{
+
+struct Row {
+    std::string name;
+    std::size_t sources = 0;
+    std::size_t symbols = 0;
+    Rates rates;
+    std::size_t dumps = 0;
+    std::string built; ///< YYYY-MM-DD hh:mm:ss
+    std::string output;
+};
+
+/// "20261121090117" as "2026-11-21 09:01:17".
+std::string readable_time(const std::string& digits)
+{
+    if (digits.size() != 14) {
+        return digits;
+    }
+    return digits.substr(0, 4) + "-" + digits.substr(4, 2) + "-" + digits.substr(6, 2) + " " +
+           digits.substr(8, 2) + ":" + digits.substr(10, 2) + ":" + digits.substr(12, 2);
+}
+
+std::size_t sources_of(const ProjectData& data, const std::vector<std::size_t>& objects)
+{
+    std::set<std::string> sources;
+    for (const std::size_t object : objects) {
+        sources.insert(data.objects[object].map.source);
+    }
+    return sources.size();
+}
+
+std::vector<Row> rows_of(const ProjectData& data, Findings& findings)
+{
+    CoverageMaker maker(data, SystemHeaders::left_out, findings);
+    Progress progress("adding up modules", data.modules.size());
+    std::vector<Row> rows;
+    Row total;
+    for (const ModuleData& module : data.modules) {
+        rows.push_back({module.module.name, sources_of(data, module.objects), module.objects.size(),
+                        rates_of(maker.coverage_of(module.objects)), module.dumps,
+                        readable_time(module.built), module.output});
+        total.dumps += module.dumps;
+        progress.step();
+    }
+    const std::vector<std::size_t> all = all_objects(data);
+    total.name = "total";
+    total.sources = sources_of(data, all);
+    total.symbols = all.size();
+    total.rates = rates_of(maker.coverage_of(all));
+    rows.push_back(total);
+    return rows;
+}
+
+std::string of(const Rate& rate)
+{
+    return std::to_string(rate.hit) + "/" + std::to_string(rate.total);
+}
+
+void print_table(const std::vector<Row>& rows, const std::string& root)
+{
+    Table table({"MODULE", ">SOURCES", ">SYMBOLS", ">LINES", ">%", ">FUNCTIONS", ">%", ">DUMPS",
+                 "BUILT", "OUTPUT"});
+    for (const Row& row : rows) {
+        const bool inside = row.output.compare(0, root.size() + 1, root + "/") == 0;
+        table.add({row.name, std::to_string(row.sources), std::to_string(row.symbols),
+                   of(row.rates.lines), percent(row.rates.lines), of(row.rates.functions),
+                   percent(row.rates.functions), std::to_string(row.dumps), row.built,
+                   inside ? row.output.substr(root.size() + 1) : row.output});
+    }
+    table.print();
+}
+
+std::string numbers(const Row& row)
+{
+    return "\"sources\": " + std::to_string(row.sources) +
+           ", \"symbols\": " + std::to_string(row.symbols) +
+           ", \"lines\": " + json_rate(row.rates.lines) +
+           ", \"functions\": " + json_rate(row.rates.functions) +
+           ", \"dumps\": " + std::to_string(row.dumps);
+}
+
+void print_json(const std::vector<Row>& rows, const std::string& root)
+{
+    std::string out =
+        "{\"format\": \"lltcov status\", \"version\": 1, \"project\": " + json_string(root) +
+        ",\n\"modules\": [";
+    const char* separator = "\n";
+    for (std::size_t i = 0; i + 1 < rows.size(); ++i) {
+        out += separator;
+        out += "{\"name\": " + json_string(rows[i].name) + ", " + numbers(rows[i]) +
+               ", \"built\": " + json_string(rows[i].built) +
+               ", \"output\": " + json_string(rows[i].output) + "}";
+        separator = ",\n";
+    }
+    out += "\n],\n\"total\": {" + numbers(rows.back()) + "}}\n";
+    std::fputs(out.c_str(), stdout);
+}
+
+} // namespace
 
 int run_status(const Arguments& arguments)
 {
-    (void)arguments;
-    throw UsageError("not there yet");
+    const CommandLine line(arguments, {"--json"}, {"--project"});
+    if (!line.operands().empty()) {
+        throw UsageError("what is '" + line.operands()[0] + "'?");
+    }
+    Findings findings;
+    const ProjectData data = read_project_data(line, findings);
+    const std::vector<Row> rows = rows_of(data, findings);
+    line.has("--json") ? print_json(rows, data.root) : print_table(rows, data.root);
+    std::fflush(stdout);
+    findings.print();
+    return findings.has_problems() ? 1 : 0;
 }

@@ -1,0 +1,18 @@
+// Texts as reports hold them: any bytes can be in a path or a symbol, but not in JSON or XML.
+#pragma once
+
+#include "lltcov/coverage.h"
+
+#include <string>
+
+/// The text as a JSON string with its quotes.
+std::string json_string(const std::string& text);
+
+/// `{"hit": HIT, "total": TOTAL}`
+std::string json_rate(const Rate& rate);
+
+/// The text as content or attribute value of XML 1.0.
+std::string xml_text(const std::string& text);
+
+/// The function's name as it is written in C++; the assembler name where it is no C++ name.
+std::string demangled(const std::string& symbol);
