@@ -6,6 +6,7 @@
 #include "lltcov/text_lines.h"
 #include "lltld/source_tab.h"
 
+#include <algorithm>
 #include <cstring>
 #include <numeric>
 #include <optional>
@@ -82,7 +83,10 @@ private:
         const std::string symbol = symbol_of(record);
         const auto known = data_.object_of_symbol.find(symbol);
         if (known != data_.object_of_symbol.end()) {
-            module.objects.push_back(known->second);
+            std::vector<std::size_t>& objects = module.objects;
+            if (std::find(objects.begin(), objects.end(), known->second) == objects.end()) {
+                objects.push_back(known->second);
+            }
             return;
         }
         if (std::optional<InstrumentedObject> object = load(record, symbol, module.module)) {

@@ -126,6 +126,12 @@ private:
                 additions.emplace_back(&data_.objects[object->second], &source);
             }
         }
+        std::sort(additions.begin(), additions.end());
+        const auto is_same = [](const auto& a, const auto& b) { return a.first == b.first; };
+        if (std::adjacent_find(additions.begin(), additions.end(), is_same) != additions.end()) {
+            findings_.add("damaged dumps", "'" + path + "' holds a source twice" + AGAIN);
+            return;
+        }
         for (const auto& [object, source] : additions) {
             add_run(object->counts, *source);
         }

@@ -62,7 +62,8 @@ bool CoverageMaker::is_shown(const InstrumentedObject& object, const std::string
     }
     if (!state) {
         findings_.add("sources that are gone",
-                      "'" + path + "' is gone, its lines are left out; build again, or remove '" +
+                      "'" + path +
+                          "' is gone: its lines are left out; make a clean build, or remove '" +
                           object.area + "' when that module is no more");
         return false;
     }
