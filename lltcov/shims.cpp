@@ -1,9 +1,123 @@
+// A directory of shims stands first on PATH: configure steps see the real tools, and a build with
+// LLT_WRAP=1 goes through the wrapper without a change to its makefiles. Which tools: every name on
+// PATH that is a known tool, also with a target before it or a version behind it.
 #include "lltcov/commands.h"
 
+#include "commonfunc/Caddis_func.h"
 #include "lltcov/command_line.h"
+#include "lltcov/project.h"
+#include "lltcov/shim_text.h"
+
+#include <cstdio>
+#include <map>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Names that are missed when they are not on PATH.
+constexpr const char* EXPECTED[] = {"gcc",     "g++", "cc",     "c++", "clang",
+                                    "clang++", "ar",  "gcc-ar", "ld"};
+
+bool is_program(const std::string& path)
+{
+    struct stat info = {};
+    return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
+           ::access(path.c_str(), X_OK) == 0;
+}
+
+/// What is first on PATH of every tool, by name. Shims, also behind links, are passed over: a shim
+/// of a shim would wrap twice, or run in circles. So are relative directories, whose meaning
+/// changes with the current one.
+std::map<std::string, std::string> tools_on_path()
+{
+    std::vector<std::string> directories;
+    strsplit_v(env_text("PATH").c_str(), ':', directories);
+    std::map<std::string, std::string> tools;
+    for (const std::string& directory : directories) {
+        if (directory.empty() || directory[0] != '/') {
+            continue;
+        }
+        for (const std::string& name : names_in(directory)) {
+            const std::string path = directory + "/" + name;
+            if (kind_of_tool(name) != ToolKind::none && is_program(path) && !is_shim(path)) {
+                tools.emplace(name, path);
+            }
+        }
+    }
+    return tools;
+}
+
+/// Beside this program, as both are built and installed, else on PATH; empty when there is none.
+std::string find_wrapper()
+{
+    std::vector<std::string> directories = {program_directory()};
+    strsplit_v(env_text("PATH").c_str(), ':', directories);
+    for (const std::string& directory : directories) {
+        const std::string path = absolute_path(directory + "/lltwrapper");
+        if (is_program(path)) {
+            return path;
+        }
+    }
+    return "";
+}
+
+/// False with a message when the file cannot be written, or is something else than a shim: the
+/// directory of the real tools must never be overwritten.
+bool write_shim(const std::string& path, const std::string& text)
+{
+    struct stat info = {};
+    if (::lstat(path.c_str(), &info) == 0 && (!S_ISREG(info.st_mode) || !is_shim(path))) {
+        std::fprintf(stderr, "lltcov: '%s' is no shim and stays; choose an empty directory\n",
+                     path.c_str());
+        return false;
+    }
+    return replace_file(path, text) == Writing::done && ::chmod(path.c_str(), 0755) == 0;
+}
+
+void report(const std::map<std::string, std::string>& tools, const std::string& directory)
+{
+    for (const auto& [name, real] : tools) {
+        std::printf("%-28s %s\n", name.c_str(), real.c_str());
+    }
+    for (const char* name : EXPECTED) {
+        if (tools.count(name) == 0) {
+            std::printf("%-28s not on PATH, no shim\n", name);
+        }
+    }
+    std::printf("%zu shims. Configure and build with PATH=%s:$PATH; set LLT_WRAP=1 for the build "
+                "only.\n",
+                tools.size(), shell_word(directory).c_str());
+}
+
+} // namespace
 
 int run_shims(const Arguments& arguments)
 {
-    (void)arguments;
-    throw UsageError("not there yet");
+    const CommandLine line(arguments, {}, {});
+    if (line.operands().size() != 1) {
+        throw UsageError("shims needs one directory");
+    }
+    if (QMRCreateDirectory(line.operands()[0].c_str()) == 0) {
+        return 1;
+    }
+    const std::string directory = absolute_path(line.operands()[0]);
+    const std::string wrapper = find_wrapper();
+    const auto tools = tools_on_path();
+    if (directory.find(':') != directory.npos) {
+        throw UsageError("a directory whose name holds ':' cannot be on PATH");
+    }
+    if (wrapper.empty() || tools.empty()) {
+        std::fprintf(stderr, "lltcov: no %s found beside lltcov and on PATH; set PATH\n",
+                     wrapper.empty() ? "lltwrapper" : "compiler");
+        return 1;
+    }
+    for (const auto& [name, real] : tools) {
+        if (!write_shim(directory + "/" + name, shim_text(kind_of_tool(name), real, wrapper))) {
+            return 1;
+        }
+    }
+    report(tools, directory);
+    return 0;
 }

@@ -1,0 +1,238 @@
+// A shim is short in the plain case: the shell reads a script command by command, so a build whose
+// wrapping is off pays for the first lines only. With the wrapping on, the rest tells the calls
+// that the wrapper must not see (its lines on standard output would end up in what the caller
+// reads) and writes words such that they come through the wrapper and its shell as they are.
+#include "lltcov/shim_text.h"
+
+#include "commonfunc/Caddis_func.h"
+
+#include <cstring>
+#include <regex>
+
+namespace
+{
+
+constexpr char SHELL[] = "#!/bin/sh\n";
+constexpr char MARK[] = "# Shim of lltcov: ";
+
+/// What the real tool runs is found without this directory, and is wrapped here or not at all.
+/// `${0%/*}` is the directory as PATH has it, which is how a masquerading compiler cache behind the
+/// shim would find the shim again.
+constexpr char PLAIN_CASE[] = R"SH(on=${LLT_WRAP:-0}
+unset LLT_WRAP
+case :$PATH: in
+    *:"${0%/*}":*)
+        PATH=:$PATH:
+        PATH=${PATH%%":${0%/*}:"*}:${PATH#*":${0%/*}:"}
+        PATH=${PATH#:} PATH=${PATH%:}
+        ;;
+esac
+[ "$on" != 0 ] || exec "$real" "$@"
+
+# Behind the others on PATH: drivers of the user's own choice come first.
+export PATH="$PATH:${wrapper%/*}" LLTWRAPPER_EXACT_STATUS="${LLTWRAPPER_EXACT_STATUS:-1}"
+)SH";
+
+/// Sets `step` when the call compiles or links, `rewrite` when a word cannot stand as it is.
+constexpr char SCAN_COMPILER[] = R"SH(
+case $PWD/ in
+    */CMakeFiles/CMakeScratch/* | */CMakeFiles/CMakeTmp/*) exec "$real" "$@" ;;
+esac
+step='' input='' list='' rewrite='' option=''
+for word; do
+    case $option$word in
+        # Its output is read, it makes no code, or a configure step tries something.
+        - | -E | -S | -M | -MM | -fsyntax-only | -'###' | --version | --help* | --target-help | \
+            -print-* | --print-* | -dumpmachine | -dumpversion | -dumpfullversion | -dumpspecs | \
+            c-header | c++-header | -xc-header | -xc++-header | /dev/* | \
+            conftest.* | *meson-private/*) exec "$real" "$@" ;;
+        -c | -o) step=yes ;;
+        -o*) step=yes rewrite=yes ;;
+        -Xlinker?*) rewrite=yes ;;
+        @*) list=${word#@} ;;
+        *.[cCioa] | *.cc | *.cp | *.cxx | *.cpp | *.CPP | *.c++ | *.ii) input=yes ;;
+    esac
+    case $word in
+        -Xlinker) option=$word ;;
+        '' | *[!A-Za-z0-9_@%+=:,./^-]*) option='' rewrite=yes ;;
+        *) option='' ;;
+    esac
+done
+
+# The wrapper looks for -c and -o in the command only, not in a response file.
+if [ -z "$step" ] && [ -r "$list" ]; then
+    set -f
+    option=''
+    while read -r line || [ -n "$line" ]; do
+        for word in $line; do
+            case $option$word in
+                -E | -S | -M | -MM | -o*[\"\'\\]*) exec "$real" "$@" ;;
+                -c) set -- "$@" -c ; step=yes ;;
+                -o?*) set -- "$@" -o "${word#-o}" ; step=yes ;;
+            esac
+            case $word in -o) option=$word ;; *) option='' ;; esac
+        done
+    done <"$list"
+fi
+if [ -z "$step" ]; then
+    [ -n "$input" ] || exec "$real" "$@"
+    set -- "$@" -o a.out
+fi
+)SH";
+
+constexpr char SCAN_LINKER[] = R"SH(
+step='' rewrite=''
+for word; do
+    case $word in
+        # Partial links are left to the last one; scripts of another kind, questions.
+        -r | -i | -Ur | --relocatable | -c | -v | -V | --version | --help | --print-*)
+            exec "$real" "$@" ;;
+        -o) step=yes ;;
+        -o* | -E | -S) step=yes rewrite=yes ;;
+    esac
+    case $word in
+        '' | *[!A-Za-z0-9_@%+=:,./^-]*) rewrite=yes ;;
+    esac
+done
+[ -n "$step" ] || exec "$real" "$@"
+)SH";
+
+constexpr char RUN_STEP[] = R"SH(
+# escape WORD WHERE: $word, such that the wrapper's shell makes WORD of it
+escape() {
+    word='' rest=$1
+    [ -n "$rest" ] || word="''"
+    while
+        plain=${rest%%[!A-Za-z0-9_@%+=:,./^-]*}
+        word=$word$plain rest=${rest#"$plain"}
+        [ -n "$rest" ]
+    do
+        char=${rest%"${rest#?}"} rest=${rest#?}
+        case $2$char in
+            value[\ \"\(\)\<\>]) ;;       # the wrapper escapes these in values
+            *'
+') char="'$char'" ;;
+            *) char=\\$char ;;
+        esac
+        word=$word$char
+    done
+}
+
+if [ -n "$rewrite" ]; then
+    option=''
+    for word; do
+        shift
+        case $option in
+            -Xlinker)
+                # The wrapper would take its value for an option of the compiler.
+                option=''
+                case $word in
+                    *,*) set -- "$@" -Xlinker ;;
+                    *) escape "-Wl,$word" '' ;;
+                esac
+                ;;
+            ?*)
+                option=''
+                escape "$word" value
+                ;;
+            *)
+                case $word in
+                    # Of a linker: the wrapper would take them for a compiler's.
+                    -E) word=--export-dynamic ;;
+                    -S) word=--strip-debug ;;
+                    -Xlinker) option=$word; continue ;;
+                    -[DIocLl]) option=$word ;;
+                    -o*)
+                        set -- "$@" -o
+                        escape "${word#-o}" value
+                        ;;
+                    -[DILl]*) escape "$word" value ;;
+                    *) escape "$word" '' ;;
+                esac
+                ;;
+        esac
+        set -- "$@" "$word"
+    done
+fi
+exec "$wrapper" "$real" "$@"
+)SH";
+
+/// Only what puts members into an archive. A separate "-c" or "-o" would make it a compile or link
+/// for the wrapper: the letter is doubled, which means the same.
+constexpr char ARCHIVE_STEP[] = R"SH(
+operation='' archive='' rewrite=''
+case $1 in
+    -*) ;;
+    *[rq]*) operation=yes ;;
+esac
+for word; do
+    case $word in
+        --version | --help | -M | -h | -V) exec "$real" "$@" ;;
+        -[coSE]) rewrite=yes ;;
+        --*) ;;
+        -*[rq]*) operation=yes ;;
+        *.a) archive=${archive:-$word} ;;
+    esac
+done
+case $operation$archive in
+    '' | yes | *[!A-Za-z0-9_@%+=:,./^-]*) exec "$real" "$@" ;;
+esac
+[ -n "$operation" ] || exec "$real" "$@"
+if [ -n "$rewrite" ]; then
+    for word; do
+        shift
+        case $word in
+            -[coSE]) word=$word${word#-} ;;
+        esac
+        set -- "$@" "$word"
+    done
+fi
+exec "$wrapper" -artool "${real##*/}" -arsuffix .a "$real" "$@"
+)SH";
+
+/// TARGET-TOOL-VERSION, where a target has three parts at least: "arm-none-eabi-gcc-12.2".
+constexpr char TOOL_NAME[] = "([a-z0-9_]+-[a-z0-9_]+-([a-z0-9_]+-)+)?"
+                             "((gcc|g\\+\\+|cc|c\\+\\+|c89|c99|clang|clang\\+\\+)"
+                             "|(ar|gcc-ar|llvm-ar)|(ld))"
+                             "(-[0-9.]+)?";
+
+} // namespace
+
+ToolKind kind_of_tool(const std::string& name)
+{
+    static const std::regex form(TOOL_NAME);
+    std::smatch parts;
+    if (!std::regex_match(name, parts, form)) {
+        return ToolKind::none;
+    }
+    return parts[4].matched   ? ToolKind::compiler
+           : parts[5].matched ? ToolKind::archiver
+                              : ToolKind::linker;
+}
+
+std::string shim_text(ToolKind kind, const std::string& real, const std::string& wrapper)
+{
+    std::string text = SHELL + std::string(MARK) + real +
+                       ", through lltwrapper while LLT_WRAP is on\n" + "real=" + shell_word(real) +
+                       " wrapper=" + shell_word(wrapper) + "\n" + PLAIN_CASE;
+    switch (kind) {
+    case ToolKind::compiler:
+        return text + SCAN_COMPILER + RUN_STEP;
+    case ToolKind::linker:
+        return text + SCAN_LINKER + RUN_STEP;
+    case ToolKind::archiver:
+        return text + ARCHIVE_STEP;
+    case ToolKind::none:
+        break;
+    }
+    return "";
+}
+
+bool is_shim(const std::string& path)
+{
+    const File file = open_file(path, "rbe");
+    char start[64] = {};
+    return file && std::fread(start, 1, sizeof start - 1, file.get()) > 0 &&
+           std::strncmp(start, SHELL, std::strlen(SHELL)) == 0 &&
+           std::strncmp(start + std::strlen(SHELL), MARK, std::strlen(MARK)) == 0;
+}
