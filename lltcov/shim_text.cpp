@@ -15,11 +15,19 @@ namespace
 constexpr char SHELL[] = "#!/bin/sh\n";
 constexpr char MARK[] = "# Shim of lltcov: ";
 
+/// An object of a cache or of another machine has no coverage, or coverage without records.
+constexpr char SKIP_LAUNCHER[] = R"SH(if [ "$on" != 0 ]; then
+    case $1 in
+        '' | -* | *=*) ;;
+        *) exec "$@" ;;
+    esac
+fi
+)SH";
+
 /// What the real tool runs is found without this directory, and is wrapped here or not at all.
 /// `${0%/*}` is the directory as PATH has it, which is how a masquerading compiler cache behind the
 /// shim would find the shim again.
-constexpr char PLAIN_CASE[] = R"SH(on=${LLT_WRAP:-0}
-unset LLT_WRAP
+constexpr char LEAVE_PATH[] = R"SH(unset LLT_WRAP
 case :$PATH: in
     *:"${0%/*}":*)
         PATH=:$PATH:
@@ -27,9 +35,13 @@ case :$PATH: in
         PATH=${PATH#:} PATH=${PATH%:}
         ;;
 esac
-[ "$on" != 0 ] || exec "$real" "$@"
+)SH";
 
-# Behind the others on PATH: drivers of the user's own choice come first.
+constexpr char PLAIN_CASE[] = R"SH([ "$on" != 0 ] || exec "$real" "$@"
+)SH";
+
+constexpr char WRAPPED_CASE[] =
+    R"SH(# Behind the others on PATH: drivers of the user's own choice come first.
 export PATH="$PATH:${wrapper%/*}" LLTWRAPPER_EXACT_STATUS="${LLTWRAPPER_EXACT_STATUS:-1}"
 )SH";
 
@@ -62,17 +74,25 @@ done
 # The wrapper looks for -c and -o in the command only, not in a response file.
 if [ -z "$step" ] && [ -r "$list" ]; then
     set -f
-    option=''
+    output='' option=''
     while read -r line || [ -n "$line" ]; do
         for word in $line; do
             case $option$word in
-                -E | -S | -M | -MM | -o*[\"\'\\]*) exec "$real" "$@" ;;
-                -c) set -- "$@" -c ; step=yes ;;
-                -o?*) set -- "$@" -o "${word#-o}" ; step=yes ;;
+                -E | -S | -M | -MM) exec "$real" "$@" ;;
+                -c) step=-c ;;
+                -o?*) output=${word#-o} ;;
             esac
             case $word in -o) option=$word ;; *) option='' ;; esac
         done
     done <"$list"
+    case $step$output in
+        -c*) set -- "$@" -c ;;
+        *[\"\'\\]*) exec "$real" "$@" ;;
+        ?*)
+            set -- "$@" -o "$output"
+            step=-o
+            ;;
+    esac
 fi
 if [ -z "$step" ]; then
     [ -n "$input" ] || exec "$real" "$@"
@@ -160,24 +180,32 @@ exec "$wrapper" "$real" "$@"
 /// Only what puts members into an archive. A separate "-c" or "-o" would make it a compile or link
 /// for the wrapper: the letter is doubled, which means the same.
 constexpr char ARCHIVE_STEP[] = R"SH(
-operation='' archive='' rewrite=''
-case $1 in
-    -*) ;;
-    *[rq]*) operation=yes ;;
-esac
+letters='' operation='' archive='' rewrite='' option=''
 for word; do
-    case $word in
+    case $option$word in
         --version | --help | -M | -h | -V) exec "$real" "$@" ;;
+        --plugin | --target | --output) option=$word; continue ;;
+        --*) ;; # with its value
         -[coSE]) rewrite=yes ;;
-        --*) ;;
-        -*[rq]*) operation=yes ;;
-        *.a) archive=${archive:-$word} ;;
+        -*[rq]*) letters=yes operation=yes ;;
+        -*) letters=yes ;;
+        *)
+            # Without a dash the operation stands first.
+            case $letters$word in
+                yes*.a) archive=${archive:-$word} ;;
+                yes*) ;;
+                *[rq]*) letters=yes operation=yes ;;
+                *) exec "$real" "$@" ;;
+            esac
+            ;;
     esac
+    option=''
 done
-case $operation$archive in
-    '' | yes | *[!A-Za-z0-9_@%+=:,./^-]*) exec "$real" "$@" ;;
-esac
+# The wrapper looks for the archive's name in the command that it has escaped.
 [ -n "$operation" ] || exec "$real" "$@"
+case $archive in
+    '' | *[!A-Za-z0-9_@%+=:,./^-]*) exec "$real" "$@" ;;
+esac
 if [ -n "$rewrite" ]; then
     for word; do
         shift
@@ -194,7 +222,8 @@ exec "$wrapper" -artool "${real##*/}" -arsuffix .a "$real" "$@"
 constexpr char TOOL_NAME[] = "([a-z0-9_]+-[a-z0-9_]+-([a-z0-9_]+-)+)?"
                              "((gcc|g\\+\\+|cc|c\\+\\+|c89|c99|clang|clang\\+\\+)"
                              "|(ar|gcc-ar|llvm-ar)|(ld))"
-                             "(-[0-9.]+)?";
+                             "(-[0-9.]+)?"
+                             "|(ccache|sccache|distcc|icecc)";
 
 } // namespace
 
@@ -207,21 +236,26 @@ ToolKind kind_of_tool(const std::string& name)
     }
     return parts[4].matched   ? ToolKind::compiler
            : parts[5].matched ? ToolKind::archiver
-                              : ToolKind::linker;
+           : parts[6].matched ? ToolKind::linker
+                              : ToolKind::launcher;
 }
 
 std::string shim_text(ToolKind kind, const std::string& real, const std::string& wrapper)
 {
-    std::string text = SHELL + std::string(MARK) + real +
-                       ", through lltwrapper while LLT_WRAP is on\n" + "real=" + shell_word(real) +
-                       " wrapper=" + shell_word(wrapper) + "\n" + PLAIN_CASE;
+    const std::string start = SHELL + std::string(MARK) + real +
+                              ", through lltwrapper while LLT_WRAP is on\n" +
+                              "real=" + shell_word(real) + " on=${LLT_WRAP:-0}\n";
+    const std::string step =
+        start + LEAVE_PATH + PLAIN_CASE + "\nwrapper=" + shell_word(wrapper) + "\n" + WRAPPED_CASE;
     switch (kind) {
     case ToolKind::compiler:
-        return text + SCAN_COMPILER + RUN_STEP;
+        return step + SCAN_COMPILER + RUN_STEP;
     case ToolKind::linker:
-        return text + SCAN_LINKER + RUN_STEP;
+        return step + SCAN_LINKER + RUN_STEP;
     case ToolKind::archiver:
-        return text + ARCHIVE_STEP;
+        return step + ARCHIVE_STEP;
+    case ToolKind::launcher:
+        return start + SKIP_LAUNCHER + LEAVE_PATH + "exec \"$real\" \"$@\"\n";
     case ToolKind::none:
         break;
     }

@@ -4,7 +4,13 @@
 #include <string>
 
 /// What a tool does, which decides when its call goes through the wrapper.
-enum class ToolKind { none, compiler, linker, archiver };
+enum class ToolKind {
+    none,
+    compiler,
+    linker,
+    archiver,
+    launcher, ///< runs a compiler that it may leave out: a cache, a distributor
+};
 
 /// The kind of a tool by its file name: "g++", "clang-14", "x86_64-linux-gnu-gcc-ar"; `none` for
 /// what gets no shim.
@@ -12,7 +18,8 @@ ToolKind kind_of_tool(const std::string& name);
 
 /// The script in the place of the tool with the absolute path `real`. While "LLT_WRAP" is unset,
 /// empty or 0 it becomes the tool; else it goes through `wrapper` (absolute path) where the call
-/// compiles, links or fills an archive. It starts no process of its own.
+/// compiles, links or fills an archive; a launcher is left out then. It starts no process of its
+/// own.
 std::string shim_text(ToolKind kind, const std::string& real, const std::string& wrapper);
 
 /// True when the file is a shim, of whatever directory.

@@ -9,6 +9,7 @@
 #include "lltcov/shim_text.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <map>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -55,8 +56,8 @@ std::string find_wrapper()
     std::vector<std::string> directories = {program_directory()};
     strsplit_v(env_text("PATH").c_str(), ':', directories);
     for (const std::string& directory : directories) {
-        const std::string path = absolute_path(directory + "/lltwrapper");
-        if (is_program(path)) {
+        const std::string path = directory + "/lltwrapper";
+        if (path[0] == '/' && is_program(path)) {
             return path;
         }
     }
@@ -99,15 +100,13 @@ int run_shims(const Arguments& arguments)
     if (line.operands().size() != 1) {
         throw UsageError("shims needs one directory");
     }
-    if (QMRCreateDirectory(line.operands()[0].c_str()) == 0) {
-        return 1;
+    if (line.operands()[0].find(':') != std::string::npos) {
+        throw UsageError("a directory whose name holds ':' cannot be on PATH");
     }
+    std::filesystem::create_directories(line.operands()[0]);
     const std::string directory = absolute_path(line.operands()[0]);
     const std::string wrapper = find_wrapper();
     const auto tools = tools_on_path();
-    if (directory.find(':') != directory.npos) {
-        throw UsageError("a directory whose name holds ':' cannot be on PATH");
-    }
     if (wrapper.empty() || tools.empty()) {
         std::fprintf(stderr, "lltcov: no %s found beside lltcov and on PATH; set PATH\n",
                      wrapper.empty() ? "lltwrapper" : "compiler");
