@@ -18,6 +18,8 @@ __attribute__((format(printf, 2, 0))) void print_coloured(const char* start, con
     std::fputs("\033[m", stdout);
 }
 
+const char* warning_name = "lltwrapper";
+
 } // namespace
 
 void TUSKLog(unsigned char component, unsigned char module, unsigned char level, unsigned int code,
@@ -48,6 +50,11 @@ void print_fatal(const char* format, ...)
     flush_output();
 }
 
+void set_warning_name(const char* program)
+{
+    warning_name = program;
+}
+
 void warn(const char* format, ...)
 {
     va_list args;
@@ -62,7 +69,7 @@ void warn(const char* format, ...)
         text.pop_back();
         const auto is_control = [](unsigned char c) { return c < 32 || c == 127; };
         std::replace_if(text.begin(), text.end(), is_control, ' '); // stays one line
-        text = "lltwrapper: " + text + "\n";
+        text = std::string(warning_name) + ": " + text + "\n";
         std::fwrite(text.data(), 1, text.size(), stderr);
     }
     va_end(again);

@@ -54,22 +54,13 @@ void Findings::print() const
     for (const auto& [kind, lines] : kinds_) {
         std::size_t printed = 0;
         for (auto line = lines.begin(); line != lines.end() && printed < MAX_LINES; ++line) {
-            say(*line);
+            warn("%s", line->c_str());
             ++printed;
         }
         if (printed < lines.size()) {
-            say("and " + std::to_string(lines.size() - printed) + " more " + kind);
+            warn("and %zu more %s", lines.size() - printed, kind.c_str());
         }
     }
-}
-
-void say(const std::string& line)
-{
-    std::string text = "lltcov: " + line;
-    const auto is_control = [](unsigned char c) { return c < 32 || c == 127; };
-    std::replace_if(text.begin(), text.end(), is_control, ' '); // stays one line
-    text += "\n";
-    std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
 Progress::Progress(std::string what, std::size_t total) : what_(std::move(what)), total_(total)

@@ -34,9 +34,6 @@ private:
     bool has_problems_ = false;
 };
 
-/// Prints "lltcov: ", the line and a line end on standard error; control characters become blanks.
-void say(const std::string& line);
-
 /// A line on a terminal at standard error that says how far long work is; nothing elsewhere.
 class Progress
 {

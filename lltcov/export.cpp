@@ -57,7 +57,7 @@ bool write_report(const CommandLine& line, const std::string& text)
         std::fflush(stdout) == 0) {
         return true;
     }
-    say("the report cannot be written to standard output; make room there");
+    warn("the report cannot be written to standard output; make room there");
     return false;
 }
 
@@ -80,7 +80,7 @@ int run_export(const Arguments& arguments)
     findings.print();
     const bool is_written = write_report(line, format.text(report));
     if (is_written && line.has("-o")) {
-        say(line.value("-o") + ": " + summary(report.coverage));
+        warn("%s: %s", line.value("-o").c_str(), summary(report.coverage).c_str());
     }
     return is_written && !findings.has_problems() ? 0 : 1;
 }

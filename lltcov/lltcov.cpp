@@ -2,6 +2,7 @@
 // with this command, is everything set up, what was reached. One subcommand per question.
 #include "lltcov/commands.h"
 
+#include "commonfunc/Caddis_func.h"
 #include "lltcov/command_line.h"
 
 #include <cstdio>
@@ -67,6 +68,7 @@ int run_command(const char* name, const Arguments& arguments)
 
 int main(int argc, char** argv)
 {
+    set_warning_name("lltcov");
     if (argc < 2) {
         print_help(stderr);
         return 2;

@@ -1,0 +1,209 @@
+// Modules and dumps as they are found on disk: which counts reach the report, and what is said
+// about the others.
+#include "lltcov/project_data.h"
+#include "lltcov/shown_sources.h"
+#include "lltld/source_tab.h"
+#include "tests/fixture.h"
+
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace
+{
+
+constexpr time_t COMPILED = 1700000000;
+
+void set_time(const std::string& path, time_t seconds)
+{
+    const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+}
+
+std::string record(int number, const std::string& symbol, unsigned size)
+{
+    _SOURCEFILE_OBJECT entry = {};
+    entry.fileid = number;
+    (symbol + ".c").copy(entry.szName, sizeof entry.szName - 1);
+    entry.size = size;
+    entry.mtime = size != 0 ? COMPILED : 0;
+    entry.instnum = 2;
+    return std::string(reinterpret_cast<const char*>(&entry), sizeof entry);
+}
+
+class ProjectDataTest : public TestDir
+{
+protected:
+    void SetUp() override
+    {
+        TestDir::SetUp();
+        write_file(dir + "/a.c", "12345");
+        write_file(dir + "/h.h", "h");
+        set_time(dir + "/a.c", COMPILED);
+        set_time(dir + "/h.h", COMPILED);
+        add_module("liba", "S");
+    }
+
+    /// A module with one object of a.c: probe 0 is line 1 of it, probe 1 line 7 of h.h.
+    void add_module(const std::string& name, const std::string& symbol)
+    {
+        const std::string area = dir + "/" + name + "/codemeasure";
+        std::filesystem::create_directories(area + "/db/db0");
+        write_file(area + "/.prj", "[project]\nBUID=Q1\nsutpath=/out\n");
+        write_file(area + "/db/.tab", record(0, symbol, 0));
+        write_file(area + "/db/db0/.tab", record(0, symbol, 5));
+        write_file(area + "/db/db0/probes.txt", "lltprobes 1\nsource " + dir + "/a.c\nobject " +
+                                                    dir + "/a.o\nprobe 0 1 f " + dir +
+                                                    "/a.c\nprobe 1 7 f " + dir + "/h.h\n");
+        write_file(dir + "/a.o", "");
+        set_time(dir + "/a.o", COMPILED + 1);
+    }
+
+    void add_dump(const std::string& area, const std::string& buid, const std::string& files)
+    {
+        std::filesystem::create_directories(dir + "/runs");
+        write_file(dir + "/runs/m." + std::to_string(dumps_++) + ".0.lltcov",
+                   "lltcov 1\nmodule m\nbuid " + buid + "\narea " + area + "\n" + files + "end\n");
+    }
+
+    /// The counts of a.c:1 and h.h:7, "-" for a line that is not shown.
+    std::string counts()
+    {
+        findings_ = Findings();
+        ProjectData data = read_modules(dir, findings_);
+        add_dumps(data, dir + "/runs", findings_);
+        CoverageMaker maker(data, SystemHeaders::left_out, findings_);
+        Coverage coverage = maker.coverage_of(all_objects(data));
+        std::string text;
+        for (const auto& [path, line] : {std::pair{dir + "/a.c", 1U}, {dir + "/h.h", 7U}}) {
+            const auto& lines = coverage[path].lines;
+            text += lines.count(line) != 0 ? std::to_string(lines.at(line)) + " " : "- ";
+        }
+        return text;
+    }
+
+    std::string said(const std::string& kind)
+    {
+        std::string text;
+        for (const std::string& line : findings_.of(kind)) {
+            text += line + "\n";
+        }
+        return text;
+    }
+
+    const std::string one_run_ = "file 0 S.c 2 4\n3 4\n";
+    Findings findings_;
+    int dumps_ = 0;
+};
+
+} // namespace
+
+TEST_F(ProjectDataTest, RunsOfTheLastBuildAddUpAndAnUncalledModuleCountsAsZero)
+{
+    EXPECT_EQ(counts(), "0 0 ");
+    EXPECT_NE(said("runs").find("no run of this project"), std::string::npos);
+    add_dump(dir + "/liba/codemeasure", "Q1", one_run_);
+    add_dump("liba/codemeasure", "Q1", one_run_); // the project's path may be relative
+    EXPECT_EQ(counts(), "6 8 ");
+    EXPECT_FALSE(findings_.has_problems());
+}
+
+TEST_F(ProjectDataTest, AnObjectOfTwoModulesIsOneAndAnotherObjectOfTheSourceIsAdded)
+{
+    add_module("libb", "S");
+    add_module("libc", "OTHER");
+    add_dump(dir + "/liba/codemeasure", "Q1", one_run_);
+    add_dump(dir + "/libb/codemeasure", "Q1", one_run_);
+    add_dump(dir + "/libc/codemeasure", "Q1", "file 0 OTHER.c 2 4\n10 0\n");
+    EXPECT_EQ(counts(), "16 8 ");
+}
+
+TEST_F(ProjectDataTest, DumpsThatDoNotFitAreLeftOutWithAReason)
+{
+    const std::string area = dir + "/liba/codemeasure";
+    const struct {
+        std::string area, buid, files;
+        const char* kind;
+        const char* says;
+    } cases[] = {
+        {area, "Q2", one_run_, "refused dumps", "of build Q2, '/out' is of build Q1"},
+        {dir + "/gone/codemeasure", "Q1", one_run_, "dumps of modules that are gone", "no module"},
+        {area, "Q1", "file 0 NEW.c 2 4\n3 4\n", "sources without records", "'NEW'"},
+        {area, "Q1", "file 0 S.c 3 4\n3 4 5\n", "damaged dumps", "3 probes"},
+        {area, "Q1", one_run_ + one_run_, "damaged dumps", "twice"},
+        {area, "Q1", "file 0 S.c 2 4\n3\n", "damaged dumps", ".lltcov:6: there are not 2"},
+    };
+    for (const auto& bad : cases) {
+        std::filesystem::remove_all(dir + "/runs");
+        add_dump(area, "Q1", one_run_);
+        add_dump(bad.area, bad.buid, bad.files);
+        EXPECT_EQ(counts(), "3 4 ") << bad.says;
+        EXPECT_TRUE(findings_.has_problems());
+        EXPECT_NE(said(bad.kind).find(bad.says), std::string::npos) << said(bad.kind);
+    }
+}
+
+TEST_F(ProjectDataTest, DumpsOfOtherProjectsAndFilesThatAreBeingWrittenAreNotLookedAt)
+{
+    add_dump("/elsewhere/liba/codemeasure", "Q7", one_run_);
+    write_file(dir + "/runs/.liba.1.tmp", "x");
+    EXPECT_EQ(counts(), "0 0 ");
+    EXPECT_FALSE(findings_.has_problems());
+    EXPECT_NE(said("runs").find("other projects there: 1)"), std::string::npos);
+}
+
+TEST_F(ProjectDataTest, LinesOfATextThatHasChangedAreNotShown)
+{
+    add_dump(dir + "/liba/codemeasure", "Q1", one_run_);
+    set_time(dir + "/a.c", COMPILED + 9);
+    EXPECT_EQ(counts(), "- 4 ");
+    EXPECT_NE(said("changed sources").find("/a.c' has changed since"), std::string::npos);
+    set_time(dir + "/a.c", COMPILED);
+    set_time(dir + "/h.h", COMPILED + 9);
+    EXPECT_EQ(counts(), "3 - ");
+    set_time(dir + "/h.h", COMPILED);
+    write_file(dir + "/a.c", "123456");
+    set_time(dir + "/a.c", COMPILED);
+    EXPECT_EQ(counts(), "- 4 ");
+    std::filesystem::remove(dir + "/a.c");
+    EXPECT_EQ(counts(), "- 4 ");
+    EXPECT_NE(said("sources that are gone").find("/a.c' is gone"), std::string::npos);
+
+    // Touched and compiled again with the same result: the driver's newer record counts.
+    write_file(dir + "/a.c", "123456");
+    set_time(dir + "/a.c", COMPILED);
+    std::filesystem::create_directories(dir + "/LLTTEMP/codemeasure/db/dbS");
+    write_file(dir + "/LLTTEMP/codemeasure/db/dbS/.tab", record(0, "S", 6));
+    EXPECT_EQ(counts(), "3 4 ");
+}
+
+TEST_F(ProjectDataTest, DamagedRecordsAreNamed)
+{
+    const std::string area = dir + "/liba/codemeasure";
+    const std::pair<std::string, std::string> cases[] = {
+        {"/db/db0/probes.txt", "lltprobes 1\nsource /a.c\nprobe 2 1 f /a.c\n"},
+        {"/db/db0/.tab", record(0, "ANOTHER", 5)}, // a copy of another source's records
+        {"/db/.tab", record(0, "S", 0).substr(1)},
+        {"/db/.tab", ""},
+        {"/.prj", "[project]\n"},
+    };
+    for (const auto& [file, text] : cases) {
+        const std::string whole = read_file(area + file);
+        write_file(area + file, text);
+        EXPECT_EQ(counts(), "- - ") << file;
+        EXPECT_NE(said("damaged records").find("build it again"), std::string::npos) << file;
+        write_file(area + file, whole);
+    }
+    EXPECT_EQ(counts(), "0 0 ");
+}
+
+TEST(SystemHeader, IsWhatCompilersAndPackagesBring)
+{
+    for (const char* path : {"/usr/include/stdio.h", "/usr/lib/gcc/x86_64-linux-gnu/12/include/a.h",
+                             "/usr/local/include/b.h", "/usr/include/c++/12/vector"}) {
+        EXPECT_TRUE(is_system_header(path)) << path;
+    }
+    for (const char* path : {"/home/usr/include/a.h", "/usr/src/p/include/a.h", "/usr/a.c"}) {
+        EXPECT_FALSE(is_system_header(path)) << path;
+    }
+}
