@@ -23,11 +23,12 @@ void print_info(const char* format, ...) __attribute__((format(printf, 1, 2)));
 /// The same between "\033[0;32;31mTUSK_FATAL:" and "\033[m" (red), then flushes both streams.
 void print_fatal(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-/// The name that `warn` begins its lines with; "lltwrapper" until it is set. The text is not copied.
+/// The name that `warn` begins its lines with; "lltwrapper" until it is set. The text is not
+/// copied.
 void set_warning_name(const char* program);
 
-/// Prints the program's name, ": ", the formatted text and a line end on standard error, as one write.
-/// For what the build engineer should know: what, where, what to do.
+/// Prints the program's name, ": ", the formatted text and a line end on standard error, as one
+/// write. For what the build engineer should know: what, where, what to do.
 void warn(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 /// Flushes standard output and standard error; a write error is ignored, since messages never

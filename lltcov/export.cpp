@@ -73,6 +73,10 @@ int run_export(const Arguments& arguments)
     const Format& format = chosen_format(line);
     Findings findings;
     const ProjectData data = read_project_data(line, findings);
+    if (data.modules.empty()) {
+        findings.print();
+        return 1;
+    }
     const auto headers =
         line.has("--include-system") ? SystemHeaders::shown : SystemHeaders::left_out;
     CoverageMaker maker(data, headers, findings);

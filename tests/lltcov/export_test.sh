@@ -1,0 +1,160 @@
+#!/bin/sh
+# usage: export_test.sh TOOLS_DIRECTORY TUSK_INIT.SH
+# A library and a program built through the wrapper and the tool set, run, exported; then what
+# happens to a project while it is worked on: edits, rebuilds, renamed and removed modules.
+set -u
+PATH=$1:$PATH init=$2 failures=0 cases=0
+work=$(cd "$(mktemp -d)" && pwd -P)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 2
+export qmr_current_prj_path="$work" LC_ALL=C
+unset lltcovRootpath LLTCOV_ROOT LLT_PROJECT PRODUCT_VERSION
+# shellcheck source=/dev/null
+. "$init"
+
+# expect WHAT EXPECTED ACTUAL
+expect() {
+    cases=$((cases + 1))
+    [ "$2" = "$3" ] && return
+    failures=$((failures + 1))
+    printf 'FAILED %s\nexpected: %s\nactual:   %s\n' "$1" "$2" "$3"
+}
+
+# expect_export WHAT STATUS SUMMARY [PATTERN]: the end of the closing line, and what else is said
+expect_export() {
+    lltcov export --lcov -o report.info 2> said
+    expect "$1: status" "$2" $?
+    expect "$1: summary" "$3" "$(sed -n '$s/.*report.info: //p' said)"
+    [ -z "${4-}" ] || grep -q "$4" said || expect "$1: said" "$4" "$(cat said)"
+}
+
+cat > lib.c <<'C'
+int twice(int x)
+{
+    if (x > 100)
+        return 0;
+    return 2 * x;
+}
+int never(int x)
+{
+    return x;
+}
+C
+cat > main.c <<'C'
+int twice(int);
+int main(int argc, char **argv)
+{
+    int sum = argv == 0;
+    for (int i = 0; i < argc; ++i)
+        sum += twice(i);
+    return sum > 100;
+}
+C
+build() {
+    for source in lib main; do
+        lltwrapper gcc -g -O0 -c $source.c -o $source.o || return
+    done
+    rm -f liblib.a
+    lltwrapper -artool ar -arsuffix .a ar rcs liblib.a lib.o || return
+    lltwrapper gcc main.o liblib.a -o prog
+}
+rebuild() {
+    sleep 1 # a build id has a resolution of one second
+    build > build.log 2>&1 || { cat build.log; exit 1; }
+}
+
+build > build.log 2>&1 || { cat build.log; exit 1; }
+expect_export 'before any run' 0 '0 of 11 lines hit (0.0 %), 0 of 3 functions, in 2 sources' \
+    'no run of this project'
+./prog
+./prog 1 2
+expect_export 'two runs' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, in 2 sources'
+expect 'tracefile' "$(sed "s|@|$work|" <<'INFO'
+TN:
+SF:@/lib.c
+FN:7,never
+FN:1,twice
+FNDA:0,never
+FNDA:4,twice
+FNF:2
+FNH:1
+DA:1,4
+DA:3,4
+DA:4,0
+DA:5,4
+DA:7,0
+DA:9,0
+LF:6
+LH:3
+end_of_record
+TN:
+SF:@/main.c
+FN:2,main
+FNDA:2,main
+FNF:1
+FNH:1
+DA:2,2
+DA:4,2
+DA:5,6
+DA:6,4
+DA:7,2
+LF:5
+LH:5
+end_of_record
+INFO
+)" "$(cat report.info)"
+if command -v genhtml > /dev/null; then
+    expect 'genhtml has nothing to say' 0 "$(genhtml -q -o html report.info 2>&1 | wc -l)"
+fi
+if command -v xmllint > /dev/null; then
+    lltcov export --cobertura > report.xml
+    expect 'classes' 'lib.cmain.c' \
+        "$(xmllint --nonet --xpath 'string(//class[1]/@filename)' report.xml)$(
+            xmllint --nonet --xpath 'string(//class[2]/@filename)' report.xml)"
+fi
+expect 'status' 'liblib 1 1 3/6 50.0 1/2 50.0 2 liblib.a
+prog_exe 1 1 5/5 100.0 1/1 100.0 2 prog
+total 2 2 8/11 72.7 2/3 66.7 4' \
+    "$(lltcov status | sed '1d; s/  */ /g; s/ [0-9-]* [0-9][0-9]:[0-9:]*//')"
+expect 'total in JSON' '"total": {"sources": 2, "symbols": 2, "lines": {"hit": 8, "total": 11},' \
+    "$(lltcov status --json | sed -n 's/ "functions".*//; /"total": {"s/p')"
+
+rebuild
+expect_export 'built again, nothing run' 1 \
+    '0 of 11 lines hit (0.0 %), 0 of 3 functions, in 2 sources' \
+    '2 dumps of liblib are of build .*: not counted .*lltcov clean, then run'
+rm llt_result/*
+./prog
+expect_export 'and run' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, in 2 sources'
+
+sed -i '1i\/* edited */' lib.c
+expect_export 'edited, not built' 1 '5 of 5 lines hit (100.0 %), 1 of 1 functions, in 1 sources' \
+    "lib.c' has changed since"
+rebuild
+rm llt_result/*
+./prog
+expect_export 'edited and built' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, in 2 sources'
+expect 'lines of the new text' 'DA:2,1 DA:4,1 DA:5,0 DA:6,1 DA:8,0 DA:10,0' \
+    "$(grep DA: report.info | grep -v FN | head -6 | paste -sd ' ')"
+
+rm -r prog_exe
+expect_export 'module removed' 1 '3 of 6 lines hit (50.0 %), 1 of 2 functions, in 1 sources' \
+    'where no module is left'
+rm llt_result/*
+head -c 300 build.log > llt_result/liblib.1.0.lltcov
+expect_export 'damaged dump' 1 '0 of 6 lines hit (0.0 %), 0 of 2 functions, in 1 sources' \
+    'liblib.1.0.lltcov:1: this is no dump file'
+
+for call in 'export' 'export --lcov --json' 'export --lcov extra' 'export --nonsense' \
+    'status extra' 'export --lcov --project /nonexistent'; do
+    # shellcheck disable=SC2086
+    lltcov $call > out 2> said
+    expect "lltcov $call" 2 $?
+done
+mkdir empty
+lltcov export --lcov --project empty -o none.info 2> said
+expect 'a project without modules' '1 holds no module' "$? $(grep -o 'holds no module' said)"
+expect 'and no report of it' '' "$(ls none.info 2> /dev/null)"
+
+echo "$cases cases, $failures failed"
+[ "$failures" -eq 0 ]
