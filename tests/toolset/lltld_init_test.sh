@@ -5,7 +5,7 @@ set -u
 init=$1 passed=0 failed=0
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-for shell in sh dash bash ksh zsh 'busybox sh'; do
+for shell in sh dash bash ksh mksh zsh 'zsh --emulate sh' 'busybox sh'; do
     command -v "${shell%% *}" > /dev/null || continue
     while IFS='|' read -r before expected; do
         rm -rf "$work/p"
@@ -13,9 +13,9 @@ for shell in sh dash bash ksh zsh 'busybox sh'; do
         # shellcheck disable=SC2086
         actual=$(cd "$work/p" && env -i PATH="$PATH" $shell -euc "set -- one 'two three'
             $before
-            . '$init'; first=\$(env | sort); cd sub; . '$init'
-            [ \"\$first\" = \"\$(env | sort | sed \"s|^PWD=.*|PWD=$work/p|; /^OLDPWD=/d\")\" ] ||
-                echo changed
+            settings() { env | sort | sed '/^PWD=/d; /^OLDPWD=/d; /^_=/d'; }
+            . '$init'; first=\$(settings); cd sub; . '$init'
+            [ \"\$first\" = \"\$(settings)\" ] || echo changed
             [ \"\$*\" = 'one two three' ] || echo arguments
             [ -d \"\$lltcovRootpath\" ] && [ -d $work/p/LLTTEMP/codemeasure/obj/after ] || echo missing
             echo \$qmr_current_prj_path \$lltcovRootpath \$TimerPolicy" 2>&1)
