@@ -46,6 +46,8 @@ mkdir sub twin raw conv
 wrapped_ar rcs conv/libconv.a beta.o other.o
 wrapped_ar rcs twin/libbeta.a main.o
 ar rcs raw/libraw.a beta.o other.o
+ar rcsT raw/thin.a beta.o other.o
+echo '/* -lno */ GROUP ( AS_NEEDED ( -lm ) raw/libraw.a )' > raw/libscript.so
 echo 'main.o -o "rsp" beta.o' > words.rsp
 
 # What a link gives: NAME | dump of the module for main | the same for beta | COMMAND
@@ -71,6 +73,9 @@ whole|1 0|1*3 0*37|gcc -o whole main.o -Wl,--whole-archive libbeta.a -Wl,--no-wh
 library||1*3 0*37|gcc plain.o libbeta.a -o library
 shared|1 0|1*3 0*37|gcc main.o beta.o conv/libconv.a -o shared
 rawlib||1*3 0*37|gcc plain.o -o rawlib raw/libraw.a
+thin||1*3 0*37|gcc plain.o -o thin raw/thin.a
+script||1*3 0*37|gcc plain.o -o script -Lraw -lscript
+language||1*3 0*37|gcc -DHIT\(i\)= -x c plain.c -o language -L. -lbeta
 rsp|1 0|1*3 0*37|gcc @words.rsp -Wl,-E -Wl,-S
 wl|1 0|1*3 0*37|gcc -o wl main.o -Wl,beta.o
 xlinker|1 0|1*3 0*37|gcc -o xlinker main.o -Xlinker beta.o
@@ -90,6 +95,8 @@ check_row uses_so "1 0" "1*3 0*37" "gcc main.o -Lsub -lbeta '-Wl,-rpath,\$ORIGIN
 rm -rf llt_result
 gcc plain.o -Lsub -lbeta "-Wl,-rpath,$PWD/sub" -o plain_uses_so && ./plain_uses_so
 expect "a plain program reports the library's counts" "1*3 0*37" "$(counts libbeta_so beta)"
+check_row two_forms "" "1*3 0*37" "gcc plain.o -Lsub -L. -lbeta -Wl,-rpath,sub -o two_forms"
+expect "a library of both forms is the shared one" "no" "$([ -d two_forms_exe ] && echo yes || echo no)"
 expect "work areas of one stem" "libbeta libbeta_so" "$(echo libbeta libbeta_so/codemeasure/..* | sed 's|/.*||')"
 
 # ld itself, as a compiler driver would call it
@@ -120,6 +127,18 @@ rm -rf llt_result
 sub/same && twin/same
 expect "programs of one name" "1 0 1 0" "$(counts same_exe main) $(counts same_exe_2 main)"
 
+# a destructor of a library that runs behind the library's stub and the program's runtime
+source_of bye <<'C'
+__attribute__((destructor)) static void bye(void) { HIT(1); }
+int beta(int x) { HIT(0); return x; }
+C
+instrumented bye 2
+printf 'gcc -fPIC' > "$area/db/dbbye/CompileCmd.txt"
+wrapped_ar rcs libbye.a bye.o
+link libgone gcc -shared other.o libbye.a -Wl,-u,beta -o libgone.so
+check_row goes "1 0" "" "gcc main.o ./libgone.so -o goes"
+expect "late destructors count" "1*2" "$(counts libbye bye)"
+
 # exec ends a program without destructors
 source_of execs <<'C'
 #include <unistd.h>
@@ -144,6 +163,11 @@ printf 'gcc -fno-such-option' > "${area:?}/db/dbmain/CompileCmd.txt"
 link no_stub gcc main.o beta.o -o no_stub
 expect "a stub that does not compile" "no coverage" "$(grep -o 'no coverage' link.err)"
 printf 'gcc -g' > "$area/db/dbmain/CompileCmd.txt"
+
+qmr_current_prj_path='' "$DRIVER" -qmr_current_prj_path -projectname lost \
+    -qmr_coverage_stub_mold 1 gcc plain.o beta.o -o lost > link.out 2> link.err
+expect "no project: the linker's status" 1 $?
+expect "no project: says so" 1 "$(grep -c 'project is not known' link.err)"
 
 mv "$area/db/dbbeta" gone
 link gone gcc main.o beta.o -o gone_program
@@ -192,5 +216,9 @@ sed -i '1s/sh/bash/' bin/lltcc
 chmod +x bin/lltcc
 check_row compiled "" "1*3 0*37" "gcc plain.o -O1 beta.c -DHIT\(i\)= -o compiled -lm"
 expect "its call" "gcc -O1 -DHIT(i)= -c beta.c" "$(sed 's/ -o .*//' lltcc.log)"
+rm lltcc.log
+check_row deps "" "1*3 0*37" "gcc plain.o -MMD ./other.o beta.c -DHIT\(i\)= -o ./deps"
+expect "dependencies" "gcc -MMD -DHIT(i)= -MF ./deps.d -MQ ./deps -c beta.c" \
+    "$(sed 's/ -o .*//' lltcc.log)"
 check_row fallen_back "" "1*3 0*37" "gcc -DHIT\(i\)= plain.c libbeta.a -o fallen_back"
 finish

@@ -3,13 +3,11 @@
 #include "examples/toolset/lltld/link_command.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "commonfunc/response_file.h"
+#include "examples/toolset/lltld/link_file.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <initializer_list>
-#include <sys/stat.h>
 
 namespace
 {
@@ -26,6 +24,16 @@ struct Argument {
 };
 
 using Arguments = std::vector<Argument>;
+
+/// What is looked for once all directories are known: a library, or a file of a linker script.
+struct Wanted {
+    std::string name; ///< what stands behind "-l", or a path
+    std::size_t position;
+    bool is_static; ///< no shared library will do
+    bool is_path;
+};
+/// Scripts may name scripts; a ring of them ends here.
+constexpr std::size_t MAX_WANTED = 10000;
 
 bool is_one_of(const std::string& text, std::initializer_list<const char*> list)
 {
@@ -90,8 +98,14 @@ public:
         for (m_at = 0; m_at < arguments.size(); ++m_at) {
             read_argument(arguments);
         }
-        for (const Argument& library : m_libraries) {
-            add_library(library);
+        if (m_link.output.empty()) {
+            m_link.output = "a.out";
+            m_link.leaves_side_files = m_link.leaves_side_files || m_link.writes_dependencies;
+        }
+        strsplit_v(env_text("LIBRARY_PATH").c_str(), ':', m_directories);
+        m_directories.emplace_back("/usr/local/lib"); // where `make install` puts libraries
+        for (std::size_t i = 0; i < m_wanted.size() && i < MAX_WANTED; ++i) {
+            find(Wanted(m_wanted[i]));
         }
     }
 
@@ -120,10 +134,16 @@ private:
             note_library(text.substr(0, 2), text.substr(2), argument);
             m_link.link_only.push_back(argument.position);
         } else if (is_one_of(text, {"-u", "-T", "-z", "-Map", "-h", "-soname", "-rpath"})) {
+            if (text == "-T") {
+                m_wanted.push_back({value, argument.position, false, true});
+            }
             skip_value(argument);
         } else if (is_one_of(text, {"-x", "-include", "-isystem", "-iquote", "-idirafter",
                                     "-imacros", "-I", "-D", "-U", "--param", "-target"})) {
             m_link.leaves_side_files = m_link.leaves_side_files || text == "-x";
+            ++m_at;
+        } else if (is_one_of(text, {"-MF", "-MT", "-MQ"})) {
+            (text == "-MF" ? m_link.names_dependency_file : m_link.names_dependent) = true;
             ++m_at;
         } else {
             read_flag(text, argument.for_linker || m_link.is_linker || follows_xlinker(argument));
@@ -139,13 +159,21 @@ private:
     {
         if (is_one_of(text, {"-r", "--relocatable", "-Ur"}) || (text == "-i" && for_linker)) {
             m_link.is_relocatable = true;
+        } else if (!for_linker && is_one_of(text, {"-static", "-static-pie"})) {
+            m_is_all_static = true;
+        } else if (is_one_of(text, {"-static", "-Bstatic", "-dn", "-non_shared"})) {
+            m_is_static = true;
+        } else if (is_one_of(text, {"-Bdynamic", "-dy", "-call_shared", "--pop-state"})) {
+            m_is_static = false;
         } else if (for_linker) {
             return;
         } else if (is_one_of(text, {"-c", "-S", "-E", "-M", "-MM", "-fsyntax-only", "-###"})) {
             m_link.links = false;
-        } else if (begins_with(text, "-M") || begins_with(text, "-save-temps") ||
-                   begins_with(text, "-dump") || begins_with(text, "-fdump") ||
-                   begins_with(text, "--coverage") || begins_with(text, "-gsplit-dwarf")) {
+        } else if (is_one_of(text, {"-MD", "-MMD"})) {
+            m_link.writes_dependencies = true;
+        } else if (begins_with(text, "-save-temps") || begins_with(text, "-dump") ||
+                   begins_with(text, "-fdump") || begins_with(text, "--coverage") ||
+                   begins_with(text, "-gsplit-dwarf")) {
             m_link.leaves_side_files = true;
         }
     }
@@ -162,7 +190,7 @@ private:
         if (option == "-L") {
             m_directories.push_back(value);
         } else {
-            m_libraries.push_back({value, argument.position, false, false});
+            m_wanted.push_back({value, argument.position, m_is_static, false});
         }
     }
 
@@ -174,71 +202,66 @@ private:
             input.is_word = false;
             m_link.link_only.push_back(argument.position);
         }
-        const FileKind kind = kind_of(input.path);
-        if (kind == FileKind::object) {
-            m_link.objects.push_back(input);
-        } else if (kind == FileKind::archive) {
-            m_link.archives.push_back(input);
-        } else if (!m_link.is_linker && is_source(input.path)) {
+        if (!m_link.is_linker && is_source(input.path)) {
             m_link.sources.push_back(input);
-            return;
-        } else {
-            return;
+        } else if (add_input(input)) {
+            m_link.link_only.push_back(argument.position);
         }
-        m_link.link_only.push_back(argument.position);
     }
 
-    /// The static library that "-l" may mean; libraries of the system are not looked for.
-    void add_library(const Argument& library)
+    /// False when the path names nothing that a linker reads.
+    bool add_input(const LinkInput& input)
     {
-        const std::string& name = library.text;
-        const std::string file = name[0] == ':' ? name.substr(1) : "lib" + name + ".a";
-        std::vector<std::string> directories = m_directories;
-        strsplit_v(env_text("LIBRARY_PATH").c_str(), ':', directories);
-        for (const std::string& directory : directories) {
-            const std::string path = directory + "/" + file;
-            if (!directory.empty() && kind_of(path) == FileKind::archive) {
-                m_link.archives.push_back({path, library.position, false});
-                return;
+        std::string text;
+        switch (kind_of(input.path)) {
+        case FileKind::object:
+            m_link.objects.push_back(input);
+            return true;
+        case FileKind::archive:
+            m_link.archives.push_back(input);
+            return true;
+        case FileKind::text:
+            read_whole_file(input.path, text);
+            for (const std::string& word : inputs_of_script(text)) {
+                const bool is_path = !begins_with(word, "-l");
+                m_wanted.push_back(
+                    {word.substr(is_path ? 0 : 2), input.position, m_is_static, is_path});
             }
+            return true;
+        case FileKind::image:
+            return true;
+        case FileKind::missing:
+            break;
+        }
+        return false;
+    }
+
+    /// Libraries in the other directories of the system are not looked for.
+    void find(const Wanted& wanted)
+    {
+        if (wanted.name.empty()) {
+            return;
+        }
+        if (!wanted.is_path) {
+            const bool is_static = wanted.is_static || m_is_all_static;
+            add_input(
+                {find_library(wanted.name, is_static, m_directories), wanted.position, false});
+        } else if (!add_input({wanted.name, wanted.position, false})) {
+            add_input(
+                {find_library(":" + wanted.name, false, m_directories), wanted.position, false});
         }
     }
 
     LinkCommand& m_link;
     std::size_t m_at = 0;
     std::size_t m_behind_xlinker = static_cast<std::size_t>(-2);
+    bool m_is_all_static = false; ///< "-static" of a compiler driver, wherever it stands
+    bool m_is_static = false;     ///< "-Bstatic", until the next "-Bdynamic"
     std::vector<std::string> m_directories;
-    Arguments m_libraries;
+    std::vector<Wanted> m_wanted;
 };
 
 } // namespace
-
-FileKind kind_of(const std::string& path)
-{
-    struct stat status = {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return FileKind::missing;
-    }
-    std::FILE* const file = std::fopen(path.c_str(), "rbe");
-    unsigned char start[18] = {};
-    const std::size_t length = file != nullptr ? std::fread(start, 1, sizeof start, file) : 0;
-    if (file != nullptr) {
-        std::fclose(file);
-    }
-    if (std::memcmp(start, "!<arch>\n", 8) == 0 || std::memcmp(start, "!<thin>\n", 8) == 0) {
-        return FileKind::archive;
-    }
-    // The type is 1 for a relocatable object, in the byte order that byte 5 names.
-    const bool is_elf_object = length == sizeof start &&
-                               std::memcmp(start,
-                                           "\x7f"
-                                           "ELF",
-                                           4) == 0 &&
-                               start[start[5] == 2 ? 17 : 16] == 1 &&
-                               start[start[5] == 2 ? 16 : 17] == 0;
-    const bool is_bitcode = std::memcmp(start, "BC\xC0\xDE", 4) == 0;
-    return is_elf_object || is_bitcode ? FileKind::object : FileKind::other;
-}
 
 LinkCommand read_link_command(std::vector<std::string> words)
 {

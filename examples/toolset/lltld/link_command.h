@@ -5,11 +5,6 @@
 #include <string>
 #include <vector>
 
-/// What a file is, by its first bytes.
-enum class FileKind { missing, object, archive, other };
-
-FileKind kind_of(const std::string& path);
-
 /// One input of a link.
 struct LinkInput {
     std::string path;
@@ -19,15 +14,18 @@ struct LinkInput {
 
 /// A link command, as its tool would read it.
 struct LinkCommand {
-    std::vector<std::string> words;  ///< the command itself, the tool first
-    bool is_linker = false;          ///< the tool is a linker, not a compiler driver
-    bool links = true;               ///< false for "-c", "-E" and the like
-    bool is_relocatable = false;     ///< "-r": the result is an object again
-    bool leaves_side_files = false;  ///< options like "-MD", whose files are named after the output
-    std::string output = "a.out";    ///< value of the last "-o"
-    std::vector<LinkInput> objects;  ///< relocatable objects
-    std::vector<LinkInput> archives; ///< static libraries, those named by "-l" too
-    std::vector<LinkInput> sources;  ///< C and C++ sources to be compiled on the way
+    std::vector<std::string> words;   ///< the command itself, the tool first
+    bool is_linker = false;           ///< the tool is a linker, not a compiler driver
+    bool links = true;                ///< false for "-c", "-E" and the like
+    bool is_relocatable = false;      ///< "-r": the result is an object again
+    bool leaves_side_files = false;   ///< "-save-temps" and the like: files named after the output
+    bool writes_dependencies = false; ///< "-MD", "-MMD"
+    bool names_dependency_file = false; ///< "-MF"
+    bool names_dependent = false;       ///< "-MT", "-MQ"
+    std::string output;                 ///< value of the last "-o"; "a.out" when there is none
+    std::vector<LinkInput> objects;     ///< relocatable objects
+    std::vector<LinkInput> archives;    ///< static libraries, those named by "-l" too
+    std::vector<LinkInput> sources;     ///< C and C++ sources to be compiled on the way
     std::vector<std::size_t> link_only; ///< words that mean nothing to a compilation
 };
 

@@ -5,7 +5,8 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "examples/toolset/common/process.h"
-#include "examples/toolset/lltld/archive_stubs.h"
+#include "examples/toolset/lltld/link_coverage.h"
+#include "examples/toolset/lltld/link_file.h"
 #include "examples/toolset/lltld/module_stub.h"
 #include "examples/toolset/lltld/source_step.h"
 #include "lltld/counter_mode.h"
@@ -18,14 +19,6 @@ namespace
 
 /// Set for everything that is run from here: the tool may call a wrapped linker itself.
 constexpr char GUARD[] = "LLTLD_RUNS";
-
-/// What the inputs of a link bring along.
-struct Coverage {
-    std::vector<ScannedObject> objects; ///< what the link's own stub has to register
-    std::set<std::string> modules;      ///< stubs in static libraries
-    bool has_twins = false;             ///< two libraries define the same array or stub
-    std::size_t first = static_cast<std::size_t>(-1); ///< word of the first input concerned
-};
 
 DriverOptions take_options(int argc, char** argv)
 {
@@ -51,49 +44,6 @@ DriverOptions take_options(int argc, char** argv)
     return options;
 }
 
-Coverage find_coverage(const LinkCommand& link)
-{
-    Coverage coverage;
-    const auto add = [&](const LinkInput& input, ScannedObject&& object) {
-        coverage.first = std::min(coverage.first, input.position);
-        if (!object.symbols.empty()) {
-            coverage.objects.push_back(std::move(object));
-        }
-    };
-    for (const LinkInput& input : link.objects) {
-        ScannedObject object;
-        if (scan_object(absolute_path(input.path), object) && !object.symbols.empty()) {
-            add(input, std::move(object));
-        }
-    }
-    std::set<std::string> arrays;
-    std::set<std::string> seen;
-    ScannedObject registered;
-    for (const LinkInput& input : link.archives) {
-        if (!seen.insert(absolute_path(input.path)).second) {
-            continue;
-        }
-        ArchiveCoverage archive = read_archive(input.path);
-        coverage.has_twins = coverage.has_twins || archive.has_twins;
-        for (const std::string& module : archive.modules) {
-            coverage.has_twins = !coverage.modules.insert(module).second || coverage.has_twins;
-        }
-        for (const std::string& array : archive.arrays) {
-            coverage.has_twins = !arrays.insert(array).second || coverage.has_twins;
-            add_symbol(registered, array);
-        }
-        if (!archive.modules.empty() || !archive.unregistered.symbols.empty()) {
-            add(input, std::move(archive.unregistered));
-        }
-    }
-    if (coverage.has_twins) {
-        // Only one of two equal stubs will run. The runtime counts no array twice.
-        registered.path = link.output;
-        coverage.objects.push_back(std::move(registered));
-    }
-    return coverage;
-}
-
 /// The static runtime: `LLTCOV_RUNTIME` (the file or its directory), or beside the program, as it
 /// is installed or in a build tree. Empty when it is not found.
 std::string find_runtime()
@@ -117,9 +67,18 @@ std::string linker_option(const LinkCommand& link, const std::string& option)
     return (link.is_linker ? "" : "-Wl,") + option;
 }
 
+/// An input of the linker, whatever language a compiler driver was told to expect ("-x").
+void add_input(const LinkCommand& link, const std::string& path, Words& words)
+{
+    if (!link.is_linker) {
+        words.emplace_back("-Xlinker");
+    }
+    words.push_back(path);
+}
+
 /// The words go before the first input with coverage: there the tool certainly reads inputs, the
 /// libraries that they need come later, and the stub's destructor is one of the last to run.
-Words with_words(const LinkCommand& link, const Coverage& coverage, const Words& added)
+Words with_words(const LinkCommand& link, const LinkCoverage& coverage, const Words& added)
 {
     Words words = link.words;
     const std::size_t at = std::min(coverage.first, words.size());
@@ -127,12 +86,12 @@ Words with_words(const LinkCommand& link, const Coverage& coverage, const Words&
     return words;
 }
 
-Words with_runtime(const LinkCommand& link, const Coverage& coverage, const std::string& stub,
+Words with_runtime(const LinkCommand& link, const LinkCoverage& coverage, const std::string& stub,
                    const std::string& runtime)
 {
     Words added;
     if (!stub.empty()) {
-        added.push_back(stub);
+        add_input(link, stub, added);
     }
     // Inputs behind the runtime need it too, so it is taken whether it is needed yet or not.
     added.insert(added.end(), {"-u", "QMR_CreateCoverageListExt", "-u", "__wrap_execv"});
@@ -147,15 +106,17 @@ Words with_runtime(const LinkCommand& link, const Coverage& coverage, const std:
          {"execl", "execlp", "execle", "execv", "execvp", "execve", "execvpe", "fexecve"}) {
         added.push_back(linker_option(link, std::string("--wrap=") + function));
     }
-    added.push_back(runtime);
+    add_input(link, runtime, added);
     return with_words(link, coverage, added);
 }
 
 /// Without coverage, but with everything that the inputs refer to.
-int link_plainly(const LinkCommand& link, const Coverage& coverage, const Streams& streams = {})
+int link_plainly(const LinkCommand& link, const LinkCoverage& coverage, const Streams& streams = {})
 {
     const std::string plain = make_plain_object(coverage.objects);
-    return plain.empty() ? 1 : run_program(with_words(link, coverage, {plain}), streams);
+    Words added;
+    add_input(link, plain, added);
+    return plain.empty() ? 1 : run_program(with_words(link, coverage, added), streams);
 }
 
 bool was_interrupted(int status)
@@ -163,8 +124,8 @@ bool was_interrupted(int status)
     return status > 128;
 }
 
-int link_with_coverage(const LinkCommand& link, const Coverage& coverage, const std::string& stub,
-                       const std::string& runtime)
+int link_with_coverage(const LinkCommand& link, const LinkCoverage& coverage,
+                       const std::string& stub, const std::string& runtime)
 {
     Words words = with_runtime(link, coverage, stub, runtime);
     const int status = run_program(words);
@@ -194,7 +155,7 @@ int link_with_coverage(const LinkCommand& link, const Coverage& coverage, const 
 }
 
 /// The link when no stub or runtime can be had.
-int link_without_coverage(const LinkCommand& link, const Coverage& coverage, bool has_area,
+int link_without_coverage(const LinkCommand& link, const LinkCoverage& coverage, bool has_area,
                           const char* reason)
 {
     if (has_area && link_plainly(link, coverage) == 0) {
@@ -207,7 +168,7 @@ int link_without_coverage(const LinkCommand& link, const Coverage& coverage, boo
     return run_program(link.words);
 }
 
-int link_module(const LinkCommand& link, const Coverage& coverage, const std::string& name)
+int link_module(const LinkCommand& link, const LinkCoverage& coverage, const std::string& name)
 {
     if (name.empty() || !choose_work_area(name, link.output, coverage.modules)) {
         return link_without_coverage(link, coverage, false, "its work area cannot be created");
@@ -244,21 +205,24 @@ int drive_link(int argc, char** argv)
     ::unsetenv("LLT_WRAP");
     LinkCommand link = read_link_command(options.words);
     if (is_nested || !link.links || link.is_relocatable) {
-        return run_program(options.words);
+        return become_program(options.words);
+    }
+    LinkCoverage coverage = find_coverage(link);
+    if (coverage.is_empty() && link.sources.empty()) {
+        return become_program(options.words);
     }
     if (!options.project.empty()) {
         ::setenv("qmr_current_prj_path", options.project.c_str(), 0);
         ::setenv("qmr_coverage_stub_mold", options.mode.c_str(), 0);
     }
-    if (link.sources.empty() && find_coverage(link).first >= link.words.size()) {
-        return run_program(options.words);
+    if (!load_settings()) {
+        return link_without_coverage(link, coverage, false,
+                                     "its project is not known, set qmr_current_prj_path");
     }
-    if (load_settings()) {
+    if (!link.sources.empty()) {
         link = compile_sources(options, link);
+        coverage = find_coverage(link);
     }
-    const Coverage coverage = find_coverage(link);
-    if (coverage.first >= link.words.size()) {
-        return run_program(options.words);
-    }
-    return link_module(link, coverage, options.name);
+    return coverage.is_empty() ? become_program(link.words)
+                               : link_module(link, coverage, options.name);
 }

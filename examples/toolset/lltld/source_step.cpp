@@ -49,6 +49,16 @@ std::vector<std::string> compilation_of(const DriverOptions& options, const Link
             words.push_back(link.words[i]);
         }
     }
+    // As the compilers do for "-MD -o DIR/NAME.SUFFIX" without these.
+    if (link.writes_dependencies && !link.names_dependency_file) {
+        const std::string name = base_name(link.output);
+        const std::string stem = name.substr(0, name.rfind('.'));
+        const std::string directory = link.output.substr(0, link.output.size() - name.size());
+        words.insert(words.end(), {"-MF", directory + stem + ".d"});
+    }
+    if (link.writes_dependencies && !link.names_dependent) {
+        words.insert(words.end(), {"-MQ", link.output});
+    }
     words.emplace_back("-c");
     return words;
 }

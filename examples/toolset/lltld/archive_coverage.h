@@ -1,4 +1,4 @@
-// What static libraries bring along: their registration stubs, and members that no stub registers.
+// What a static library brings along: its registration stubs, and members that no stub registers.
 #pragma once
 
 #include "lltld/object_scan.h"
@@ -9,12 +9,12 @@
 /// What one static library says.
 struct ArchiveCoverage {
     std::set<std::string> modules; ///< modules that it has stubs of
-    std::set<std::string> arrays;  ///< coverage symbols whose arrays it defines
+    std::set<std::string> arrays;  ///< coverage symbols whose arrays its stubs define
     bool has_twins = false;        ///< two of its stubs have the same name
-    ScannedObject unregistered;    ///< the coverage symbols of its members that it does not define
+    ScannedObject unregistered;    ///< the other coverage symbols of its members
 };
 
-/// Looks into the library; of a thin one only the index is read.
+/// Looks into the library, and into the files that a thin one names.
 ArchiveCoverage read_archive(const std::string& path);
 
 /// Adds a symbol of this name to an object that was not scanned.

@@ -1,0 +1,52 @@
+// Objects on the command line have no stub, unlike most static libraries, so the link registers
+// them. The same goes for what the stubs of libraries leave out: members that were archived without
+// the wrapper, or by more than one archive step.
+#include "examples/toolset/lltld/link_coverage.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "examples/toolset/lltld/archive_coverage.h"
+
+#include <algorithm>
+
+LinkCoverage find_coverage(const LinkCommand& link)
+{
+    LinkCoverage coverage;
+    const auto add = [&](const LinkInput& input, ScannedObject&& object) {
+        coverage.first = std::min(coverage.first, input.position);
+        if (!object.symbols.empty()) {
+            coverage.objects.push_back(std::move(object));
+        }
+    };
+    for (const LinkInput& input : link.objects) {
+        ScannedObject object;
+        if (scan_object(absolute_path(input.path), object) && !object.symbols.empty()) {
+            add(input, std::move(object));
+        }
+    }
+    std::set<std::string> arrays;
+    std::set<std::string> seen;
+    ScannedObject registered;
+    for (const LinkInput& input : link.archives) {
+        if (!seen.insert(absolute_path(input.path)).second) {
+            continue;
+        }
+        ArchiveCoverage archive = read_archive(input.path);
+        coverage.has_twins = coverage.has_twins || archive.has_twins;
+        for (const std::string& module : archive.modules) {
+            coverage.has_twins = !coverage.modules.insert(module).second || coverage.has_twins;
+        }
+        for (const std::string& array : archive.arrays) {
+            coverage.has_twins = !arrays.insert(array).second || coverage.has_twins;
+            add_symbol(registered, array);
+        }
+        if (!archive.modules.empty() || !archive.unregistered.symbols.empty()) {
+            add(input, std::move(archive.unregistered));
+        }
+    }
+    if (coverage.has_twins) {
+        // Only one of two equal stubs will run. The runtime counts no array twice.
+        registered.path = link.output;
+        coverage.objects.push_back(std::move(registered));
+    }
+    return coverage;
+}
