@@ -185,6 +185,9 @@ int main(int argc, char** argv)
         hit(6);
         usleep(1700000);
         _exit(0);
+    } else if (strcmp(how, "reopened") == 0) {
+        fclose(freopen("data", "w", stderr));
+        fopen("data", "w");
     } else if (strcmp(how, "closed") == 0) {
         close(0);
         close(1);

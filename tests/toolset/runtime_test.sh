@@ -106,8 +106,24 @@ expect "an absolute root" 1 "$(find root2 -name '*.lltcov' | wc -l)"
 ./static exit
 expect "beside the work area" 1 "$(find area/llt_result -name '*.lltcov' | wc -l)"
 touch file
-expect "a root that cannot be" "lltcov: coverage counts are lost, 1" \
-    "$(LLTCOV_ROOT=file/x ./static threads 2>&1 | sed 's/\(lost, \).*/\1/' | tr -d '\n')$(find file | wc -l)"
+lost() { # lost ROOT ARGUMENT...: what the program says, and its status
+    LLTCOV_ROOT=$1
+    shift
+    (export LLTCOV_ROOT; "$@" 2>&1 > /dev/null; echo $?) | sed 's/ no .*: / /; s/;.*//' | tr '\n' ,
+}
+expect "a root that cannot be" \
+    "lltcov: coverage counts are lost: the directory cannot be created (error 20),0," \
+    "$(lost file/x ./static threads)"
+expect "a root that is too long" \
+    "lltcov: coverage counts are lost: the path is too long (error 36),0," \
+    "$(lost "$(printf '%05000d' 0)" ./static exit)"
+expect "files that may not grow" \
+    "lltcov: coverage counts are lost: files may not grow so large (error 27),0," \
+    "$(ulimit -f 0; lost root ./static exit)"
+{ { sleep 0.1; LLTCOV_ROOT=file/x ./static exit; echo $? >&3; } 2>&1 | :; } 3> status
+expect "nobody listens" 0 "$(cat status)"
+LLTCOV_ROOT=file/x ./static reopened
+expect "a standard error that became data" "0 data" "$(wc -c data)"
 
 # the whole file, byte for byte
 rm -rf root
@@ -115,8 +131,11 @@ LLTCOV_ROOT=root ./static exit
 printf '%s\n' 'lltcov 1' 'module program-m' 'project a "b"' 'buid Q1' 'pid N' 'mode 1' \
     'area area/program/codemeasure' 'file 0 first.c 40 4' '1 0*39' 'file 1 second.c 3 4' '0*3' \
     end > expected
-sed 's/^pid [0-9]*$/pid N/' root/program-m.*.0.lltcov | cmp - expected
+sed 's/^pid [0-9]*$/pid N/' root/program-m.*.Q1.0.lltcov | cmp - expected
 expect "the file" 0 $?
 expect "nothing beside it" 1 "$(find root -type f | wc -l)"
+# shellcheck disable=SC2016
+LLTCOV_ROOT=root sh -c ': > root/.program-m.$$.Q1.0.tmp; exec ./static exit'
+expect "what a killed process left" 2 "$(cat root/*.lltcov | grep -c '^end$')"
 printf '%d passed, %d failed\n' "$passed" "$failed"
 exit $((failed > 0))

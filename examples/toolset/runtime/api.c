@@ -6,6 +6,7 @@
 #include "dump.h"
 #include "policy.h"
 #include "registry.h"
+#include "report.h"
 
 #include <errno.h>
 #include <pthread.h>
@@ -50,13 +51,12 @@ static void note_exit(void)
     is_exiting = 1;
 }
 
-/* The last destructor of the image that holds the runtime. */
+/* The last destructor of each image that was linked with the runtime, also where the copy of
+ * another image keeps its modules. */
 __attribute__((destructor(101))) static void finish(void)
 {
     policy_stop();
-    if (is_exiting) {
-        this_copy_dump();
-    }
+    copies_dump();
 }
 
 static void set_up(void)
@@ -65,6 +65,7 @@ static void set_up(void)
         is_set_up = 1;
         pthread_atfork(before_fork, after_fork_in_parent, after_fork_in_child);
         atexit(note_exit);
+        report_prepare();
     }
 }
 
@@ -107,7 +108,8 @@ static size_t parent_length(const char* path, size_t length)
 static void choose_root(char* out, const char* area)
 {
     static const char DEFAULT_NAME[] = "/llt_result";
-    const char* from_environment = getenv("LLTCOV_ROOT");
+    /* Not in a set-user-id program: its caller must not choose where it writes. */
+    const char* from_environment = secure_getenv("LLTCOV_ROOT");
     if (from_environment != NULL && from_environment[0] != '\0') {
         make_absolute(out, from_environment, strlen(from_environment));
         return;

@@ -8,10 +8,16 @@
  * not empty; else the root that the stub names; else "llt_result" beside the module's work area.
  * It is created when it is missing. What a dump file holds is written in FORMATS.md.
  *
+ * The runtime prints nothing and leaves exit statuses alone. Only when counts are lost, because no
+ * dump file can be written, one line of the process on standard error says so, and none if the
+ * program has put another file or connection there. A test that runs as another user, in another
+ * root directory or on another machine wants LLTCOV_ROOT=DIRECTORY that it can write.
+ *
  * What counts:
  *   - exit        dumped by the stub's destructor and once more, if counts have changed since,
  *                 behind the last destructor of the program
- *   - _exit, abort, a fatal signal   nothing is dumped: call lltcov_dump before, or use a policy
+ *   - _exit, quick_exit, abort, a fatal signal   nothing is dumped: call lltcov_dump before, or use
+ *                 a policy (the setting TimerPolicy or SignalPolicy)
  *   - fork        the parent's counts are dumped and the child begins at zero, so that no count is
  *                 reported twice and none is lost when either ends by _exit
  *   - vfork       the child shares the parent's counters, as it shares all its memory

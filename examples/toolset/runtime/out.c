@@ -1,8 +1,23 @@
 #include "out.h"
 
 #include <errno.h>
+#include <signal.h>
 #include <string.h>
+#include <time.h>
 #include <unistd.h>
+
+/* A write that fails may raise a signal that ends programs. All signals are blocked in here, so it
+ * waits: it is taken back, for the program has not written anything. */
+static void take_back(int number)
+{
+    const int saved = errno;
+    const struct timespec at_once = {0, 0};
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, number);
+    sigtimedwait(&set, NULL, &at_once);
+    errno = saved;
+}
 
 void out_flush(struct out* out)
 {
@@ -13,6 +28,7 @@ void out_flush(struct out* out)
             done += (size_t)written;
         } else if (written == 0 || errno != EINTR) {
             out->failed = 1;
+            take_back(errno == EFBIG ? SIGXFSZ : SIGPIPE);
         }
     }
     if (out->fd >= 0) {

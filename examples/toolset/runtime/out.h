@@ -19,7 +19,8 @@ void out_number(struct out* out, unsigned long long number);
 /* A name within a line: control characters become '?'. */
 void out_name(struct out* out, const char* name);
 
-/* Writes what waits; without effect for a bounded text. */
+/* Writes what waits; without effect for a bounded text. Signals must be blocked. errno tells why
+ * it failed. */
 void out_flush(struct out* out);
 
 /* Ends a bounded text with a NUL; 1 when the whole text fits, else 0. */

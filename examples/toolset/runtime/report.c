@@ -1,0 +1,68 @@
+/* A test's output is compared with what is expected, so the runtime is silent; but counts that are
+ * lost without a word would be reported as lines that did not run. */
+#include "report.h"
+
+#include "out.h"
+
+#include <errno.h>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+static struct stat at_start;
+static int is_known;
+
+void report_prepare(void)
+{
+    is_known = fstat(STDERR_FILENO, &at_start) == 0;
+}
+
+/* Empty for an unusual error. strerror is not safe in a signal handler. */
+static const char* reason_of(int error)
+{
+    switch (error) {
+    case EACCES:
+    case EPERM:
+        return "permission denied";
+    case EROFS:
+        return "the file system is read-only";
+    case ENOSPC:
+    case EDQUOT:
+        return "no space left";
+    case EFBIG:
+        return "files may not grow so large";
+    case EMFILE:
+    case ENFILE:
+        return "too many open files";
+    case ENOENT:
+    case ENOTDIR:
+        return "the directory cannot be created";
+    case ENAMETOOLONG:
+        return "the path is too long";
+    default:
+        return "";
+    }
+}
+
+void report_lost(const char* module, const char* root, int error)
+{
+    static int is_reported;
+    static char line[PATH_MAX + 500];
+    struct stat now;
+    if (is_reported || !is_known || fstat(STDERR_FILENO, &now) != 0 ||
+        now.st_dev != at_start.st_dev || now.st_ino != at_start.st_ino) {
+        return;
+    }
+    is_reported = 1;
+    struct out out = {line, sizeof line, 0, STDERR_FILENO, 0};
+    out_text(&out, "lltcov: coverage counts are lost: no dump file of ");
+    out_name(&out, module);
+    out_text(&out, " can be written in '");
+    out_name(&out, root);
+    out_text(&out, "': ");
+    out_text(&out, reason_of(error));
+    out_text(&out, " (error ");
+    out_number(&out, (unsigned long long)error);
+    out_text(&out, "); set LLTCOV_ROOT to a directory that the program can write\n");
+    out_flush(&out);
+}
