@@ -74,6 +74,7 @@ library||1*3 0*37|gcc plain.o libbeta.a -o library
 shared|1 0|1*3 0*37|gcc main.o beta.o conv/libconv.a -o shared
 rawlib||1*3 0*37|gcc plain.o -o rawlib raw/libraw.a
 thin||1*3 0*37|gcc plain.o -o thin raw/thin.a
+named_libc|1 0|1*3 0*37|gcc -nodefaultlibs main.o beta.o -o named_libc -lc
 script||1*3 0*37|gcc plain.o -o script -Lraw -lscript
 language||1*3 0*37|gcc -DHIT\(i\)= -x c plain.c -o language -L. -lbeta
 rsp|1 0|1*3 0*37|gcc @words.rsp -Wl,-E -Wl,-S
@@ -159,6 +160,8 @@ check_plain() {
 rm -rf llt_result
 LLTCOV_RUNTIME=/nowhere link no_runtime gcc main.o libbeta.a -o no_runtime
 check_plain "no runtime" no_runtime
+link libfree gcc -shared -nostdlib beta.o -o libfree.so && gcc plain.o ./libfree.so -o uses_free
+check_plain "no C library" uses_free
 printf 'gcc -fno-such-option' > "${area:?}/db/dbmain/CompileCmd.txt"
 link no_stub gcc main.o beta.o -o no_stub
 expect "a stub that does not compile" "no coverage" "$(grep -o 'no coverage' link.err)"

@@ -98,6 +98,7 @@ public:
         for (m_at = 0; m_at < arguments.size(); ++m_at) {
             read_argument(arguments);
         }
+        m_link.has_c_library = m_names_c_library || !(m_has_no_default || m_link.is_linker);
         if (m_link.output.empty()) {
             m_link.output = "a.out";
             m_link.leaves_side_files = m_link.leaves_side_files || m_link.writes_dependencies;
@@ -165,6 +166,8 @@ private:
             m_is_static = true;
         } else if (is_one_of(text, {"-Bdynamic", "-dy", "-call_shared", "--pop-state"})) {
             m_is_static = false;
+        } else if (is_one_of(text, {"-nostdlib", "-nodefaultlibs", "-nolibc"})) {
+            m_has_no_default = true;
         } else if (for_linker) {
             return;
         } else if (is_one_of(text, {"-c", "-S", "-E", "-M", "-MM", "-fsyntax-only", "-###"})) {
@@ -190,12 +193,16 @@ private:
         if (option == "-L") {
             m_directories.push_back(value);
         } else {
+            m_names_c_library = m_names_c_library || value == "c";
             m_wanted.push_back({value, argument.position, m_is_static, false});
         }
     }
 
     void add_file(const Argument& argument)
     {
+        const bool is_c_library =
+            is_one_of(base_name(argument.text), {"libc.a", "libc.so", "libc.so.6"});
+        m_names_c_library = m_names_c_library || is_c_library;
         LinkInput input{argument.text, argument.position, argument.is_word};
         if (follows_xlinker(argument)) {
             input.position = m_behind_xlinker;
@@ -255,6 +262,8 @@ private:
     LinkCommand& m_link;
     std::size_t m_at = 0;
     std::size_t m_behind_xlinker = static_cast<std::size_t>(-2);
+    bool m_has_no_default = false; ///< no library is linked that is not named
+    bool m_names_c_library = false;
     bool m_is_all_static = false; ///< "-static" of a compiler driver, wherever it stands
     bool m_is_static = false;     ///< "-Bstatic", until the next "-Bdynamic"
     std::vector<std::string> m_directories;

@@ -14,12 +14,13 @@ struct LinkInput {
 
 /// A link command, as its tool would read it.
 struct LinkCommand {
-    std::vector<std::string> words;   ///< the command itself, the tool first
-    bool is_linker = false;           ///< the tool is a linker, not a compiler driver
-    bool links = true;                ///< false for "-c", "-E" and the like
-    bool is_relocatable = false;      ///< "-r": the result is an object again
-    bool leaves_side_files = false;   ///< "-save-temps" and the like: files named after the output
-    bool writes_dependencies = false; ///< "-MD", "-MMD"
+    std::vector<std::string> words; ///< the command itself, the tool first
+    bool is_linker = false;         ///< the tool is a linker, not a compiler driver
+    bool links = true;              ///< false for "-c", "-E" and the like
+    bool is_relocatable = false;    ///< "-r": the result is an object again
+    bool has_c_library = true;      ///< the runtime needs one; false for "-nostdlib" without "-lc"
+    bool leaves_side_files = false; ///< "-save-temps" and the like: files named after the output
+    bool writes_dependencies = false;   ///< "-MD", "-MMD"
     bool names_dependency_file = false; ///< "-MF"
     bool names_dependent = false;       ///< "-MT", "-MQ"
     std::string output;                 ///< value of the last "-o"; "a.out" when there is none

@@ -173,6 +173,9 @@ int link_module(const LinkCommand& link, const LinkCoverage& coverage, const std
     if (name.empty() || !choose_work_area(name, link.output, coverage.modules)) {
         return link_without_coverage(link, coverage, false, "its work area cannot be created");
     }
+    if (!link.has_c_library) {
+        return link_without_coverage(link, coverage, true, "the runtime needs a C library (-lc)");
+    }
     const std::string runtime = find_runtime();
     if (runtime.empty()) {
         return link_without_coverage(link, coverage, true,

@@ -35,11 +35,11 @@ std::string owner_of_area()
     return QMRFileExists(owner.c_str()) != 0 ? owner : "";
 }
 
-/// Position-independent, for it may go into a shared library; kernel code cannot be.
+/// Position-independent, for it may go into a shared library; kernel code cannot be. It runs once.
 std::string stub_options(const std::string& command)
 {
     const bool is_kernel = command.find("-mcmodel=kernel") != command.npos;
-    return std::string(is_kernel ? "" : " -fPIC") + " -fno-lto -w";
+    return std::string(is_kernel ? "" : " -fPIC") + " -O0 -g0 -fno-lto -w";
 }
 
 /// The module's recorded compile command, made fit for the stub.

@@ -1,7 +1,6 @@
 /* A successful exec ends the program without its destructors. The link driver has calls of the exec
  * family go to the functions here (option --wrap of the linker); each dumps and goes on to the real
- * one. They are weak: a program that wraps such a function itself keeps its own. The linker takes
- * this object from the static library only for programs that call one of them. */
+ * one. They are weak: a program that wraps such a function itself keeps its own. */
 #include "lltcov_rt.h"
 
 #include <stdarg.h>
