@@ -106,7 +106,7 @@ public:
         strsplit_v(env_text("LIBRARY_PATH").c_str(), ':', m_directories);
         m_directories.emplace_back("/usr/local/lib"); // where `make install` puts libraries
         for (std::size_t i = 0; i < m_wanted.size() && i < MAX_WANTED; ++i) {
-            find(Wanted(m_wanted[i]));
+            find(Wanted(m_wanted[i])); // a copy: a script adds more
         }
     }
 

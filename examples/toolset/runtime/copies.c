@@ -70,14 +70,14 @@ static int visit_image(struct dl_phdr_info* info, size_t size, void* request)
 
 int copies_dump(void)
 {
-    struct request request = {DUMP, 1};
+    struct request request = {DUMP, this_copy_dump()}; /* also where the notes were stripped off */
     dl_iterate_phdr(visit_image, &request);
     return request.done;
 }
 
 void copies_reset(void)
 {
-    struct request request = {RESET, 1};
+    struct request request = {RESET, this_copy_reset()};
     dl_iterate_phdr(visit_image, &request);
 }
 
