@@ -143,12 +143,22 @@ expect "late destructors count" "1*2" "$(counts libbye bye)"
 # exec ends a program without destructors
 source_of execs <<'C'
 #include <unistd.h>
-int main(void) { HIT(0); return execl("/bin/true", "true", (char *)0); }
+int main(void)
+{
+    int unused[9] = {0};
+    execlp("/nowhere", "", "", "", "", "", "", "", "", (char *)0);
+    HIT(unused[8]);
+    return execl("/bin/sh", "sh", "-c", "test $6 = six", "0", "1", "2", "3", "4", "5", "six", (char *)0);
+}
 C
 instrumented execs 1
 rm -rf llt_result
 link execs gcc execs.o -o execs && ./execs
 expect "exec dumps before" 1 "$(counts execs_exe execs)"
+echo 'int puts(const char *); int execl(void) { return puts("fake") < 0; }' > fake.c
+gcc -w -fno-builtin -c fake.c
+link fakes gcc -o fakes execs.o fake.o
+expect "a test's own exec" fake "$(./fakes)"
 
 # the coverage side fails, the link does not
 check_plain() {

@@ -1,103 +1,46 @@
 /* A successful exec ends the program without its destructors. The link driver has calls of the exec
- * family go to the functions here (option --wrap of the linker); each dumps and goes on to the real
- * one. They are weak: a program that wraps such a function itself keeps its own. */
-#include "lltcov_rt.h"
+ * family go to the functions here (option --wrap of the linker: __wrap_X is called for X, and
+ * __real_X is X itself); each dumps and goes on to the real one with the arguments as they are.
+ * C cannot hand on a variable number of arguments, so this is assembly: the registers that hold
+ * arguments are kept, what is on the stack stays there. They are weak: a program that wraps such a
+ * function itself keeps its own, and one that defines it gets its own called. */
 
-#include <stdarg.h>
-#include <stddef.h>
+#if defined(__x86_64__)
+/* Seven registers: the stack is then aligned to 16 bytes for the call. */
+#define DUMP_AND_GO_ON(real)                                                                       \
+    "endbr64\n"                                                                                    \
+    "push %rdi\n push %rsi\n push %rdx\n push %rcx\n push %r8\n push %r9\n push %rax\n"            \
+    "call lltcov_dump@PLT\n"                                                                       \
+    "pop %rax\n pop %r9\n pop %r8\n pop %rcx\n pop %rdx\n pop %rsi\n pop %rdi\n"                   \
+    "jmp " real "@PLT\n"
+#elif defined(__aarch64__)
+/* "hint #34" is "bti c", which older assemblers do not know. */
+#define DUMP_AND_GO_ON(real)                                                                       \
+    "hint #34\n"                                                                                   \
+    "stp x29, x30, [sp, #-80]!\n mov x29, sp\n"                                                    \
+    "stp x0, x1, [sp, #16]\n stp x2, x3, [sp, #32]\n"                                              \
+    "stp x4, x5, [sp, #48]\n stp x6, x7, [sp, #64]\n"                                              \
+    "bl lltcov_dump\n"                                                                             \
+    "ldp x0, x1, [sp, #16]\n ldp x2, x3, [sp, #32]\n"                                              \
+    "ldp x4, x5, [sp, #48]\n ldp x6, x7, [sp, #64]\n"                                              \
+    "ldp x29, x30, [sp], #80\n"                                                                    \
+    "b " real "\n"
+#else
+#error "only x86-64 and AArch64 are known"
+#endif
 
-#define HOOK __attribute__((weak, visibility("hidden")))
+#define HOOK(name)                                                                                 \
+    __asm__(".text\n"                                                                              \
+            ".weak __wrap_" name "\n"                                                              \
+            ".hidden __wrap_" name "\n"                                                            \
+            ".type __wrap_" name ", %function\n"                                                   \
+            "__wrap_" name ":\n" DUMP_AND_GO_ON("__real_" name))
 
-/* By the linker's convention: __real_X is X, and X is __wrap_X. */
-int __real_execv(const char* path, char* const argv[]);
-int __real_execvp(const char* file, char* const argv[]);
-int __real_execve(const char* path, char* const argv[], char* const envp[]);
-int __real_execvpe(const char* file, char* const argv[], char* const envp[]);
-int __real_fexecve(int fd, char* const argv[], char* const envp[]);
-
-int __wrap_execv(const char* path, char* const argv[]);
-int __wrap_execvp(const char* file, char* const argv[]);
-int __wrap_execve(const char* path, char* const argv[], char* const envp[]);
-int __wrap_execvpe(const char* file, char* const argv[], char* const envp[]);
-int __wrap_fexecve(int fd, char* const argv[], char* const envp[]);
-int __wrap_execl(const char* path, const char* arg, ...);
-int __wrap_execlp(const char* file, const char* arg, ...);
-int __wrap_execle(const char* path, const char* arg, ...);
-
-HOOK int __wrap_execv(const char* path, char* const argv[])
-{
-    lltcov_dump();
-    return __real_execv(path, argv);
-}
-
-HOOK int __wrap_execvp(const char* file, char* const argv[])
-{
-    lltcov_dump();
-    return __real_execvp(file, argv);
-}
-
-HOOK int __wrap_execve(const char* path, char* const argv[], char* const envp[])
-{
-    lltcov_dump();
-    return __real_execve(path, argv, envp);
-}
-
-HOOK int __wrap_execvpe(const char* file, char* const argv[], char* const envp[])
-{
-    lltcov_dump();
-    return __real_execvpe(file, argv, envp);
-}
-
-HOOK int __wrap_fexecve(int fd, char* const argv[], char* const envp[])
-{
-    lltcov_dump();
-    return __real_fexecve(fd, argv, envp);
-}
-
-/* Arguments up to and with the null pointer. */
-static size_t count_arguments(const char* first, va_list arguments)
-{
-    size_t count = 1;
-    for (const char* at = first; at != NULL; at = va_arg(arguments, const char*)) {
-        ++count;
-    }
-    return count;
-}
-
-static void fill(char** argv, size_t count, const char* first, va_list arguments)
-{
-    argv[0] = (char*)first;
-    for (size_t i = 1; i < count; ++i) {
-        argv[i] = va_arg(arguments, char*);
-    }
-}
-
-/* Defines `argv` from the arguments behind `arg`; `last` is read behind them. */
-#define COLLECT(last)                                                                              \
-    va_list arguments;                                                                             \
-    va_start(arguments, arg);                                                                      \
-    const size_t count = count_arguments(arg, arguments);                                          \
-    va_end(arguments);                                                                             \
-    char* argv[count];                                                                             \
-    va_start(arguments, arg);                                                                      \
-    fill(argv, count, arg, arguments);                                                             \
-    last;                                                                                          \
-    va_end(arguments)
-
-HOOK int __wrap_execl(const char* path, const char* arg, ...)
-{
-    COLLECT((void)0);
-    return __wrap_execv(path, argv);
-}
-
-HOOK int __wrap_execlp(const char* file, const char* arg, ...)
-{
-    COLLECT((void)0);
-    return __wrap_execvp(file, argv);
-}
-
-HOOK int __wrap_execle(const char* path, const char* arg, ...)
-{
-    COLLECT(char* const* envp = va_arg(arguments, char* const*));
-    return __wrap_execve(path, argv, envp);
-}
+HOOK("execl");
+HOOK("execlp");
+HOOK("execle");
+HOOK("execv");
+HOOK("execvp");
+HOOK("execve");
+HOOK("execvpe");
+HOOK("fexecve");
