@@ -49,17 +49,24 @@ void Findings::note(const std::string& kind, const std::string& line)
     kinds_[kind].insert(line);
 }
 
+std::vector<std::string> Findings::lines() const
+{
+    std::vector<std::string> out;
+    for (const auto& [kind, lines] : kinds_) {
+        const std::size_t shown = std::min(lines.size(), MAX_LINES);
+        out.insert(out.end(), lines.begin(),
+                   std::next(lines.begin(), static_cast<std::ptrdiff_t>(shown)));
+        if (shown < lines.size()) {
+            out.push_back("and " + std::to_string(lines.size() - shown) + " more " + kind);
+        }
+    }
+    return out;
+}
+
 void Findings::print() const
 {
-    for (const auto& [kind, lines] : kinds_) {
-        std::size_t printed = 0;
-        for (auto line = lines.begin(); line != lines.end() && printed < MAX_LINES; ++line) {
-            warn("%s", line->c_str());
-            ++printed;
-        }
-        if (printed < lines.size()) {
-            warn("and %zu more %s", lines.size() - printed, kind.c_str());
-        }
+    for (const std::string& line : lines()) {
+        warn("%s", line.c_str());
     }
 }
 

@@ -21,7 +21,10 @@ public:
     /// Adds a line that is good to know but no problem.
     void note(const std::string& kind, const std::string& line);
 
-    /// Prints the lines on standard error.
+    /// The lines to print.
+    std::vector<std::string> lines() const;
+
+    /// Prints them on standard error.
     void print() const;
 
     bool has_problems() const { return has_problems_; }

@@ -27,8 +27,8 @@ constexpr Command COMMANDS[] = {
     {"export", "--lcov|--json|--cobertura [-o FILE]", "the coverage of all runs, for other tools",
      run_export},
     {"status", "[--json]", "modules, sources, symbols and hit rates", run_status},
-    {"clean", "[--all]", "remove the counts of all runs, or everything that the build left",
-     run_clean},
+    {"clean", "[--all] [--dry-run]",
+     "remove the counts of all runs, or everything that the build left", run_clean},
     {"shims", "DIR", "write compilers and archivers that go through lltwrapper on demand",
      run_shims},
 };

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <dirent.h>
 #include <memory>
+#include <regex>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -50,6 +51,18 @@ std::string dump_root(const std::string& root)
         }
     }
     return root + "/llt_result";
+}
+
+bool is_dump(const std::string& name)
+{
+    const std::size_t dot = name.rfind('.');
+    return name[0] != '.' && dot != name.npos && name.substr(dot) == ".lltcov";
+}
+
+bool is_unfinished_dump(const std::string& name)
+{
+    static const std::regex form("\\..+\\.[0-9]+\\.[0-9]+\\.tmp");
+    return std::regex_match(name, form);
 }
 
 std::vector<std::string> names_in(const std::string& directory)

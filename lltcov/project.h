@@ -27,6 +27,11 @@ std::string temporary_area(const std::string& root);
 /// ROOT/llt_result.
 std::string dump_root(const std::string& root);
 
+/// True for the name of a dump file, and of one that was being written when its program died
+/// (".MODULE.PID.ADDRESS.tmp").
+bool is_dump(const std::string& name);
+bool is_unfinished_dump(const std::string& name);
+
 /// The names in a directory, in byte order, without "." and ".."; empty when it cannot be read.
 std::vector<std::string> names_in(const std::string& directory);
 

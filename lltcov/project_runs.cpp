@@ -13,11 +13,6 @@ namespace
 
 constexpr const char* AGAIN = "; remove it and run that test again";
 
-bool ends_with(const std::string& text, const std::string& end)
-{
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.npos, end) == 0;
-}
-
 class RunReader
 {
 public:
@@ -153,7 +148,7 @@ void add_dumps(ProjectData& data, const std::string& directory, Findings& findin
 {
     std::vector<std::string> names;
     for (std::string& name : names_in(directory)) {
-        if (name[0] != '.' && ends_with(name, ".lltcov")) {
+        if (is_dump(name)) {
             names.push_back(std::move(name));
         }
     }

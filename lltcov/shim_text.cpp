@@ -6,13 +6,15 @@
 
 #include "commonfunc/Caddis_func.h"
 
-#include <cstring>
+#include <climits>
+#include <cstdio>
 #include <regex>
 
 namespace
 {
 
 constexpr char SHELL[] = "#!/bin/sh\n";
+constexpr char REMARK[] = ", through lltwrapper while LLT_WRAP is on";
 constexpr char MARK[] = "# Shim of lltcov: ";
 
 /// An object of a cache or of another machine has no coverage, or coverage without records.
@@ -242,8 +244,7 @@ ToolKind kind_of_tool(const std::string& name)
 
 std::string shim_text(ToolKind kind, const std::string& real, const std::string& wrapper)
 {
-    const std::string start = SHELL + std::string(MARK) + real +
-                              ", through lltwrapper while LLT_WRAP is on\n" +
+    const std::string start = SHELL + std::string(MARK) + real + REMARK + "\n" +
                               "real=" + shell_word(real) + " on=${LLT_WRAP:-0}\n";
     const std::string step =
         start + LEAVE_PATH + PLAIN_CASE + "\nwrapper=" + shell_word(wrapper) + "\n" + WRAPPED_CASE;
@@ -262,11 +263,22 @@ std::string shim_text(ToolKind kind, const std::string& real, const std::string&
     return "";
 }
 
-bool is_shim(const std::string& path)
+std::string tool_of_shim(const std::string& path)
 {
     const File file = open_file(path, "rbe");
-    char start[64] = {};
-    return file && std::fread(start, 1, sizeof start - 1, file.get()) > 0 &&
-           std::strncmp(start, SHELL, std::strlen(SHELL)) == 0 &&
-           std::strncmp(start + std::strlen(SHELL), MARK, std::strlen(MARK)) == 0;
+    char start[PATH_MAX + 128] = {};
+    if (!file || std::fread(start, 1, sizeof start - 1, file.get()) == 0) {
+        return "";
+    }
+    const std::string text = start;
+    const std::string before = std::string(SHELL) + MARK;
+    const std::size_t end = text.find(REMARK);
+    return text.compare(0, before.size(), before) == 0 && end != text.npos
+               ? text.substr(before.size(), end - before.size())
+               : "";
+}
+
+bool is_shim(const std::string& path)
+{
+    return !tool_of_shim(path).empty();
 }

@@ -22,5 +22,7 @@ ToolKind kind_of_tool(const std::string& name);
 /// own.
 std::string shim_text(ToolKind kind, const std::string& real, const std::string& wrapper);
 
-/// True when the file is a shim, of whatever directory.
+/// The tool that a shim stands for, of whatever directory; empty when the file is no shim.
+std::string tool_of_shim(const std::string& path);
+
 bool is_shim(const std::string& path);

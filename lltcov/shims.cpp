@@ -5,6 +5,7 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "lltcov/command_line.h"
+#include "lltcov/path_search.h"
 #include "lltcov/project.h"
 #include "lltcov/shim_text.h"
 
@@ -12,7 +13,6 @@
 #include <filesystem>
 #include <map>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {
@@ -21,25 +21,12 @@ namespace
 constexpr const char* EXPECTED[] = {"gcc",     "g++", "cc",     "c++", "clang",
                                     "clang++", "ar",  "gcc-ar", "ld"};
 
-bool is_program(const std::string& path)
-{
-    struct stat info = {};
-    return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
-           ::access(path.c_str(), X_OK) == 0;
-}
-
 /// What is first on PATH of every tool, by name. Shims, also behind links, are passed over: a shim
-/// of a shim would wrap twice, or run in circles. So are relative directories, whose meaning
-/// changes with the current one.
+/// of a shim would wrap twice, or run in circles.
 std::map<std::string, std::string> tools_on_path()
 {
-    std::vector<std::string> directories;
-    strsplit_v(env_text("PATH").c_str(), ':', directories);
     std::map<std::string, std::string> tools;
-    for (const std::string& directory : directories) {
-        if (directory.empty() || directory[0] != '/') {
-            continue;
-        }
+    for (const std::string& directory : path_directories()) {
         for (const std::string& name : names_in(directory)) {
             const std::string path = directory + "/" + name;
             if (kind_of_tool(name) != ToolKind::none && is_program(path) && !is_shim(path)) {
@@ -53,15 +40,9 @@ std::map<std::string, std::string> tools_on_path()
 /// Beside this program, as both are built and installed, else on PATH; empty when there is none.
 std::string find_wrapper()
 {
-    std::vector<std::string> directories = {program_directory()};
-    strsplit_v(env_text("PATH").c_str(), ':', directories);
-    for (const std::string& directory : directories) {
-        const std::string path = directory + "/lltwrapper";
-        if (path[0] == '/' && is_program(path)) {
-            return path;
-        }
-    }
-    return "";
+    std::vector<std::string> directories = path_directories();
+    directories.insert(directories.begin(), program_directory());
+    return find_program(directories, "lltwrapper");
 }
 
 /// False with a message when the file cannot be written, or is something else than a shim: the

@@ -25,12 +25,6 @@ constexpr const char* LINK_DRIVERS[] = {
     "link_fixaddr_hotpatch", // 8
 };
 
-const char* link_driver(int token)
-{
-    const auto count = static_cast<int>(std::size(LINK_DRIVERS));
-    return token >= 0 && token < count ? LINK_DRIVERS[token] : nullptr;
-}
-
 /// Bytes of a target name that count.
 constexpr std::size_t TARGET_NAME_LENGTH = 255;
 
@@ -51,6 +45,12 @@ std::string choose_target_name()
 }
 
 } // namespace
+
+const char* link_driver(int token)
+{
+    const auto count = static_cast<int>(std::size(LINK_DRIVERS));
+    return token >= 0 && token < count ? LINK_DRIVERS[token] : nullptr;
+}
 
 void GenerateCMD2LLTCC()
 {

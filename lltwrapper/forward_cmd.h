@@ -7,6 +7,9 @@
 /// Bytes of the stub object's path that `GenerateCMD2AR` puts into the command.
 constexpr std::size_t STUB_PATH_LENGTH = 511;
 
+/// The link driver of a value of "lltwrapper_cfg"; null for one that has none.
+const char* link_driver(int token);
+
 /// Sets `strLLTCC`: `lltcc` with project root, project name and stub mode before the command.
 void GenerateCMD2LLTCC();
 

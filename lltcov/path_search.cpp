@@ -1,0 +1,37 @@
+#include "lltcov/path_search.h"
+
+#include "commonfunc/Caddis_func.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+std::vector<std::string> path_directories()
+{
+    std::vector<std::string> all;
+    strsplit_v(env_text("PATH").c_str(), ':', all);
+    std::vector<std::string> absolute;
+    for (const std::string& directory : all) {
+        if (!directory.empty() && directory[0] == '/') {
+            absolute.push_back(directory);
+        }
+    }
+    return absolute;
+}
+
+bool is_program(const std::string& path)
+{
+    struct stat info = {};
+    return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
+           ::access(path.c_str(), X_OK) == 0;
+}
+
+std::string find_program(const std::vector<std::string>& directories, const std::string& name)
+{
+    for (const std::string& directory : directories) {
+        const std::string path = directory + "/" + name;
+        if (is_program(path)) {
+            return path;
+        }
+    }
+    return "";
+}

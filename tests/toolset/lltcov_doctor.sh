@@ -1,0 +1,138 @@
+#!/bin/bash
+# lltcov doctor and lltcov clean on a small project that is built through shims: a sound project is
+# called so, each fault is found alone, and clean removes what the build and the runs left.
+# usage: lltcov_doctor.sh LLTCOV TUSK_INIT.SH
+set -eu
+lltcov=$1 init=$2
+tmp=$(mktemp -d)
+trap 'rm -rf "$tmp"' EXIT
+cd "$tmp"
+unset LLT_PROJECT LLT_TOOLSET LLTCOV_ROOT qmr_current_prj_path lltcovRootpath LLT_WRAP
+failures=0
+
+fail() {
+    echo "FAILED: $*" >&2
+    cat "$tmp/out" >&2
+    failures=$((failures + 1))
+}
+
+# finds TEXT BREAK [MEND]: after BREAK, the doctor's only findings have TEXT (a pattern)
+finds() {
+    eval "$2" # variables that it sets are the test's own again after MEND
+    if "$lltcov" doctor >"$tmp/out" 2>&1; then fail "'$2' is not found"; fi
+    grep -q -e "$1" "$tmp/out" || fail "'$2' does not give '$1'"
+    if grep -v -e "$1" "$tmp/out"; then fail "'$2' gives other findings too"; fi
+    eval "${3:-}"
+    "$lltcov" doctor >"$tmp/out" 2>&1 || fail "'${3:-}' does not mend '$2'"
+}
+
+# sets TEXT NAME VALUE: the same for a variable
+sets() { finds "$1" "was=\$$2 && export $2=$3" "export $2=\"\$was\""; }
+
+# --- a sound project
+mkdir project other
+cd project
+echo 'int twice(int a) { return a + a; }' >twice.c
+echo 'int twice(int); int main(void) { return twice(21) != 42; }' >main.c
+export lltwrapper_cfg=0
+# shellcheck disable=SC1090
+. "$init"
+"$lltcov" shims "$tmp/shims" >"$tmp/out"
+PATH=$tmp/shims:$PATH
+export LLT_WRAP=1
+build() {
+    rm -f libtwice.a llt_result/*
+    { gcc -c twice.c && ar rcs libtwice.a twice.o && gcc -o main main.c libtwice.a; } >"$tmp/out" 2>&1
+    ./main
+}
+build || fail 'the project is not built'
+"$lltcov" doctor >"$tmp/out" 2>&1 || fail 'a sound project has findings'
+grep -q '^nothing found: 2 modules' "$tmp/out" || fail 'a sound project is not called so'
+
+# --- settings
+finds 'TimerPolicy is not set; source' 'unset TimerPolicy' 'export TimerPolicy=0'
+sets "settings: TimerPolicy is '2'; set it to one of 0 1" TimerPolicy 2
+sets "settings: qmr_coverage_stub_mold is '10'" qmr_coverage_stub_mold 10
+finds "TimeInterval is '0' although TimerPolicy is 1" 'TimerPolicy=1 TimeInterval=0' \
+    'TimerPolicy=0 TimeInterval=60'
+finds "SignalNUM is '65'" 'SignalPolicy=1 SignalNUM=65' 'SignalPolicy=0 SignalNUM=10'
+sets "settings: lltwrapper_cfg is '5'" lltwrapper_cfg 5
+sets "project path: qmr_current_prj_path '.' is relative" qmr_current_prj_path .
+ln -s "$tmp/project" "$tmp/a b"
+sets 'project path: .* has a blank' qmr_current_prj_path "'$tmp/a b'"
+sets "project path: .*gone' does not exist" qmr_current_prj_path "$tmp/gone"
+finds 'sockets: .*g_TUSKSockBindPort for the stub of libtwice' 'LLT_DISABLE_SOCKET=0' \
+    'LLT_DISABLE_SOCKET=1'
+finds "places: '.*nowhere', where programs write" 'lltcovRootpath=$tmp/nowhere' \
+    'lltcovRootpath=$PWD/llt_result'
+
+# --- tools
+finds "shims: '.*shims' is on PATH, but LLT_WRAP is off" 'LLT_WRAP=0' 'LLT_WRAP=1'
+finds "shims: '/[^']*gcc' stands before its shim" 'was=$PATH && PATH=$tmp/other:$PATH &&
+    ln -s "$(sed -n "s/^real=\([^ ]*\) .*/\1/p" "$tmp/shims/gcc")" "$tmp/other/gcc"' 'PATH=$was'
+finds "shims: '.*odd-elf-gnu-gcc' stands for .*'/nowhere/gcc', which is gone" \
+    'sed "s|^# Shim of lltcov: [^,]*|# Shim of lltcov: /nowhere/gcc|" "$tmp/shims/gcc" \
+        >"$tmp/shims/odd-elf-gnu-gcc"' 'rm "$tmp/shims/odd-elf-gnu-gcc"'
+finds "programs: '.*other/lltcc' is used, not" 'was=$PATH && PATH=$PATH:$tmp/other &&
+    cp "$tmp/shims/gcc" "$tmp/other/lltcc"' 'PATH=$was'
+finds "programs: LLTCOV_RUNTIME names '/nowhere'" 'export LLTCOV_RUNTIME=/nowhere' \
+    'unset LLTCOV_RUNTIME'
+
+# --- what the build left
+records=LLTTEMP/codemeasure
+finds "places: '.*/ini'" "mv $records/ini saved" "mv saved $records/ini"
+finds "sources: .*twice.c" 'echo >>twice.c' build
+finds "objects: '.*twice.o' is gone" 'mv twice.o saved' 'mv saved twice.o'
+finds "objects: '.*twice.o' was compiled anew" 'mv twice.o saved && LLT_WRAP=0 gcc -c twice.c' \
+    'mv saved twice.o'
+finds "archives: '.*libtwice.a' of module libtwice is gone" 'mv libtwice.a saved' \
+    'mv saved libtwice.a'
+finds "archives: '.*libtwice.a' has instrumented members and no stub" \
+    'mv libtwice.a saved && LLT_WRAP=0 ar rcs libtwice.a twice.o' 'mv saved libtwice.a'
+finds "archives: '.*libtwice.a' and '.*libtwice.a' share the work area of 'libtwice'" \
+    'mkdir sub && cp libtwice.a sub && LLT_WRAP=0 ar q sub/libtwice.a main' 'rm -r sub'
+finds "names: symbol 's123456789.123456789.123456789.1' has more than 31" \
+    "mkdir $records/db/dbs123456789.123456789.123456789.1" "rmdir $records/db/dbs123*"
+finds "names: module 'lib+' is no C identifier" 'cp -r libtwice lib+' 'rm -r lib+'
+finds "modules: .*libtwice/codemeasure/db/.tab' is missing or damaged\|dumps: .*no module is left" \
+    'mv libtwice/codemeasure/db/.tab saved' 'mv saved libtwice/codemeasure/db/.tab'
+dump=$(echo llt_result/libtwice.*)
+finds "dumps: .*$dump" "cp $dump saved && echo x >$dump" "mv saved $dump"
+finds "leftovers: '.*/.lltwrapper-aB3dE6'" 'mkdir sub.d && touch -d "1 hour ago" sub.d/.lltwrapper-aB3dE6' \
+    'rm -r sub.d'
+
+# --- clean
+# cleans WORDS TEXT: lltcov clean WORDS prints TEXT last
+cleans() {
+    # shellcheck disable=SC2086
+    "$lltcov" clean $1 >"$tmp/out" 2>&1 || fail "clean $1"
+    [ "$(tail -n 1 "$tmp/out")" = "$2" ] || fail "clean $1 does not say '$2'"
+}
+
+lists() { find . -type f | sort; }
+
+root=$PWD
+sed "s|^area .*|area /elsewhere/libtwice/codemeasure|" "$dump" >llt_result/foreign.1.0.lltcov
+cp "$dump" "$tmp/target" && ln -s "$tmp/target" llt_result/link.1.0.lltcov
+echo 'cut' >llt_result/cut.1.0.lltcov
+: >llt_result/.libtwice.1.2.tmp
+: >llt_result/notes.txt
+mkdir -p linked/codemeasure real && cp libtwice/codemeasure/.prj linked/codemeasure
+mv linked "$tmp/linked" && ln -s "$tmp/linked" linked
+: >libtwice/mine.c
+lists >"$tmp/before"
+cleans '--dry-run --all' "would remove 4 dumps, 2 work areas, LLTTEMP of '$root'"
+lists | cmp - "$tmp/before" || fail 'a dry run changes files'
+cleans '' "removed 4 dumps of '$root'"
+[ "$(ls -A llt_result | tr '\n' ' ')" = 'foreign.1.0.lltcov link.1.0.lltcov notes.txt ' ] ||
+    fail "clean leaves $(ls -A llt_result)"
+[ -d "$records" ] || fail 'clean removes LLTTEMP'
+cleans --all "removed 0 dumps, 2 work areas, LLTTEMP of '$root'"
+[ -e libtwice/mine.c ] && [ -e "$tmp/linked/codemeasure/.prj" ] && [ -e "$tmp/target" ] ||
+    fail 'clean removes what is not its own'
+[ ! -e libtwice/codemeasure ] && [ ! -e main_exe ] && [ ! -e LLTTEMP ] || fail 'clean leaves areas'
+rm linked
+if "$lltcov" clean --all >"$tmp/out" 2>&1; then fail 'clean of what is no project'; fi
+grep -q 'is no project' "$tmp/out" || fail 'no word about what is no project'
+
+[ "$failures" = 0 ] || exit 1
