@@ -137,15 +137,15 @@ void take_the_road(int argc, char** argv, ExplainedStep& step)
     step.forwarded = forwarded_command(step);
 }
 
-/// The wrapper's own lines on standard error, without its name.
+/// The wrapper's own lines on standard error, without the program's name before each.
 std::vector<std::string> own_lines(const std::string& text)
 {
-    const std::string name = "lltwrapper: ";
     std::vector<std::string> lines;
     strsplit_v(text.c_str(), '\n', lines);
     lines.pop_back(); // behind the last line end
     for (std::string& line : lines) {
-        line.erase(0, line.compare(0, name.size(), name) == 0 ? name.size() : 0);
+        const std::size_t colon = line.find(": ");
+        line.erase(0, colon == line.npos ? 0 : colon + 2);
     }
     return lines;
 }
