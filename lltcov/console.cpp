@@ -101,6 +101,15 @@ Table::Table(const std::vector<std::string>& titles) : rows_(1)
     }
 }
 
+void Table::add(std::vector<std::string> cells)
+{
+    const auto is_control = [](unsigned char c) { return c < 32 || c == 127; };
+    for (std::string& cell : cells) {
+        std::replace_if(cell.begin(), cell.end(), is_control, '?');
+    }
+    rows_.push_back(std::move(cells));
+}
+
 void Table::print() const
 {
     const bool has_colours = ::isatty(STDOUT_FILENO) != 0 && !env_is_filled("NO_COLOR");

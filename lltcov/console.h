@@ -66,8 +66,8 @@ public:
     /// "NO_COLOR" is set and not empty.
     explicit Table(const std::vector<std::string>& titles);
 
-    /// Adds a row; it has a cell for each column.
-    void add(const std::vector<std::string>& cells) { rows_.push_back(cells); }
+    /// Adds a row; it has a cell for each column. Control characters are shown as "?".
+    void add(std::vector<std::string> cells);
 
     void print() const;
 

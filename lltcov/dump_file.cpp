@@ -25,9 +25,6 @@ void read_counts(TextLines& lines, std::uint64_t largest, DumpedSource& source)
         const std::string_view count = split_off(word, '*');
         const std::uint64_t times = is_run ? lines.number_of(word, "number", MAX_PROBES) : 1;
         probes += times;
-        if (probes > source.probes) {
-            break;
-        }
         source.runs.push_back(
             {lines.number_of(count, "count", largest), static_cast<std::uint32_t>(times)});
     }

@@ -24,7 +24,7 @@ std::vector<_SOURCEFILE_OBJECT> read_tab(const std::string& path)
     std::string content;
     read_whole_file(path, content);
     std::vector<_SOURCEFILE_OBJECT> records;
-    if (content.size() % sizeof(_SOURCEFILE_OBJECT) == 0) {
+    if (!content.empty() && content.size() % sizeof(_SOURCEFILE_OBJECT) == 0) {
         records.resize(content.size() / sizeof(_SOURCEFILE_OBJECT));
         std::memcpy(static_cast<void*>(records.data()), content.data(), content.size());
     }
