@@ -17,6 +17,8 @@ for shell in sh dash bash ksh mksh zsh 'zsh --emulate sh' 'busybox sh'; do
             . '$init'; first=\$(settings); cd sub; . '$init'
             [ \"\$first\" = \"\$(settings)\" ] || echo changed
             [ \"\$*\" = 'one two three' ] || echo arguments
+            (. '$init'; : > on)
+            [ -f on ] || echo a subshell ended
             [ -d \"\$lltcovRootpath\" ] && [ -d $work/p/LLTTEMP/codemeasure/obj/after ] || echo missing
             echo \$qmr_current_prj_path \$lltcovRootpath \$TimerPolicy" 2>&1)
         if [ "$actual" = "$(eval "echo $expected")" ]; then
