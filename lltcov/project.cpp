@@ -19,7 +19,7 @@ std::string project_root(const CommandLine& line)
     if (!is_named && !root.empty() && env_int("isOverlappedCompile") == 1) {
         root += "/" + env_text(env_text("PlatformToken").c_str());
     }
-    const std::string absolute = absolute_path(root.empty() ? "." : root);
+    std::string absolute = absolute_path(root.empty() ? "." : root);
     if (QMRPathIsDirectory(absolute.c_str()) == 0) {
         throw UsageError("the project's folder '" + root + "' does not exist");
     }
