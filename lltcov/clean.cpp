@@ -43,8 +43,8 @@ public:
             const std::string path = directory + "/" + name;
             const bool is_ours = is_dump(name) ? is_of_project(path)
                                                : is_unfinished_dump(name) && is_inside(path, root_);
-            if (is_ours && type_of(path) == S_IFREG) {
-                dumps_ += remove(path) ? 1 : 0;
+            if (is_ours && type_of(path) == S_IFREG && remove(path)) {
+                ++dumps_;
             }
         }
     }
@@ -52,8 +52,8 @@ public:
     void clean_areas()
     {
         for (const Module& module : modules_of(root_)) {
-            if (is_own_area(module)) {
-                areas_ += remove(module.area) ? 1 : 0;
+            if (is_own_area(module) && remove(module.area)) {
+                ++areas_;
                 remove_if_empty(root_ + "/" + module.name);
             }
         }

@@ -28,7 +28,7 @@ bool is_program(const std::string& path)
 std::string find_program(const std::vector<std::string>& directories, const std::string& name)
 {
     for (const std::string& directory : directories) {
-        const std::string path = directory + "/" + name;
+        std::string path = directory + "/" + name;
         if (is_program(path)) {
             return path;
         }

@@ -51,8 +51,7 @@ bool write_shim(const std::string& path, const std::string& text)
 {
     struct stat info = {};
     if (::lstat(path.c_str(), &info) == 0 && (!S_ISREG(info.st_mode) || !is_shim(path))) {
-        std::fprintf(stderr, "lltcov: '%s' is no shim and stays; choose an empty directory\n",
-                     path.c_str());
+        warn("'%s' is no shim and stays; choose an empty directory", path.c_str());
         return false;
     }
     return replace_file(path, text) == Writing::done && ::chmod(path.c_str(), 0755) == 0;
@@ -89,8 +88,8 @@ int run_shims(const Arguments& arguments)
     const std::string wrapper = find_wrapper();
     const auto tools = tools_on_path();
     if (wrapper.empty() || tools.empty()) {
-        std::fprintf(stderr, "lltcov: no %s found beside lltcov and on PATH; set PATH\n",
-                     wrapper.empty() ? "lltwrapper" : "compiler");
+        warn("no %s", wrapper.empty() ? "lltwrapper beside lltcov and on PATH; install it"
+                                      : "compiler on PATH; set PATH");
         return 1;
     }
     for (const auto& [name, real] : tools) {

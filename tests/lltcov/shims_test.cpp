@@ -170,11 +170,12 @@ TEST_F(Shims, WordsComeThroughTheWrapperAsTheyAre)
 
 TEST_F(Shims, NeverFindThemselves)
 {
-    // Runs the next tool of its name on PATH, as a masquerading cache does.
+    // Runs the next tool of its name on PATH, as a masquerading cache does, and in the end a shim.
     write_file("bin/c++", "#!/bin/sh\nIFS=:\nfor d in $PATH; do\ncase $d in " + dir +
                               "/bin | /usr/bin | /bin) ;;\n"
                               "*) [ ! -x $d/c++ ] || exec $d/c++ \"$@\" ;;\nesac\ndone\n"
-                              "exec gcc -c inner.c\n");
+                              "exec " +
+                              dir + "/shims/gcc -c inner.c\n");
     fs::permissions("bin/c++", fs::perms::owner_all);
     write_shims(RECORDER);
     for (const char* on : {"0", "1"}) {
@@ -188,6 +189,24 @@ TEST_F(Shims, NeverFindThemselves)
     fs::create_symlink(dir + "/shims/gcc", "links/gcc");
     EXPECT_EQ(run("PATH=" + dir + "/links:$PATH exec home/lltcov shims more"), 0) << out;
     EXPECT_EQ(read_file("more/gcc"), first);
+}
+
+TEST_F(Shims, TakeTheirDirectoryOffPath)
+{
+    write_file("bin/c89", "#!/bin/sh\necho \"$PATH\"\n");
+    fs::permissions("bin/c89", fs::perms::owner_all);
+    write_shims(RECORDER);
+    const std::string shims = dir + "/shims";
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"S:/b:/c", "/b:/c"}, {"/b:S:/c", "/b:/c"}, {"/b:S", "/b"},
+        {"/b::S", "/b:"},     {":S:/b", ":/b"},     {"/Sx:S/y", "/Sx:S/y"}};
+    for (const auto& [before, after] : rows) {
+        const auto path = [&](const std::string& text) {
+            return std::regex_replace(text, std::regex("S"), shims);
+        };
+        run("PATH=" + path(before) + " exec " + shims + "/c89");
+        EXPECT_EQ(out, path(after) + "\n");
+    }
 }
 
 TEST_F(Shims, ReplaceNothingButShims)
