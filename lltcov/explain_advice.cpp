@@ -3,7 +3,7 @@
 #include "lltcov/explain_advice.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "lltcov/project.h"
+#include "lltcov/path_search.h"
 #include "lltcov/shim_text.h"
 #include "lltwrapper/wrapper_state.h"
 

@@ -2,6 +2,7 @@
 
 #include "commonfunc/Caddis_func.h"
 
+#include <algorithm>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,4 +35,15 @@ std::string find_program(const std::vector<std::string>& directories, const std:
         }
     }
     return "";
+}
+
+std::string program_on_path(const std::string& name)
+{
+    if (name.find('/') != std::string::npos) {
+        return is_program(name) ? name : "";
+    }
+    std::vector<std::string> directories;
+    strsplit_v(env_text("PATH").c_str(), ':', directories);
+    std::replace(directories.begin(), directories.end(), std::string(), std::string("."));
+    return find_program(directories, name);
 }

@@ -6,8 +6,6 @@
 #include <dirent.h>
 #include <memory>
 #include <regex>
-#include <sys/stat.h>
-#include <unistd.h>
 
 std::string project_root(const CommandLine& line)
 {
@@ -81,24 +79,4 @@ std::vector<std::string> names_in(const std::string& directory)
     }
     std::sort(names.begin(), names.end());
     return names;
-}
-
-std::string program_on_path(const std::string& name)
-{
-    std::vector<std::string> candidates = {name};
-    if (name.find('/') == std::string::npos) {
-        candidates.clear();
-        strsplit_v(env_text("PATH").c_str(), ':', candidates);
-        for (std::string& candidate : candidates) {
-            candidate += (candidate.empty() ? "./" : "/") + name;
-        }
-    }
-    for (const std::string& path : candidates) {
-        struct stat info = {};
-        if (::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
-            ::access(path.c_str(), X_OK) == 0) {
-            return path;
-        }
-    }
-    return "";
 }

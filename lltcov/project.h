@@ -34,7 +34,3 @@ bool is_unfinished_dump(const std::string& name);
 
 /// The names in a directory, in byte order, without "." and ".."; empty when it cannot be read.
 std::vector<std::string> names_in(const std::string& directory);
-
-/// The file that a shell starts for this name: the name itself when it has a slash, else of the
-/// directories of PATH. Empty when there is no such program.
-std::string program_on_path(const std::string& name);
