@@ -8,7 +8,6 @@
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace
 {
@@ -52,11 +51,23 @@ void advise_on_link(const ExplainedStep& step, Advice& advice)
                         ", which has no link driver; 0 is the usual one"));
 }
 
+/// True when the shell finds the program.
+bool can_be_started(const std::string& name)
+{
+    if (name.find('/') != name.npos) {
+        return is_program(name);
+    }
+    std::vector<std::string> directories;
+    strsplit_v(env_text("PATH").c_str(), ':', directories);
+    std::replace(directories.begin(), directories.end(), std::string(), std::string("."));
+    return !find_program(directories, name).empty();
+}
+
 void advise_on_programs(const ExplainedStep& step, Advice& advice)
 {
     const auto& words = step.shell.words;
     const auto look_for = [&](const char* kind, std::size_t i) {
-        if (i < words.size() && words[i].live.empty() && program_on_path(words[i].text).empty()) {
+        if (i < words.size() && words[i].live.empty() && !can_be_started(words[i].text)) {
             advice.warnings.push_back(kind + quoted(words[i].text) +
                                       " is not found; add its directory to PATH");
         }

@@ -174,9 +174,7 @@ ExplainedStep explain_step(const std::vector<std::string>& command)
     ArgumentVector arguments(command);
     OutputCapture out(STDOUT_FILENO);
     OutputCapture err(STDERR_FILENO);
-    set_warning_name("lltwrapper");
     take_the_road(arguments.argc(), arguments.argv(), step);
-    set_warning_name("lltcov");
     step.said = own_lines(err.finish());
     step.prints = out.finish();
     step.shell = split_for_shell(step.forwarded);
