@@ -128,12 +128,12 @@ TEST_F(Explain, ModeReasonAndCommandsAreTheWrappers)
            {kernel, "gcc -o x/vmlinux", 0, {"mode kernel", " 4 [/p/tmp_vmlinux1/codemeasure/obj/"}},
            {kernel, "gcc -o .tmp_vmlinux1", 0, {"mode link", "name tmp_vmlinux1"}},
            {kernel, "gcc -o app", 0, {"mode unchanged", "because lltwrapper_cfg is 1, no target"}},
-           {list + "bin,n LLT_TargetName_KO=q,k",
+           {list + "bin,n LLT_TargetName_KO=/q/,k",
             "gcc -o bin/x",
             0,
             {"because lltwrapper_cfg is 1: key 'bin' of LLT_TargetName in '" + dir + "/bin/x'",
              "name n", "prints TUSK_INFO:\n linkage-target:: "}},
-           {list + "q,n", "gcc -o bin/x", 0, {"mode unchanged", "because lltwrapper_cfg is 1: no"}},
+           {list + "/q/,n", "gcc -o bin/x", 0, {"mode unchanged", "because lltwrapper_cfg is 1: no"}},
            {"", "--project=/q -- gcc -c a.c", 0, {"forwarded lltcc -qmr_current_prj_path /q -p"}},
            {"", "-- lltwrapper -V", 0, {"mode none", "prints [TUSK LINUX CADDIS]"}}});
     for (const std::string args : {"", "--", "-x -- gcc", "--project"}) {
