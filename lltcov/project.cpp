@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <dirent.h>
+#include <fnmatch.h>
 #include <memory>
-#include <regex>
 
 std::string project_root(const CommandLine& line)
 {
@@ -59,8 +59,7 @@ bool is_dump(const std::string& name)
 
 bool is_unfinished_dump(const std::string& name)
 {
-    static const std::regex form("\\..+\\.[0-9]+\\.[0-9]+\\.tmp");
-    return std::regex_match(name, form);
+    return ::fnmatch(".?*.[0-9]*.[0-9]*.tmp", name.c_str(), 0) == 0;
 }
 
 std::vector<std::string> names_in(const std::string& directory)
