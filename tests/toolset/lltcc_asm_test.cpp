@@ -17,10 +17,10 @@ std::string function(const std::string& body)
 using Lines = std::set<int>;
 
 /// The lines of each probe, in counter order.
-std::vector<Lines> probe_lines(const std::string& text)
+std::vector<Lines> probe_lines(const std::string& text, Marks marks = Marks::count)
 {
     SourceFiles files({});
-    const AsmText read = scan_assembly(text, files);
+    const AsmText read = scan_assembly(text, files, marks);
     std::vector<Lines> out;
     for (const std::size_t index : choose_probes(read)) {
         Lines lines;
@@ -35,7 +35,7 @@ std::vector<Lines> probe_lines(const std::string& text)
 std::string rewritten(const std::string& text, Counters counters, bool drop_debug_info = false)
 {
     SourceFiles files({});
-    const AsmText read = scan_assembly(text, files);
+    const AsmText read = scan_assembly(text, files, Marks::count);
     Rewriting how;
     how.array = "A";
     how.counters = counters;
@@ -75,8 +75,21 @@ TEST(LltccRegions, LinesBelongToTheCodeThatRunsWithThem)
          CALL + "\tje\t.L2\n\t.loc 1 5 1\n" + CALL + ".L2:\n" + CALL + "\t.loc 1 7 1\n\tret\n",
          {{2}, {5}, {7}}},
         {"labels of debug information cut nothing",
-         CALL + ".LVL1:\n\t.loc 1 3 1\n\tnop\n.LBB2:\n\tnop\n",
+         CALL + ".LVL1:\n\tnop\n.LBB2:\n\t.loc 1 3 1\n\tnop\n",
          {{2, 3}}},
+        {"a call that may not return ends a block",
+         CALL + "\t.loc 1 3 1\n\tcall\tf\n\tnop\n\t.loc 1 4 1\n\tnop\n",
+         {{2, 3}, {4}}},
+        {"no counter behind a call when no other line follows",
+         CALL + "\t.loc 1 3 1\n\tcall\tf\n\tnop\n\tcall\tg@PLT\n\tret\n",
+         {{2, 3}}},
+        {"library functions that return end no block",
+         CALL + "\t.loc 1 3 1\n\tcall\tmemcpy@PLT\n\t.loc 1 4 1\n\tnop\n",
+         {{2, 3, 4}}},
+        {"a line in which a block ends counts no block that only passes through it",
+         CALL + "\t.loc 1 4 1\n\tje\t.L2\n\t.loc 1 3 1\n" + CALL +
+             "\t.loc 1 4 1\n\tnop\n\t.loc 1 9 1\n\tret\n.L2:\n\t.loc 1 3 1\n" + CALL + "\tret\n",
+         {{2, 4}, {9}, {3}}},
         {"the mark of a statement without code counts",
          CALL + "\tnop\n\t.loc 1 3 1 is_stmt 1\n\t.loc 1 4 1 is_stmt 0\n\tnop\n",
          {{2, 3, 4}}},
@@ -104,12 +117,22 @@ TEST(LltccRegions, AFunctionWithoutProbesStaysAsItIs)
     EXPECT_EQ(probe_lines(text), std::vector<Lines>{{2}});
 }
 
-TEST(LltccRegions, TheNameOfAnInlinedFunctionIsEnteredWithItsBody)
+TEST(LltccRegions, WithoutDebugInformationAMarkOnlyStandsInForCode)
 {
-    const std::string text = function(CALL + "\t.loc 1 3 1\n\tret\n") +
-                             "\t.type\tg, @function\ng:\n\t.loc 1 9 1\n" + CALL +
-                             "\t.loc 1 3 1\n\tret\n";
-    EXPECT_EQ(probe_lines(text), (std::vector<Lines>{{2, 3}, {2, 3, 9}}));
+    const std::string text =
+        function(CALL + "\t.loc 1 3 1 is_stmt 1\n\t.loc 1 4 1\n\t.loc 1 5 1" +
+                 " is_stmt 0\n\tje\t.L2\n\t.loc 1 4 1\n" + CALL +
+                 "\t.loc 1 7 1\n\tret\n.L2:\n\t.loc 1 6 1\n" + CALL + "\tret\n");
+    EXPECT_EQ(probe_lines(text, Marks::stand_in), (std::vector<Lines>{{2, 3, 5}, {4, 7}, {6}}));
+    EXPECT_EQ(probe_lines(text, Marks::count), (std::vector<Lines>{{2, 3, 4, 5}, {4, 7}, {6}}));
+}
+
+TEST(LltccRegions, EachFunctionHasAFirstCounterAndOtherProbesWithoutLinesVanish)
+{
+    const std::string text = function(CALL + "\tje\t.L2\n" + CALL + ".L2:\n" + CALL + "\tret\n") +
+                             "\t.type\tg, @function\ng:\n" + CALL + "\tret\n";
+    EXPECT_EQ(probe_lines(text), (std::vector<Lines>{{2}, {}}));
+    EXPECT_FALSE(contains(rewritten(text, Counters::words), "__sanitizer"));
 }
 
 TEST(LltccCounters, EveryFormOfAProbeIsReplaced)
@@ -146,8 +169,8 @@ TEST(LltccCounters, AnUnknownFormIsRefused)
          {"\tmovabsq\t$__sanitizer_cov_trace_pc@PLTOFF, %rax\n", "\tje\t__sanitizer_cov_trace_pc\n",
           "\tcall\t__sanitizer_cov_trace_pc_guard\n"}) {
         SCOPED_TRACE(probe);
-        EXPECT_THROW(scan_assembly(function(probe), files), NotInstrumentable);
-        EXPECT_THROW(scan_assembly(function(CALL + probe), files), NotInstrumentable);
+        EXPECT_THROW(scan_assembly(function(probe), files, Marks::count), NotInstrumentable);
+        EXPECT_THROW(scan_assembly(function(CALL + probe), files, Marks::count), NotInstrumentable);
     }
 }
 

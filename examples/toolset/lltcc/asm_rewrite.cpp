@@ -59,6 +59,12 @@ private:
     bool m_in_debug = false;
 };
 
+/// Whether a probe of the compiler's stands at the region's place.
+bool is_probe(const Region& region)
+{
+    return region.probe == Region::Probe::call || region.probe == Region::Probe::tail;
+}
+
 /// Code at a text line: before it, or in its place.
 struct Increment {
     std::size_t at;
@@ -66,23 +72,30 @@ struct Increment {
     std::string code;
 };
 
-/// In the order of the text.
+std::string count(const AsmText& text, const Region& region, const Rewriting& how,
+                  std::size_t index)
+{
+    const std::string code = region.probe == Region::Probe::none
+                                 ? count_anywhere(text.machine, how, index)
+                                 : count_at_call(text.machine, how, index);
+    return text.intel_syntax ? "\t.att_syntax prefix\n" + code + "\t.intel_syntax noprefix\n"
+                             : code;
+}
+
+/// In the order of the text. Probes that were not chosen are replaced by nothing.
 std::vector<Increment> increments(const AsmText& text, const std::vector<std::size_t>& probes,
                                   const Rewriting& how)
 {
     std::vector<Increment> out;
-    for (std::size_t i = 0; i < probes.size(); ++i) {
-        const Region& region = text.regions[probes[i]];
-        const bool replaces = region.probe != Region::Probe::none;
-        std::string code =
-            replaces ? count_at_call(text.machine, how, i) : count_anywhere(text.machine, how, i);
-        if (text.intel_syntax) {
-            code = "\t.att_syntax prefix\n" + code + "\t.intel_syntax noprefix\n";
+    std::size_t index = 0;
+    for (std::size_t i = 0; i < text.regions.size(); ++i) {
+        const Region& region = text.regions[i];
+        const bool chosen = index < probes.size() && probes[index] == i;
+        if (chosen || is_probe(region)) {
+            std::string code = chosen ? count(text, region, how, index++) : "";
+            code += region.probe == Region::Probe::tail ? "\tret\n" : "";
+            out.push_back({region.at, is_probe(region), std::move(code)});
         }
-        if (region.probe == Region::Probe::tail) {
-            code += "\tret\n";
-        }
-        out.push_back({region.at, replaces, std::move(code)});
     }
     return out;
 }
@@ -120,24 +133,22 @@ bool object_defines_array(int stub_mode)
 
 std::vector<std::size_t> choose_probes(const AsmText& text)
 {
-    std::vector<std::set<SourceLine>> probed(text.functions.size());
     std::vector<bool> has_probe(text.functions.size());
     for (const Region& region : text.regions) {
-        if (region.probe != Region::Probe::none) {
-            auto& lines = probed[static_cast<std::size_t>(region.function)];
+        if (is_probe(region)) {
             has_probe[static_cast<std::size_t>(region.function)] = true;
-            lines.insert(region.lines.begin(), region.lines.end());
         }
     }
     std::vector<std::size_t> chosen;
+    int counted = -1; ///< the function whose first counter was chosen
     for (std::size_t i = 0; i < text.regions.size(); ++i) {
         const Region& region = text.regions[i];
-        const auto function = static_cast<std::size_t>(region.function);
-        const auto& known = probed[function];
-        const bool covered =
-            std::includes(known.begin(), known.end(), region.lines.begin(), region.lines.end());
-        if (region.probe != Region::Probe::none || (has_probe[function] && !covered)) {
+        const bool has_lines = region.at != 0 && !region.lines.empty();
+        const bool is_entry = is_probe(region) && region.function != counted;
+        if (region.function >= 0 && has_probe[static_cast<std::size_t>(region.function)] &&
+            (has_lines || is_entry)) {
             chosen.push_back(i);
+            counted = region.function;
         }
     }
     return chosen;

@@ -15,6 +15,7 @@ Counters counters_of(int stub_mode);
 bool object_defines_array(int stub_mode);
 
 /// Which regions of the text get a counter, in counter order: indexes into `AsmText::regions`.
+/// These are all with lines, and the first of each function, which counts its calls.
 std::vector<std::size_t> choose_probes(const AsmText& text);
 
 struct Rewriting {

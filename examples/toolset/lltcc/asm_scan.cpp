@@ -1,11 +1,9 @@
 // One pass over the lines. Labels and jumps bound regions. What stands between #APP and #NO_APP is
 // the programmer's own text: it counts as instructions, whatever it does.
 //
-// A line belongs to a region that holds an instruction of it. Where the optimiser has left nothing
-// of a statement but the mark of its beginning, the mark counts, with two exceptions: the mark of
-// an empty statement (the `;` behind a block or a macro) says nothing, and marks that lead a region
-// where ways meet may have been pushed there out of one of these ways. A closing brace is no code
-// of its own: what leaves a function there is left out.
+// A region's traces say which lines it has instructions of, and where the optimiser has left
+// nothing of a statement but the mark of its beginning; which of them count is settled behind the
+// pass. The mark of an empty statement (the `;` behind a block or a macro) says nothing.
 #include "asm_scan.h"
 
 #include "asm_settle.h"
@@ -30,7 +28,8 @@ public:
     {
     }
 
-    void read(std::string_view text)
+    /// The traces of the regions that were read.
+    std::vector<std::vector<Trace>> read(std::string_view text)
     {
         for (std::size_t from = 0; from < text.size();) {
             const std::size_t end = std::min(text.find('\n', from), text.size());
@@ -38,8 +37,7 @@ public:
             from = end + 1;
             read_line(trimmed(m_out.text.back()));
         }
-        settle_leading_marks(m_out, m_links);
-        credit_inlined_entries(m_out);
+        return std::move(m_traces);
     }
 
 private:
@@ -70,7 +68,6 @@ private:
             open_region();
         } else if (is_jump_target(label) && !m_out.functions.empty()) {
             open_region();
-            m_links.back().labels.push_back(label);
         }
     }
 
@@ -118,17 +115,18 @@ private:
         const auto [file, line, column, discriminator] = location;
         (void)discriminator;
         const char begin = m_files.character(file, line, column);
-        m_at_line = {file, begin == '}' ? 0 : line};
+        m_at_line = {file, line};
+        m_at_brace = begin == '}';
         if (!m_out.functions.empty() && m_out.functions.back().line.second == 0) {
             // C functions begin at their brace (for clang: in its line), maybe below the name.
             Function& function = m_out.functions.back();
             const int named =
                 begin == '{' || column == 0 ? m_files.line_of_name(file, line, function.symbol) : 0;
-            m_at_line.second = named != 0 ? named : m_at_line.second;
-            function.line = {file, named != 0 ? named : line};
+            m_at_line.second = named != 0 ? named : line;
+            function.line = m_at_line;
         }
-        if (m_has_marks && m_is_mark && m_at_line.second > 0 && begin != ';') {
-            m_marks.push_back(m_at_line);
+        if (m_has_marks && m_is_mark && line > 0 && begin != ';') {
+            m_marks.push_back(trace(Trace::Kind::mark));
         }
     }
 
@@ -154,10 +152,11 @@ private:
         if (!is_landing_mark(mnemonic)) {
             note_instruction();
         }
-        const Flow flow = flow_of(m_out.machine, mnemonic);
-        if (flow != Flow::on && m_open) {
-            m_links.back().jumps.push_back(line.substr(line.find_last_of(" \t,") + 1));
+        if (m_open && may_not_return(m_out.machine, mnemonic, trimmed(line.substr(blank)))) {
+            go_on(Region::Probe::after);
+            return;
         }
+        const Flow flow = flow_of(m_out.machine, mnemonic);
         if (flow == Flow::branch) {
             open_region();
         } else if (flow == Flow::end) {
@@ -171,14 +170,7 @@ private:
             throw NotInstrumentable("a probe outside of any function");
         }
         if (!m_open || m_out.regions.back().probe != Region::Probe::none) {
-            // Straight on from the block before. The location in front of the probe is the new
-            // block's.
-            const SourceLine line = m_at_line;
-            std::vector<SourceLine> marks;
-            marks.swap(m_marks);
-            open_region();
-            m_at_line = line;
-            m_marks.swap(marks);
+            go_on(form); // the location in front of the probe is the new block's
         }
         note_instruction();
         m_out.regions.back().probe = form;
@@ -192,46 +184,68 @@ private:
     {
         if (m_open) {
             note_marks();
-            m_links.back().falls_through = true;
         }
         m_marks.clear();
         m_at_line = {0, 0};
         m_open = true;
         m_out.regions.emplace_back();
         m_out.regions.back().function = static_cast<int>(m_out.functions.size()) - 1;
-        m_links.emplace_back();
+        m_traces.emplace_back();
+    }
+
+    /// Begins a region that is reached only from the code above, with its location.
+    void go_on(Region::Probe form)
+    {
+        const SourceLine line = m_at_line;
+        std::vector<Trace> marks;
+        marks.swap(m_marks);
+        open_region();
+        m_at_line = line;
+        m_marks.swap(marks);
+        m_out.regions.back().probe = form;
     }
 
     void note_instruction()
     {
         if (m_open) {
             note_marks();
+            note_place();
             if (m_at_line.second > 0) {
-                m_out.regions.back().lines.insert(m_at_line);
+                m_traces.back().push_back(trace(Trace::Kind::code));
             }
         }
     }
 
     void note_marks()
     {
-        Region& region = m_out.regions.back();
-        if (region.at == 0) {
-            region.at = m_out.text.size() - 1;
-            m_links.back().leading = m_marks;
-        } else {
-            region.lines.insert(m_marks.begin(), m_marks.end());
+        if (!m_marks.empty()) {
+            note_place();
+            m_traces.back().insert(m_traces.back().end(), m_marks.begin(), m_marks.end());
+            m_marks.clear();
         }
-        m_marks.clear();
+    }
+
+    void note_place()
+    {
+        if (m_out.regions.back().at == 0) {
+            m_out.regions.back().at = m_out.text.size() - 1;
+        }
+    }
+
+    Trace trace(Trace::Kind kind) const
+    {
+        return {m_at_line, m_at_brace ? Trace::Kind::brace : kind};
     }
 
     AsmText& m_out;
     SourceFiles& m_files;
     const bool m_has_marks; ///< the compiler marks beginnings of statements
     std::set<std::string> m_function_names;
-    std::vector<Links> m_links;      ///< of the regions
-    std::vector<SourceLine> m_marks; ///< since the last instruction
-    Location m_location{};           ///< as last written
-    SourceLine m_at_line{0, 0};      ///< of the next instruction
+    std::vector<std::vector<Trace>> m_traces; ///< of the regions
+    std::vector<Trace> m_marks;               ///< since the last instruction
+    Location m_location{};                    ///< as last written
+    SourceLine m_at_line{0, 0};               ///< of the next instruction
+    bool m_at_brace = false;
     bool m_is_mark = true;
     bool m_open = false; ///< code that can run is being read
     bool m_inline = false;
@@ -239,10 +253,11 @@ private:
 
 } // namespace
 
-AsmText scan_assembly(std::string_view text, SourceFiles& files)
+AsmText scan_assembly(std::string_view text, SourceFiles& files, Marks marks)
 {
     AsmText out;
     out.machine = machine_of(text);
-    Scanner(out, files, text.find(" is_stmt 0") != text.npos).read(text);
+    const bool has_marks = text.find(" is_stmt 0") != text.npos;
+    settle_lines(out, Scanner(out, files, has_marks).read(text), marks);
     return out;
 }

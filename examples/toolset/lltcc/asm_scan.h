@@ -22,16 +22,18 @@ enum class Machine { none, x86_64, aarch64 };
 /// A source line: number of the `.file` directive and line number.
 using SourceLine = std::pair<int, int>;
 
-/// Straight code: when its beginning runs, its end does, unless a called function does not return.
+/// Straight code: when its beginning runs, its end does.
 struct Region {
     enum class Probe {
-        none, ///< the compiler put no probe here: late copies of values, mostly
-        call, ///< a call, to be replaced by an increment
-        tail, ///< a jump instead of call and return
+        none,  ///< the compiler put no probe here: late copies of values, mostly
+        call,  ///< a call, to be replaced by an increment
+        tail,  ///< a jump instead of call and return
+        after, ///< none, but the region goes on behind a call that may not return
     };
     Probe probe = Probe::none;
-    std::size_t at = 0; ///< index of the probe's text line; without one, of the first instruction
-    int function = -1;  ///< index into `AsmText::functions`
+    /// Index of the probe's text line; without one, of the first instruction (0: it has none).
+    std::size_t at = 0;
+    int function = -1; ///< index into `AsmText::functions`
     std::set<SourceLine> lines;
 };
 
@@ -53,6 +55,10 @@ struct AsmText {
 /// The function that the compiler calls at the beginning of each basic block.
 inline constexpr std::string_view PROBE = "__sanitizer_cov_trace_pc";
 
+/// Whether the mark of a statement's beginning counts like its code, as it does for gcov when the
+/// user asked for debug information.
+enum class Marks { count, stand_in };
+
 /// Reads the text and notes its files in `files`. Throws NotInstrumentable at a probe in a form
 /// that is not known.
-AsmText scan_assembly(std::string_view text, SourceFiles& files);
+AsmText scan_assembly(std::string_view text, SourceFiles& files, Marks marks);

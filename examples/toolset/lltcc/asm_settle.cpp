@@ -1,65 +1,117 @@
+// The rules are those by which gcov counts the blocks of a program, so that both say the same:
+//
+// - A block counts for the line that it ends in, its largest one. A line in which no block ends
+//   takes every block that has something of it. (`if (a) fail();` in one line: the code behind it
+//   begins with a mark of that line, but ends elsewhere.)
+// - The mark of a statement without code counts when the user asked for debug information; if not,
+//   only for a line that has no code anywhere.
+// - A region without a probe is no block: the compiler made it later, to copy values. It counts
+//   only for lines that nothing else in its function stands for.
 #include "asm_settle.h"
 
 #include <algorithm>
-#include <climits>
-#include <map>
 
-void settle_leading_marks(AsmText& text, const std::vector<Links>& links)
+namespace
 {
-    std::map<std::string_view, std::size_t> by_label;
-    for (std::size_t i = 0; i < links.size(); ++i) {
-        for (const std::string_view label : links[i].labels) {
-            by_label[label] = i;
-        }
-    }
-    std::vector<std::set<SourceLine>> from(links.size()); ///< lines of the regions before each
-    for (std::size_t i = 0; i < links.size(); ++i) {
-        const std::set<SourceLine>& lines = text.regions[i].lines;
-        for (const std::string_view label : links[i].jumps) {
-            const auto target = by_label.find(label);
-            if (target != by_label.end() && target->second != i) {
-                from[target->second].insert(lines.begin(), lines.end());
+
+using Lines = std::set<SourceLine>;
+using Traces = std::vector<Trace>;
+
+bool is_block(const Region& region)
+{
+    return region.probe != Region::Probe::none;
+}
+
+/// The lines that have code somewhere.
+Lines lines_with_code(const std::vector<Traces>& traces)
+{
+    Lines out;
+    for (const Traces& region : traces) {
+        for (const Trace& trace : region) {
+            if (trace.kind == Trace::Kind::code) {
+                out.insert(trace.line);
             }
         }
-        if (links[i].falls_through && i + 1 < links.size()) {
-            from[i + 1].insert(lines.begin(), lines.end());
-        }
     }
-    for (std::size_t i = 0; i < links.size(); ++i) {
-        for (const SourceLine& line : links[i].leading) {
-            if (from[i].count(line) == 0) {
-                text.regions[i].lines.insert(line);
+    return out;
+}
+
+/// The largest line of the last source file in the traces; 0 without any.
+SourceLine end_of(const Traces& traces)
+{
+    SourceLine end{0, 0};
+    for (const Trace& trace : traces) {
+        end = end.first == trace.line.first ? std::max(end, trace.line) : trace.line;
+    }
+    return end;
+}
+
+/// A block goes on behind a call that may not return: what was counted before the call needs no
+/// counter there.
+void keep_news(std::vector<Region>& regions)
+{
+    Lines counted;
+    for (Region& region : regions) {
+        if (region.probe != Region::Probe::after) {
+            counted = region.lines;
+            continue;
+        }
+        for (const SourceLine& line : Lines(region.lines)) {
+            if (!counted.insert(line).second) {
+                region.lines.erase(line);
             }
         }
     }
 }
 
-void credit_inlined_entries(AsmText& text)
+/// Takes from regions without a probe what blocks of their function have.
+void keep_orphans(AsmText& text)
 {
-    std::vector<SourceLine> bodies(text.functions.size(), {0, INT_MAX});
+    std::vector<Lines> of_blocks(text.functions.size());
     for (const Region& region : text.regions) {
-        if (region.function >= 0) {
-            const auto function = static_cast<std::size_t>(region.function);
-            const SourceLine name = text.functions[function].line;
-            const auto next = region.lines.upper_bound(name);
-            if (name.second > 0 && next != region.lines.end() && next->first == name.first) {
-                bodies[function] = {name.first, std::min(bodies[function].second, next->second)};
-            }
+        if (region.function >= 0 && is_block(region)) {
+            of_blocks[static_cast<std::size_t>(region.function)].insert(region.lines.begin(),
+                                                                        region.lines.end());
         }
-    }
-    std::map<SourceLine, SourceLine> names; // by the first line of the body
-    for (std::size_t i = 0; i < bodies.size(); ++i) {
-        names.emplace(bodies[i], text.functions[i].line);
     }
     for (Region& region : text.regions) {
-        const SourceLine own = region.function < 0
-                                   ? SourceLine{0, 0}
-                                   : text.functions[static_cast<std::size_t>(region.function)].line;
-        for (const SourceLine& line : std::set<SourceLine>(region.lines)) {
-            const auto name = names.find(line);
-            if (name != names.end() && name->second != own) {
-                region.lines.insert(name->second);
+        if (region.function >= 0 && !is_block(region)) {
+            const Lines& known = of_blocks[static_cast<std::size_t>(region.function)];
+            for (const SourceLine& line : Lines(region.lines)) {
+                if (known.count(line) != 0) {
+                    region.lines.erase(line);
+                }
             }
         }
     }
+}
+
+} // namespace
+
+void settle_lines(AsmText& text, const std::vector<Traces>& all, Marks marks)
+{
+    const Lines with_code = lines_with_code(all);
+    std::vector<Traces> counting(all.size());
+    Lines ends;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        std::copy_if(all[i].begin(), all[i].end(), std::back_inserter(counting[i]),
+                     [&](const Trace& trace) {
+                         return trace.kind != Trace::Kind::mark || marks == Marks::count ||
+                                with_code.count(trace.line) == 0;
+                     });
+        if (is_block(text.regions[i])) {
+            ends.insert(end_of(counting[i]));
+        }
+    }
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const SourceLine end = end_of(counting[i]);
+        for (const Trace& trace : counting[i]) {
+            if (trace.kind != Trace::Kind::brace &&
+                (trace.line == end || ends.count(trace.line) == 0)) {
+                text.regions[i].lines.insert(trace.line);
+            }
+        }
+    }
+    keep_orphans(text);
+    keep_news(text.regions);
 }

@@ -84,8 +84,10 @@ std::vector<std::string> directive_words(std::string_view line)
 
 bool is_jump_target(std::string_view label)
 {
-    return !begins_with(label, ".L") || begins_with(label, ".LBB") ||
-           (label.size() > 2 && is_digit(label[2]));
+    if (begins_with(label, ".LBB")) {
+        return label.find('_') != label.npos; // GCC's `.LBB7` begins a scope
+    }
+    return !begins_with(label, ".L") || (label.size() > 2 && is_digit(label[2]));
 }
 
 bool is_landing_mark(std::string_view mnemonic)
@@ -109,6 +111,23 @@ Flow flow_of(Machine machine, std::string_view mnemonic)
                                                   "bpl", "bvs", "bvc", "bhi",  "bls", "bge", "blt",
                                                   "bgt", "ble", "cbz", "cbnz", "tbz", "tbnz"});
     return conditional ? Flow::branch : Flow::on;
+}
+
+bool may_not_return(Machine machine, std::string_view mnemonic, std::string_view operand)
+{
+    const bool calls = machine == Machine::x86_64 ? is_one_of(mnemonic, {"call", "callq"})
+                                                  : is_one_of(mnemonic, {"bl", "blr"});
+    const std::string_view target = operand.substr(0, operand.find('@'));
+    return calls &&
+           !is_one_of(target,
+                      {"malloc",     "calloc",     "realloc",  "free",     "memcpy",    "memmove",
+                       "memset",     "memcmp",     "memchr",   "strlen",   "strcpy",    "strncpy",
+                       "strcat",     "strncat",    "strcmp",   "strncmp",  "strchr",    "strrchr",
+                       "strstr",     "strspn",     "strcspn",  "strpbrk",  "strdup",    "strndup",
+                       "stpcpy",     "sprintf",    "snprintf", "vsprintf", "vsnprintf", "sscanf",
+                       "toupper",    "tolower",    "isalpha",  "isdigit",  "isspace",   "sqrt",
+                       "pow",        "floor",      "ceil",     "fmod",     "strftime",  "abs",
+                       "strcasecmp", "strncasecmp"});
 }
 
 Machine machine_of(std::string_view text)

@@ -16,8 +16,8 @@ std::string_view trimmed(std::string_view line);
 /// its escapes resolved.
 std::vector<std::string> directive_words(std::string_view line);
 
-/// A label that code can jump to: `.L` and a digit (GCC), `.LBB` (clang), or a name of the
-/// programmer's. The other labels of the compilers mark debug information.
+/// A label that code can jump to: `.L` and a digit (GCC), `.LBB` with an underscore (clang), or a
+/// name of the programmer's. The other labels of the compilers mark debug information.
 bool is_jump_target(std::string_view label);
 
 /// An instruction that has to stand first where an indirect jump may land.
@@ -27,6 +27,10 @@ enum class Flow { on, branch, end };
 
 /// Whether the code goes on behind the instruction, only there or elsewhere too.
 Flow flow_of(Machine machine, std::string_view mnemonic);
+
+/// Whether the instruction calls a function that may end the program or jump out of it. Only
+/// functions that the compilers themselves know to return are taken for safe.
+bool may_not_return(Machine machine, std::string_view mnemonic, std::string_view operand);
 
 /// The machine of a text, by its first probe; none without a probe. Throws NotInstrumentable.
 Machine machine_of(std::string_view text);

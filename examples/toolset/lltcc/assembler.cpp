@@ -97,7 +97,8 @@ int instrument(const Job& job, AssemblerCall call)
 {
     const std::string text = read_input(call.input);
     SourceFiles files(job.path_maps);
-    const AsmText assembly = scan_assembly(text, files);
+    const AsmText assembly =
+        scan_assembly(text, files, job.drop_debug_info ? Marks::stand_in : Marks::count);
     if (job.drop_debug_info) {
         drop_debug_options(call.options);
     }

@@ -53,17 +53,27 @@ std::string real_assembler(const Words& command)
     return answer.empty() ? "as" : answer;
 }
 
+constexpr const char* GCC_PROBES = "-fsanitize-coverage=trace-pc";
+
 /// The optimisation level stays the user's. Left out of it are only passes that would let the
 /// report say something else than the source: those that let two places share one piece of code and
-/// so one probe, and those that move code to where it runs although its line does not.
-constexpr const char* GCC_OPTIONS[] = {"-fsanitize-coverage=trace-pc",
-                                       // joining equal code
-                                       "-fno-crossjumping", "-fno-ipa-icf", "-fno-tree-tail-merge",
-                                       "-fno-code-hoisting", "-fno-ssa-phiopt", "-fno-tree-cselim",
-                                       // moving and splitting code
-                                       "-fno-tree-pre", "-fno-tree-loop-im", "-fno-tree-sink",
-                                       "-fno-thread-jumps", "-fno-split-paths",
-                                       "-fno-schedule-insns2"};
+/// so one probe, those that move code to where it runs although its line does not, and inlining
+/// behind the point where gcov counts (small functions are inlined before it, and stay so).
+constexpr const char* GCC_OPTIMIZING[] = {
+    // joining equal code
+    "-fno-crossjumping", "-fno-ipa-icf", "-fno-tree-tail-merge", "-fno-code-hoisting",
+    "-fno-ssa-phiopt", "-fno-tree-cselim",
+    // moving and splitting code
+    "-fno-tree-pre", "-fno-tree-loop-im", "-fno-tree-sink", "-fno-thread-jumps", "-fno-split-paths",
+    "-fno-schedule-insns", "-fno-schedule-insns2",
+    // copying and specialising whole functions
+    "-fno-inline-functions-called-once", "-fno-partial-inlining", "-fno-ipa-cp", "-fno-ipa-sra",
+    "--param=max-inline-insns-single=0", "--param=max-inline-insns-auto=0",
+    "--param=max-inline-insns-small=0", "--param=max-inline-insns-size=0",
+    // increments behind calls use a register that a call may change
+    "-fno-ipa-ra",
+    // lines of statements that vanish
+    "-gstatement-frontiers"};
 
 constexpr const char* CLANG_OPTIONS[] = {
     "-fsanitize-coverage=edge,trace-pc,no-prune",
@@ -76,9 +86,9 @@ Words instrumented(const Words& command, const CompileCommand& compile, const st
     if (compile.is_clang) {
         more.assign(std::begin(CLANG_OPTIONS), std::end(CLANG_OPTIONS));
     } else {
-        more.assign(std::begin(GCC_OPTIONS), std::end(GCC_OPTIONS));
+        more.push_back(GCC_PROBES);
         if (compile.optimizes) {
-            more.push_back("-gstatement-frontiers"); // lines of statements that vanish
+            more.insert(more.end(), std::begin(GCC_OPTIMIZING), std::end(GCC_OPTIMIZING));
         }
     }
     if (!compile.has_debug_info) {
