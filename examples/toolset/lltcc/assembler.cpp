@@ -1,4 +1,4 @@
-// A failure ends the compile; the driver role then sees the reason in the notices and repeats the
+// A failure leaves no object; the driver role then sees the reason in the notices and repeats the
 // compile without instrumentation.
 #include "assembler.h"
 
@@ -135,7 +135,8 @@ int run_assembler(const Words& arguments)
         const std::string why = error.what();
         if (::write(job.notices, why.data(), why.size()) < 0) {
             std::fprintf(stderr, "lltcc: %s\n", why.c_str());
+            return 1;
         }
-        return 1;
+        return 0; // of a failure the compiler would tell, before it is clear that it is one
     }
 }

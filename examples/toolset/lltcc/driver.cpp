@@ -163,11 +163,8 @@ int run_driver(const Words& arguments)
     const int status = run_program(instrumented(command, compile, tools));
     const std::string trouble = content_of(job.notices);
     ::unsetenv(JOB_VARIABLE);
-    if (status != 0) {
+    if (status != 0 || !trouble.empty()) {
         return compile_plainly(command, compile.sources[0], trouble);
-    }
-    if (!trouble.empty()) {
-        notice("%s", trouble.c_str());
     }
     return 0;
 }
