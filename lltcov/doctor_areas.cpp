@@ -47,6 +47,12 @@ std::string module_of_archive(const std::string& path)
     return module;
 }
 
+bool is_identifier(const std::string& name)
+{
+    return std::all_of(name.begin(), name.end(),
+                       [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; });
+}
+
 bool holds_symbol(const ScannedObject& object, const std::string& symbol)
 {
     return std::any_of(object.symbols.begin(), object.symbols.end(),
@@ -71,7 +77,10 @@ public:
             findings_.add("archives without a stub",
                           "'" + path +
                               "' has instrumented members and no stub: they count only "
-                              "where lltld links them; make it by one ar through lltwrapper");
+                              "where lltld links them; " +
+                              (is_identifier(module)
+                                   ? "make it by one ar through lltwrapper"
+                                   : "its name must be of letters, digits, '_' and '-'"));
         }
         const std::size_t hash = std::hash<std::string>()(content);
         const auto [known, is_new] = seen_.emplace(module, Archive{path, hash});
@@ -108,12 +117,6 @@ bool declares_port(const std::string& command)
         }
     }
     return false;
-}
-
-bool is_identifier(const std::string& name)
-{
-    return std::all_of(name.begin(), name.end(),
-                       [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; });
 }
 
 void check_symbol(const std::string& symbol, Findings& findings)

@@ -208,6 +208,11 @@ done
 case $archive in
     '' | *[!A-Za-z0-9_@%+=:,./^-]*) exec "$real" "$@" ;;
 esac
+# The module's name becomes part of the stub's function names; a link finds the members of others.
+module=${archive##*/} module=${module%%.*}
+case $module in
+    '' | *[!A-Za-z0-9_-]*) exec "$real" "$@" ;;
+esac
 if [ -n "$rewrite" ]; then
     for word; do
         shift

@@ -134,6 +134,8 @@ TEST_F(Shims, OnlyStepsThatMakeCodeAreWrapped)
            {"ar -d libx.a q.o", false},
            {"ar s libr.a", false},
            {"ar rcs x.lib x.o", false},
+           {"ar rcs lib+.a x.o", false}, // no module name
+           {"ar rcs d.e/lib-x_1.a x.o", true},
            {"ar --version", false},
            {"ar -M", false}});
     run("cd CMakeFiles/CMakeScratch/t && LLT_WRAP=1 exec gcc -c x.c");

@@ -89,6 +89,8 @@ finds "archives: '.*libtwice.a' of module libtwice is gone" 'mv libtwice.a saved
     'mv saved libtwice.a'
 finds "archives: '.*libtwice.a' has instrumented members and no stub" \
     'mv libtwice.a saved && LLT_WRAP=0 ar rcs libtwice.a twice.o' 'mv saved libtwice.a'
+finds "archives: '.*lib+.a' has .* no stub: .*; its name must be" \
+    'LLT_WRAP=0 ar rcs lib+.a twice.o' 'rm lib+.a'
 finds "archives: '.*libtwice.a' and '.*libtwice.a' share the work area of 'libtwice'" \
     'mkdir sub && cp libtwice.a sub && LLT_WRAP=0 ar q sub/libtwice.a main' 'rm -r sub'
 finds "names: symbol 's123456789.123456789.123456789.1' has more than 31" \
