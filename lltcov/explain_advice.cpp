@@ -4,7 +4,7 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "lltcov/path_search.h"
-#include "lltcov/shim_text.h"
+#include "lltcov/tool_kind.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
@@ -51,23 +51,11 @@ void advise_on_link(const ExplainedStep& step, Advice& advice)
                         ", which has no link driver; 0 is the usual one"));
 }
 
-/// True when the shell finds the program.
-bool can_be_started(const std::string& name)
-{
-    if (name.find('/') != name.npos) {
-        return is_program(name);
-    }
-    std::vector<std::string> directories;
-    strsplit_v(env_text("PATH").c_str(), ':', directories);
-    std::replace(directories.begin(), directories.end(), std::string(), std::string("."));
-    return !find_program(directories, name).empty();
-}
-
 void advise_on_programs(const ExplainedStep& step, Advice& advice)
 {
     const auto& words = step.shell.words;
     const auto look_for = [&](const char* kind, std::size_t i) {
-        if (i < words.size() && words[i].live.empty() && !can_be_started(words[i].text)) {
+        if (i < words.size() && words[i].live.empty() && program_on_path(words[i].text).empty()) {
             advice.warnings.push_back(kind + quoted(words[i].text) +
                                       " is not found; add its directory to PATH");
         }

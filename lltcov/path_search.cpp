@@ -1,3 +1,4 @@
+// The shims name tools by absolute paths; the shell also takes what a relative PATH leads to.
 #include "lltcov/path_search.h"
 
 #include "commonfunc/Caddis_func.h"

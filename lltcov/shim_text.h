@@ -1,20 +1,9 @@
 // The text of a shim: a shell script in the place of a tool.
 #pragma once
 
+#include "lltcov/tool_kind.h"
+
 #include <string>
-
-/// What a tool does, which decides when its call goes through the wrapper.
-enum class ToolKind {
-    none,
-    compiler,
-    linker,
-    archiver,
-    launcher, ///< runs a compiler that it may leave out: a cache, a distributor
-};
-
-/// The kind of a tool by its file name: "g++", "clang-14", "x86_64-linux-gnu-gcc-ar"; `none` for
-/// what gets no shim.
-ToolKind kind_of_tool(const std::string& name);
 
 /// The script in the place of the tool with the absolute path `real`. While "LLT_WRAP" is unset,
 /// empty or 0 it becomes the tool; else it goes through `wrapper` (absolute path) where the call
@@ -25,4 +14,5 @@ std::string shim_text(ToolKind kind, const std::string& real, const std::string&
 /// The tool that a shim stands for, of whatever directory; empty when the file is no shim.
 std::string tool_of_shim(const std::string& path);
 
+/// True for a shim, of whatever directory.
 bool is_shim(const std::string& path);
