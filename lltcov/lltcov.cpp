@@ -20,43 +20,62 @@ struct Command {
 };
 
 constexpr Command COMMANDS[] = {
-    {"explain", "-- COMMAND...", "what lltwrapper would do with a command; runs nothing",
-     run_explain},
-    {"doctor", "", "what is missing or odd in settings, tools and work areas, with cures",
-     run_doctor},
-    {"export", "--lcov|--json|--cobertura [-o FILE]", "the coverage of all runs, for other tools",
-     run_export},
-    {"status", "[--json]", "modules, sources, symbols and hit rates", run_status},
-    {"clean", "[--all] [--dry-run]",
+    {"explain", "[--project DIR] -- COMMAND...",
+     "what lltwrapper would do with a command; runs nothing", run_explain},
+    {"doctor", "[--project DIR]",
+     "what is missing or odd in settings, tools and work areas, with cures", run_doctor},
+    {"export", "--lcov|--json|--cobertura [-o FILE] [--include-system] [--project DIR]",
+     "the coverage of all runs, for other tools", run_export},
+    {"status", "[--json] [--project DIR]", "modules, sources, symbols and hit rates", run_status},
+    {"clean", "[--all] [--dry-run] [--project DIR]",
      "remove the counts of all runs, or everything that the build left", run_clean},
     {"shims", "DIR", "write compilers and archivers that go through lltwrapper on demand",
      run_shims},
 };
 
+bool is_help(const char* word)
+{
+    return std::strcmp(word, "--help") == 0;
+}
+
 void print_help(std::FILE* out)
 {
-    std::fputs("Usage: lltcov COMMAND [argument ...]\n\n", out);
+    std::fputs("usage: lltcov COMMAND [argument ...]\n\n", out);
     for (const Command& command : COMMANDS) {
-        std::fprintf(out, "  %-8s %-38s %s\n", command.name, command.operands, command.purpose);
+        std::fprintf(out, "  %s %s\n      %s\n", command.name, command.operands, command.purpose);
     }
-    std::fputs("\nThe project is the one of --project DIR, else of qmr_current_prj_path, else the "
-               "current folder.\nExit status: 0, 1 when something was found or failed, 2 for a "
-               "wrong call. See lltcov(1).\n",
+    std::fputs("\nThe project is the one of --project, else of qmr_current_prj_path, else the "
+               "current\nfolder. Exit status: 0, 1 when something was found or failed, 2 for a "
+               "wrong call.\nSee lltcov(1).\n",
                out);
 }
 
-int run_command(const char* name, const Arguments& arguments)
+void print_usage(std::FILE* out, const Command& command)
+{
+    std::fprintf(out, "usage: lltcov %s %s\n", command.name, command.operands);
+}
+
+int run_command(const Command& command, const Arguments& arguments)
+{
+    if (!arguments.empty() && is_help(arguments[0].c_str())) {
+        print_usage(stdout, command);
+        std::printf("%s; see lltcov(1)\n", command.purpose);
+        return 0;
+    }
+    try {
+        return command.run(arguments);
+    } catch (const UsageError& error) {
+        std::fprintf(stderr, "lltcov: %s\n", error.what());
+        print_usage(stderr, command);
+        return 2;
+    }
+}
+
+int run_command_named(const char* name, const Arguments& arguments)
 {
     for (const Command& command : COMMANDS) {
-        if (std::strcmp(name, command.name) != 0) {
-            continue;
-        }
-        try {
-            return command.run(arguments);
-        } catch (const UsageError& error) {
-            std::fprintf(stderr, "lltcov: %s\nusage: lltcov %s %s\n", error.what(), command.name,
-                         command.operands);
-            return 2;
+        if (std::strcmp(name, command.name) == 0) {
+            return run_command(command, arguments);
         }
     }
     std::fprintf(stderr, "lltcov: there is no command '%s'\n", name);
@@ -73,7 +92,7 @@ int main(int argc, char** argv)
         print_help(stderr);
         return 2;
     }
-    if (std::strcmp(argv[1], "--help") == 0) {
+    if (is_help(argv[1]) || std::strcmp(argv[1], "help") == 0) {
         print_help(stdout);
         return 0;
     }
@@ -82,7 +101,7 @@ int main(int argc, char** argv)
         return 0;
     }
     try {
-        return run_command(argv[1], Arguments(argv + 2, argv + argc));
+        return run_command_named(argv[1], Arguments(argv + 2, argv + argc));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "lltcov: stopped: %s\n", error.what());
         return 1;
