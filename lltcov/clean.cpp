@@ -26,11 +26,6 @@ mode_t type_of(const std::string& path)
     return ::lstat(path.c_str(), &info) == 0 ? info.st_mode & S_IFMT : 0;
 }
 
-bool is_inside(const std::string& path, const std::string& root)
-{
-    return path.compare(0, root.size() + 1, root + "/") == 0;
-}
-
 class Cleaner
 {
 public:
@@ -136,9 +131,7 @@ private:
 int run_clean(const Arguments& arguments)
 {
     const CommandLine line(arguments, {"--all", "--dry-run"}, {"--project"});
-    if (!line.operands().empty()) {
-        throw UsageError("what is '" + line.operands()[0] + "'?");
-    }
+    line.refuse_operands();
     const std::string root = project_root(line);
     if (type_of(root + "/LLTTEMP") == 0 && modules_of(root).empty()) {
         warn("'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name "

@@ -1,4 +1,5 @@
 // The elements and attributes that Cobertura's coverage-04.dtd requires, in its order.
+#include "lltcov/project.h"
 #include "lltcov/report_formats.h"
 #include "lltcov/report_text.h"
 
@@ -7,13 +8,6 @@
 
 namespace
 {
-
-/// The path as the report names it.
-std::string shown_path(const std::string& root, const std::string& path)
-{
-    const bool inside = path.compare(0, root.size() + 1, root + "/") == 0;
-    return inside ? path.substr(root.size() + 1) : path;
-}
 
 std::string directory_of(const std::string& path)
 {
@@ -81,7 +75,7 @@ std::string as_cobertura(const Report& report)
 {
     std::map<std::string, Package> packages;
     for (const auto& [path, source] : report.coverage) {
-        const std::string shown = shown_path(report.root, path);
+        const std::string shown = shown_path(path, report.root);
         Package& package = packages[directory_of(shown)];
         const Rate lines = rates_of(source).lines;
         package.lines.hit += lines.hit;

@@ -1,3 +1,5 @@
+// A small reader instead of getopt: each subcommand has two or three long options, and a wrong call
+// is answered with the subcommand's own usage line.
 #include "lltcov/command_line.h"
 
 #include <algorithm>
@@ -46,4 +48,11 @@ std::string CommandLine::value(const std::string& option) const
 {
     const auto found = values_.find(option);
     return found == values_.end() ? "" : found->second;
+}
+
+void CommandLine::refuse_operands(const std::string& hint) const
+{
+    if (!operands_.empty()) {
+        throw UsageError("what is '" + operands_[0] + "'?" + hint);
+    }
 }

@@ -22,12 +22,17 @@ public:
     CommandLine(const std::vector<std::string>& arguments, const std::vector<std::string>& flags,
                 const std::vector<std::string>& valued);
 
+    /// True when the option was given.
     bool has(const std::string& option) const { return values_.count(option) != 0; }
 
     /// The option's value; empty when it was not given.
     std::string value(const std::string& option) const;
 
+    /// What stands in the call beside options and their values.
     const std::vector<std::string>& operands() const { return operands_; }
+
+    /// Throws `UsageError` when there are operands; `hint` is added to its text.
+    void refuse_operands(const std::string& hint = "") const;
 
 private:
     std::map<std::string, std::string> values_;

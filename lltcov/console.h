@@ -27,6 +27,7 @@ public:
     /// Prints them on standard error.
     void print() const;
 
+    /// True when `add` was called; notes do not count.
     bool has_problems() const { return has_problems_; }
 
     /// The lines of a kind.
@@ -41,6 +42,7 @@ private:
 class Progress
 {
 public:
+    /// `what` is going on with each of `total` things: "reading dumps".
     Progress(std::string what, std::size_t total);
     ~Progress();
     Progress(const Progress&) = delete;
@@ -69,6 +71,7 @@ public:
     /// Adds a row; it has a cell for each column. Control characters are shown as "?".
     void add(std::vector<std::string> cells);
 
+    /// Prints the table, its titles first.
     void print() const;
 
 private:

@@ -61,5 +61,8 @@ struct Rates {
     Rate functions;
 };
 
+/// The rates of one source.
 Rates rates_of(const SourceCoverage& source);
+
+/// The rates of all sources together.
 Rates rates_of(const Coverage& coverage);

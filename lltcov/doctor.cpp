@@ -62,9 +62,7 @@ bool print(const char* name, const Findings& findings)
 int run_doctor(const Arguments& arguments)
 {
     const CommandLine line(arguments, {}, {"--project"});
-    if (!line.operands().empty()) {
-        throw UsageError("what is '" + line.operands()[0] + "'?");
-    }
+    line.refuse_operands();
     Findings reading;
     std::string root;
     try {

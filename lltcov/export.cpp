@@ -67,9 +67,7 @@ int run_export(const Arguments& arguments)
 {
     const CommandLine line(arguments, {"--lcov", "--json", "--cobertura", "--include-system"},
                            {"-o", "--project"});
-    if (!line.operands().empty()) {
-        throw UsageError("what is '" + line.operands()[0] + "'? The report's file goes behind -o");
-    }
+    line.refuse_operands(" The report's file goes behind -o");
     const Format& format = chosen_format(line);
     Findings findings;
     const ProjectData data = read_project_data(line, findings);

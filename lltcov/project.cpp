@@ -1,3 +1,5 @@
+// Where a project and its parts are. A module is known by the project file of its work area, a dump
+// by its name.
 #include "lltcov/project.h"
 
 #include "commonfunc/Caddis_func.h"
@@ -60,6 +62,16 @@ bool is_dump(const std::string& name)
 bool is_unfinished_dump(const std::string& name)
 {
     return ::fnmatch(".?*.[0-9]*.[0-9]*.tmp", name.c_str(), 0) == 0;
+}
+
+bool is_inside(const std::string& path, const std::string& folder)
+{
+    return path.compare(0, folder.size() + 1, folder + "/") == 0;
+}
+
+std::string shown_path(const std::string& path, const std::string& folder)
+{
+    return is_inside(path, folder) ? path.substr(folder.size() + 1) : path;
 }
 
 std::vector<std::string> names_in(const std::string& directory)

@@ -27,10 +27,18 @@ std::string temporary_area(const std::string& root);
 /// ROOT/llt_result.
 std::string dump_root(const std::string& root);
 
-/// True for the name of a dump file, and of one that was being written when its program died
-/// (".MODULE.PID.ADDRESS.tmp").
+/// True for the name of a dump file.
 bool is_dump(const std::string& name);
+
+/// True for the name of a dump that was being written when its program died
+/// (".MODULE.PID.BUID.COUNTER.tmp").
 bool is_unfinished_dump(const std::string& name);
+
+/// True for a path below the folder, both absolute and without "." and "..".
+bool is_inside(const std::string& path, const std::string& folder);
+
+/// The path as people read it: relative to the folder when it is inside.
+std::string shown_path(const std::string& path, const std::string& folder);
 
 /// The names in a directory, in byte order, without "." and ".."; empty when it cannot be read.
 std::vector<std::string> names_in(const std::string& directory);

@@ -86,8 +86,7 @@ private:
         if (module != module_of_area_.end()) {
             return module->second;
         }
-        const std::string inside = data_.root + "/";
-        if (named[0] != '/' || named.compare(0, inside.size(), inside) == 0) {
+        if (named[0] != '/' || is_inside(named, data_.root)) {
             ++orphans_[named];
         } else {
             ++foreign_;

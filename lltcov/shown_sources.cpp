@@ -50,7 +50,7 @@ Coverage CoverageMaker::coverage_of(const std::vector<std::size_t>& objects)
 bool CoverageMaker::is_shown(const InstrumentedObject& object, const std::string& path)
 {
     if (system_headers_ == SystemHeaders::left_out && is_system_header(path) &&
-        !begins_with(path, data_.root + "/")) {
+        !is_inside(path, data_.root)) {
         return false;
     }
     const std::optional<struct stat>& state = state_of(path);

@@ -74,11 +74,10 @@ void print_table(const std::vector<Row>& rows, const std::string& root)
     Table table({"MODULE", ">SOURCES", ">SYMBOLS", ">LINES", ">%", ">FUNCTIONS", ">%", ">DUMPS",
                  "BUILT", "OUTPUT"});
     for (const Row& row : rows) {
-        const bool inside = row.output.compare(0, root.size() + 1, root + "/") == 0;
         table.add({row.name, std::to_string(row.sources), std::to_string(row.symbols),
                    of(row.rates.lines), percent(row.rates.lines), of(row.rates.functions),
                    percent(row.rates.functions), std::to_string(row.dumps), row.built,
-                   inside ? row.output.substr(root.size() + 1) : row.output});
+                   shown_path(row.output, root)});
     }
     table.print();
 }
@@ -114,9 +113,7 @@ void print_json(const std::vector<Row>& rows, const std::string& root)
 int run_status(const Arguments& arguments)
 {
     const CommandLine line(arguments, {"--json"}, {"--project"});
-    if (!line.operands().empty()) {
-        throw UsageError("what is '" + line.operands()[0] + "'?");
-    }
+    line.refuse_operands();
     Findings findings;
     const ProjectData data = read_project_data(line, findings);
     const std::vector<Row> rows = rows_of(data, findings);

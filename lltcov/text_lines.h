@@ -38,6 +38,7 @@ public:
     /// The same of a text that is in this line.
     std::uint64_t number_of(std::string_view digits, const char* what, std::uint64_t largest) const;
 
+    /// Throws `FormatError` with the number of this line.
     [[noreturn]] void fail(const std::string& what) const { throw FormatError(line_number_, what); }
 
 private:
