@@ -2,11 +2,11 @@
 #include "lltcov/doctor.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "lltcov/coverage_names.h"
 #include "lltcov/shown_sources.h"
 #include "lltld/object_scan.h"
 
 #include <algorithm>
-#include <cctype>
 #include <ctime>
 #include <functional>
 #include <sys/stat.h>
@@ -14,14 +14,10 @@
 namespace
 {
 
-/// Longest symbol that the merged table keeps apart from its copies.
-constexpr std::size_t MAX_SYMBOL = 31;
 /// Longest path of a record.
 constexpr std::size_t MAX_PATH_IN_RECORD = 259;
 /// A temporary file that is younger may be in use, in seconds.
 constexpr std::time_t MIN_AGE = 60;
-
-constexpr const char* STUB_MEMBER = "__code_measure_stub_lib_";
 
 bool begins_with(const std::string& text, const std::string& start)
 {
@@ -69,8 +65,8 @@ public:
     {
         const std::string module = module_of_archive(path);
         // A member's name ends with a slash, here or in the table of long names.
-        const bool has_stub = contains(content, STUB_MEMBER + module + ".o/");
-        if (!is_archive(content) || (!has_stub && !contains(content, "g_QMRCovData_"))) {
+        const bool has_stub = contains(content, STUB_PREFIX + module + ".o/");
+        if (!is_archive(content) || (!has_stub && !contains(content, ARRAY_PREFIX))) {
             return;
         }
         if (!has_stub) {
@@ -100,24 +96,6 @@ private:
     Findings& findings_;
     std::map<std::string, Archive> seen_;
 };
-
-/// A header named by "-include" in the command declares the port, or the command does itself.
-bool declares_port(const std::string& command)
-{
-    if (contains(command, "g_TUSKSockBindPort")) {
-        return true;
-    }
-    std::vector<std::string> words;
-    strsplit_v(command.c_str(), ' ', words);
-    for (std::size_t i = 0; i + 1 < words.size(); ++i) {
-        std::string header;
-        if (words[i] == "-include" && read_whole_file(words[i + 1], header) == Reading::done &&
-            contains(header, "g_TUSKSockBindPort")) {
-            return true;
-        }
-    }
-    return false;
-}
 
 void check_symbol(const std::string& symbol, Findings& findings)
 {
@@ -190,7 +168,7 @@ void check_names(Examined& examined, Findings& findings)
         }
     }
     for (const Module& module : modules_of(examined.data.root)) {
-        if (!is_identifier(module.name)) {
+        if (!fits_identifier(module.name)) {
             findings.add("module names", "module '" + module.name +
                                              "' is no C identifier: its "
                                              "stub does not compile; rename the library");

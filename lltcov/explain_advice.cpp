@@ -3,6 +3,7 @@
 #include "lltcov/explain_advice.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "lltcov/coverage_names.h"
 #include "lltcov/path_search.h"
 #include "lltcov/tool_kind.h"
 #include "lltwrapper/wrapper_state.h"
@@ -162,7 +163,7 @@ void advise_on_live(std::size_t i, const ShellWord& word, Advice& advice)
 /// cut or stripped by the shell.
 void advise_on_words(const ExplainedStep& step, Advice& advice)
 {
-    const std::string stub = "/__code_measure_stub_lib_";
+    const std::string stub = std::string("/") + STUB_PREFIX;
     std::string strange;
     for (std::size_t i = step.driver_words; i < step.shell.words.size(); ++i) {
         const ShellWord& word = step.shell.words[i];

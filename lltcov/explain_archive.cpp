@@ -3,6 +3,7 @@
 #include "lltcov/explain_advice.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "lltcov/coverage_names.h"
 #include "lltld/linuxfunc.h"
 #include "lltwrapper/wrapper_state.h"
 
@@ -12,11 +13,6 @@
 
 namespace
 {
-
-/// Bytes of a coverage symbol that a source table holds.
-constexpr std::size_t SYMBOL_LENGTH = 31;
-
-constexpr char PREFIX[] = "g_QMRCovData_";
 
 void advise_on_missing_archive(Advice& advice)
 {
@@ -109,10 +105,10 @@ void advise_on_symbols(const std::vector<Symbol>& symbols, Advice& advice)
     const Symbol* unknown = nullptr;
     std::size_t count = 0;
     for (const Symbol& symbol : symbols) {
-        if (symbol.name.size() > SYMBOL_LENGTH) {
+        if (symbol.name.size() > MAX_SYMBOL) {
             advice.warnings.push_back("symbol " + quoted(symbol.name) + " of " +
                                       quoted(symbol.object) + " has more than " +
-                                      std::to_string(SYMBOL_LENGTH) +
+                                      std::to_string(MAX_SYMBOL) +
                                       " characters: the step loses it; the driver must use shorter "
                                       "ones");
         }
@@ -146,10 +142,7 @@ std::string stub_command(const std::vector<Symbol>& symbols)
 
 void advise_on_stub(const ExplainedStep& step, const std::vector<Symbol>& symbols, Advice& advice)
 {
-    const auto in_identifier = [](char c) {
-        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
-    };
-    if (!std::all_of(step.name.begin(), step.name.end(), in_identifier)) {
+    if (!fits_identifier(step.name)) {
         advice.warnings.push_back("module name " + quoted(step.name) +
                                   " cannot stand in a C identifier: the stub is not compiled; name "
                                   "the archive with letters, digits, '_' and '-'");
@@ -158,12 +151,10 @@ void advise_on_stub(const ExplainedStep& step, const std::vector<Symbol>& symbol
     if (command.empty()) {
         advice.warnings.push_back("no member has a recorded compile command: the stub is not "
                                   "compiled; compile the members anew");
-    } else if (env_int("LLT_DISABLE_SOCKET") != 1 &&
-               command.find("g_TUSKSockBindPort") == std::string::npos &&
-               command.find("-include") == std::string::npos) {
+    } else if (env_int("LLT_DISABLE_SOCKET") != 1 && !declares_port(command)) {
         advice.warnings.push_back("sockets are enabled, and the recorded compile command declares "
                                   "no g_TUSKSockBindPort: the stub is not compiled; set "
-                                  "LLT_DISABLE_SOCKET=1");
+                                  "LLT_DISABLE_SOCKET=1, or add -include HEADER");
     }
 }
 
@@ -187,7 +178,7 @@ std::vector<std::string> instrumented_members(const std::string& text)
             name = long_names.substr(std::min(start, long_names.size()), std::string::npos);
         }
         name.resize(std::min(name.size(), name.find_first_of("/\n")));
-        if (!name.empty() && data.find(PREFIX) != std::string::npos) {
+        if (!name.empty() && data.find(ARRAY_PREFIX) != std::string::npos) {
             names.push_back(name);
         }
     }
@@ -211,7 +202,7 @@ void advise_on_kept_members(const ExplainedStep& step, Advice& advice)
         const bool replaced = std::any_of(named.begin(), named.end(), [&](const std::string& path) {
             return base_name(path) == kept;
         });
-        if (!replaced && kept.compare(0, 24, "__code_measure_stub_lib_") != 0) {
+        if (!replaced && kept.find(STUB_PREFIX) != 0) {
             advice.warnings.push_back(
                 quoted(kept) + " stays in " + quoted(step.decision.archive) +
                 " but is not in this command, so not in its stub either; build the library by one "
