@@ -1,3 +1,4 @@
+// One line per member, its name first: values may hold blanks, and a new member is a new line.
 #include "job.h"
 
 #include <cstdlib>

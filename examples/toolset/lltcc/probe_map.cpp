@@ -1,3 +1,5 @@
+// The lines of the map come from the regions that kept a counter; what the compiler recorded as
+// file numbers becomes paths here.
 #include "probe_map.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The compiler gets the command as it was; the files are opened to find out what it asks for.
 #include "response_words.h"
 
 #include "commonfunc/file_ops.h"

@@ -1,3 +1,5 @@
+// A relative path counts from the directory that the compiler recorded as file 0. Sources are read
+// only where the assembly text leaves a question open, and once.
 #include "source_files.h"
 
 #include "commonfunc/Caddis_func.h"

@@ -3,6 +3,7 @@
 // with Files" in the manual of GNU ld.
 #include "examples/toolset/lltld/link_file.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <sys/stat.h>

@@ -1,3 +1,5 @@
+/* No stdio and no memory of its own: a dump may be asked for in a signal handler, in which both may
+ * be in the middle of something. */
 #include "out.h"
 
 #include <errno.h>

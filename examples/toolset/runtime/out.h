@@ -13,6 +13,7 @@ struct out {
     int failed;  /* 1 once something was lost; the rest is left out then */
 };
 
+/* Adds a text, and a number in decimal digits. */
 void out_text(struct out* out, const char* text);
 void out_number(struct out* out, unsigned long long number);
 

@@ -1,3 +1,5 @@
+/* Timer and signals ask for a dump at moments that the program does not choose; both go away before
+ * the arrays do. */
 #include "policy.h"
 
 #include "copies.h"

@@ -1,3 +1,4 @@
+/* Lists, and a table of addresses beside them: an array that two modules register counts once. */
 #include "registry.h"
 
 #include <pthread.h>

@@ -19,6 +19,7 @@ struct buffer {
     unsigned int points;      /* number of probes */
 };
 
+/* A library or program that registered itself. */
 struct module {
     struct module* next;
     char* name;
