@@ -21,7 +21,7 @@ struct Setting {
 };
 
 constexpr Setting SETTINGS[] = {
-    {"qmr_coverage_stub_mold", " 0 1 2 3 4 5 6 7 8 9 ", true},
+    {"qmr_coverage_stub_mold", " 0 1 2 4 5 6 7 8 9 ", true},
     {"isOverlappedCompile", " 0 1 ", true},
     {"TimerPolicy", " 0 1 ", true},
     {"SignalPolicy", " 0 1 ", true},

@@ -53,6 +53,7 @@ grep -q '^nothing found: 2 modules' "$tmp/out" || fail 'a sound project is not c
 finds 'TimerPolicy is not set; source' 'unset TimerPolicy' 'export TimerPolicy=0'
 sets "settings: TimerPolicy is '2'; set it to one of 0 1" TimerPolicy 2
 sets "settings: qmr_coverage_stub_mold is '10'" qmr_coverage_stub_mold 10
+sets "settings: qmr_coverage_stub_mold is '3'" qmr_coverage_stub_mold 3 # its stubs declare nothing
 finds "TimeInterval is '0' although TimerPolicy is 1" 'TimerPolicy=1 TimeInterval=0' \
     'TimerPolicy=0 TimeInterval=60'
 finds "SignalNUM is '65'" 'SignalPolicy=1 SignalNUM=65' 'SignalPolicy=0 SignalNUM=10'
