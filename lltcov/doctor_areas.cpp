@@ -7,6 +7,7 @@
 #include "lltld/object_scan.h"
 
 #include <algorithm>
+#include <cctype>
 #include <ctime>
 #include <functional>
 #include <sys/stat.h>
