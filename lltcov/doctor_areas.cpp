@@ -7,7 +7,6 @@
 #include "lltld/object_scan.h"
 
 #include <algorithm>
-#include <cctype>
 #include <ctime>
 #include <functional>
 #include <sys/stat.h>
@@ -44,12 +43,6 @@ std::string module_of_archive(const std::string& path)
     return module;
 }
 
-bool is_identifier(const std::string& name)
-{
-    return std::all_of(name.begin(), name.end(),
-                       [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; });
-}
-
 bool holds_symbol(const ScannedObject& object, const std::string& symbol)
 {
     return std::any_of(object.symbols.begin(), object.symbols.end(),
@@ -75,7 +68,7 @@ public:
                           "'" + path +
                               "' has instrumented members and no stub: they count only "
                               "where lltld links them; " +
-                              (is_identifier(module)
+                              (fits_identifier(module)
                                    ? "make it by one ar through lltwrapper"
                                    : "its name must be of letters, digits, '_' and '-'"));
         }
