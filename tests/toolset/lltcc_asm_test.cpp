@@ -1,5 +1,6 @@
 // Assembly in, regions and counters out. The texts are cut from what the compilers write.
 #include "examples/toolset/lltcc/asm_rewrite.h"
+#include "examples/toolset/lltcc/asm_syntax.h"
 
 #include <gtest/gtest.h>
 
@@ -107,6 +108,31 @@ TEST(LltccRegions, LinesBelongToTheCodeThatRunsWithThem)
     for (const auto& one : CASES) {
         SCOPED_TRACE(one.what);
         EXPECT_EQ(probe_lines(function(one.body)), one.probes);
+    }
+}
+
+TEST(LltccRegions, MangledNamesTellTheWordAtTheDefinition)
+{
+    const struct {
+        const char* symbol;
+        const char* name;
+    } CASES[] = {
+        {"main", "main"},
+        {"_Z4freei", "free"},
+        {"_ZL6hiddenv", "hidden"},
+        {"_ZN2ns5Class6methodEPKc", "method"},
+        {"_ZNK2ns5Class6methodEv", "method"},
+        {"_ZN12_GLOBAL__N_15localEv", "local"},
+        {"_ZN5ClassC2Ev", "Class"},
+        {"_ZN5ClassD0Ev", "Class"},
+        {"_ZN5Class4textB5cxx11Ev", "text"},
+        {"_Z4textB5cxx11v", "text"},
+        {"_ZN5ClasseqERKS_", "operator"},
+        {"_ZN5ClassIiE6methodEv", ""},
+        {"_ZZ4mainENKUliE_clEi", ""},
+    };
+    for (const auto& one : CASES) {
+        EXPECT_EQ(name_in_source(one.symbol), one.name) << one.symbol;
     }
 }
 

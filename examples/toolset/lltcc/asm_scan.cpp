@@ -121,7 +121,9 @@ private:
             // C functions begin at their brace (for clang: in its line), maybe below the name.
             Function& function = m_out.functions.back();
             const int named =
-                begin == '{' || column == 0 ? m_files.line_of_name(file, line, function.symbol) : 0;
+                begin == '{' || column == 0
+                    ? m_files.line_of_name(file, line, name_in_source(function.symbol))
+                    : 0;
             m_at_line.second = named != 0 ? named : line;
             function.line = m_at_line;
         }

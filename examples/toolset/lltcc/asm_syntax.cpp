@@ -90,6 +90,39 @@ bool is_jump_target(std::string_view label)
     return !begins_with(label, ".L") || (label.size() > 2 && is_digit(label[2]));
 }
 
+std::string name_in_source(std::string_view symbol)
+{
+    if (!begins_with(symbol, "_Z")) {
+        return std::string(symbol);
+    }
+    const bool nested = begins_with(symbol, "_ZN");
+    std::string_view name;
+    bool is_tag = false;
+    for (std::size_t i = nested ? 3 : 2; i < symbol.size();) {
+        const char c = symbol[i];
+        if (is_digit(c)) {
+            const auto digits = symbol.find_first_not_of("0123456789", i) - i;
+            const std::size_t size = std::strtoul(symbol.data() + i, nullptr, 10);
+            name = is_tag ? name : symbol.substr(std::min(i + digits, symbol.size()), size);
+            is_tag = false;
+            i += digits + size;
+            if (!nested && (i >= symbol.size() || symbol[i] != 'B')) {
+                break;
+            }
+        } else if (c == 'I' || c == 'Z' || (c == 'S' && symbol.substr(i, 2) != "St")) {
+            return ""; // template arguments, a local name, an abbreviation
+        } else if (c >= 'a' && c <= 'z') {
+            return "operator";
+        } else if (c == 'E' || c == 'C' || c == 'D') {
+            break; // the end, a constructor, a destructor
+        } else {
+            is_tag = c == 'B'; // else a qualifier of the member function
+            i += c == 'S' ? 2 : 1;
+        }
+    }
+    return std::string(name);
+}
+
 bool is_landing_mark(std::string_view mnemonic)
 {
     return begins_with(mnemonic, "endbr") || mnemonic == "bti" || begins_with(mnemonic, "paci");

@@ -20,6 +20,11 @@ std::vector<std::string> directive_words(std::string_view line);
 /// name of the programmer's. The other labels of the compilers mark debug information.
 bool is_jump_target(std::string_view label);
 
+/// The word that names a function at its definition: C symbols stand for themselves; of a mangled
+/// one (Itanium C++ ABI) the last identifier of its name, or "operator". Empty when that cannot be
+/// told, as for members of template instances and local classes.
+std::string name_in_source(std::string_view symbol);
+
 /// An instruction that has to stand first where an indirect jump may land.
 bool is_landing_mark(std::string_view mnemonic);
 

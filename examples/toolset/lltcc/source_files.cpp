@@ -94,7 +94,7 @@ char SourceFiles::character(int number, int line, int column)
 
 int SourceFiles::line_of_name(int number, int line, const std::string& name)
 {
-    const File* const file = readable(number);
+    const File* const file = name.empty() ? nullptr : readable(number);
     for (int i = line; file != nullptr && i > 0 && i > line - NAME_LINES; --i) {
         const auto index = static_cast<std::size_t>(i) - 1;
         if (index >= file->lines.size()) {
