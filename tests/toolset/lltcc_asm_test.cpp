@@ -1,9 +1,12 @@
 // Assembly in, regions and counters out. The texts are cut from what the compilers write.
 #include "examples/toolset/lltcc/asm_rewrite.h"
 #include "examples/toolset/lltcc/asm_syntax.h"
+#include "examples/toolset/lltcc/counter_code.h"
+#include "tests/fixture.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -50,6 +53,8 @@ bool contains(const std::string& text, const std::string& part)
 }
 
 const std::string CALL = "\tcall\t__sanitizer_cov_trace_pc@PLT\n";
+
+using LltccCounterCode = TestDir;
 
 } // namespace
 
@@ -209,6 +214,30 @@ TEST(LltccCounters, CountersLieWhereTheModeSays)
     EXPECT_TRUE(contains(rewritten(function(body), Counters::words), "adcl\t$0, 132(%r11)"));
     EXPECT_TRUE(contains(rewritten(function(body), Counters::bytes), "adcb\t$0, 33(%r11)"));
     EXPECT_TRUE(contains(rewritten(function(body), Counters::bits), "orl\t$2, 4(%r11)"));
+}
+
+// The flags are those that code can branch on: carry, parity, adjust, zero, sign, overflow.
+TEST_F(LltccCounterCode, CodeAroundACounterKeepsRegistersAndFlags)
+{
+#ifndef __x86_64__
+    GTEST_SKIP() << "the code is for x86-64";
+#endif
+    for (const Counters counters : {Counters::bits, Counters::bytes, Counters::words}) {
+        const Rewriting how = {"A", counters};
+        write_file("try.s", "\t.globl try\ntry:\tpushq %rdi\n\tpopfq\n\tmovl $42, %eax\n"
+                            "\tmovl $43, %r11d\n\tmovq $44, -8(%rsp)\n" +
+                                count_anywhere(Machine::x86_64, how, 3) +
+                                "\tmovq -8(%rsp), %rcx\n\tpushfq\n\tpopq %rdx\n"
+                                "\taddq %r11, %rcx\n\taddq %rcx, %rax\n\tshlq $16, %rax\n"
+                                "\torq %rdx, %rax\n\tret\n"
+                                "\t.section .note.GNU-stack,\"\",@progbits\n");
+        write_file("main.c", "unsigned A[8]; extern unsigned long try(unsigned long);\n"
+                             "int main(void) { for (unsigned long f = 0; f < 4096; f++)\n"
+                             "if ((f & ~0x8d5ul) == 0 && (try(f | 0x202) & ~0x202ul) !=\n"
+                             "((42 + 43 + 44ul) << 16 | f)) return 1;\n"
+                             "return A[0] + A[3] == 0 ? 2 : 0; }\n");
+        EXPECT_EQ(std::system("cc main.c try.s -o main && ./main"), 0);
+    }
 }
 
 TEST(LltccCounters, OnlyUnwantedDebugInformationGoes)
