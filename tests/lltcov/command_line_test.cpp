@@ -40,7 +40,7 @@ TEST_F(CommandLineOfLltcov, HelpIsAnAnswerAndAWrongCallATwo)
     for (const Call& call : calls) {
         SCOPED_TRACE(call.arguments);
         const int status =
-            std::system((LLTCOV " " + std::string(call.arguments) + " >out 2>error").c_str());
+            std::system(("'" LLTCOV "' " + std::string(call.arguments) + " >out 2>error").c_str());
         EXPECT_EQ(WEXITSTATUS(status), call.status);
         EXPECT_EQ(read_file("out").compare(0, std::string(call.out).size(), call.out), 0)
             << read_file("out");
