@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 namespace
 {
@@ -46,10 +47,14 @@ public:
     {
         for (const auto& [module, refused] : refused_) {
             findings_.add("refused dumps",
-                          std::to_string(refused.dumps) + " dumps of " + module->module.name +
-                              " are of build " + refused.buid + ", '" + module->output +
-                              "' is of build " + module->buid + ": not counted (one is '" +
-                              refused.path + "'); lltcov clean, then run the tests again");
+                          std::to_string(refused.dumps) +
+                              (refused.dumps == 1 ? " dump of " : " dumps of ") +
+                              module->module.name + (refused.dumps == 1 ? " is of " : " are of ") +
+                              (refused.builds.size() == 1 ? "build " + *refused.builds.begin()
+                                                          : "several other builds") +
+                              ", '" + module->output + "' is of build " + module->buid +
+                              ": not counted (one is '" + refused.path +
+                              "'); lltcov clean, then run the tests again");
         }
         for (const auto& [area, dumps] : orphans_) {
             findings_.add("dumps of modules that are gone",
@@ -69,8 +74,8 @@ public:
 private:
     struct Refused {
         std::size_t dumps = 0;
-        std::string buid;
-        std::string path;
+        std::set<std::string> builds;
+        std::string path; ///< of the first
     };
 
     /// The module of the dump's work area, relative to the project where the path is; null for one
@@ -99,7 +104,7 @@ private:
         if (dump.buid != module.buid) {
             Refused& refused = refused_[&module];
             refused.path = refused.dumps++ == 0 ? path : refused.path;
-            refused.buid = dump.buid;
+            refused.builds.emplace(dump.buid);
             return;
         }
         std::vector<std::pair<InstrumentedObject*, const DumpedSource*>> additions;

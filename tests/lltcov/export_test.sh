@@ -123,6 +123,9 @@ rebuild
 expect_export 'built again, nothing run' 1 \
     '0 of 11 lines hit (0.0 %), 0 of 3 functions, in 2 sources' \
     '2 dumps of liblib are of build .*: not counted .*lltcov clean, then run'
+sed 's/^buid .*/buid older/' "$(echo llt_result/liblib.* | sed 's/ .*//')" >llt_result/liblib.1.older.0.lltcov
+expect_export 'dumps of two builds' 1 '0 of 11 lines hit (0.0 %), 0 of 3 functions, in 2 sources' \
+    "3 dumps of liblib are of several other builds, '.*liblib.a' is of build"
 rm llt_result/*
 ./prog
 expect_export 'and run' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, in 2 sources'
