@@ -22,6 +22,12 @@ make_sources() {
     echo '-O2 -DX="a b" -c a.c -o sub/out/r.o' >args.rsp
 }
 
+# Stands for a compiler cache: nothing of it may be in the way of instrumentation.
+mkdir "$work/bin"
+printf '#!/bin/sh\nexec "$@"\n' >"$work/bin/ccache"
+chmod +x "$work/bin/ccache"
+PATH=$work/bin:$PATH
+
 failures=0
 fail() {
     failures=$((failures + 1))
@@ -101,5 +107,8 @@ done <<'END'
 0 -c -fsyntax-only a.c
 0 -c
 END
+compiler="ccache $compiler"
+check 1 '-c -O2 a.c'
+check 0 '-c s.s'
 echo "$failures failures"
 [ "$failures" = 0 ]

@@ -257,6 +257,16 @@ Invocation read_invocation(const Words& arguments)
     return out;
 }
 
+Words without_launcher(const Words& command)
+{
+    auto compiler = command.begin();
+    while (command.end() - compiler > 1 &&
+           is_one_of(base_name(*compiler), {"ccache", "sccache", "distcc", "icecc"})) {
+        ++compiler;
+    }
+    return {compiler, command.end()};
+}
+
 CompileCommand read_command(const Words& command)
 {
     const Words words = with_response_words(command);

@@ -29,5 +29,9 @@ struct CompileCommand {
     std::vector<std::pair<std::string, std::string>> path_maps; ///< real and recorded prefix
 };
 
+/// The command without a compiler cache or distributor in front of the compiler: a cache would hand
+/// out objects without records, another machine has no assembler of ours.
+Words without_launcher(const Words& command);
+
 /// Reads the command with its response files.
 CompileCommand read_command(const Words& command);

@@ -148,7 +148,8 @@ int run_driver(const Words& arguments)
                "-qmr_coverage_stub_mold MODE COMPILER ARGUMENT...");
         return 2;
     }
-    CompileCommand compile = read_command(command);
+    const Words compiler = without_launcher(command);
+    CompileCommand compile = read_command(compiler);
     const std::string tools = assembler_directory();
     if (tools.empty()) {
         compile.why_plain = "lltcc.d/as is missing from the installation";
@@ -159,8 +160,9 @@ int run_driver(const Words& arguments)
     }
     const Job job = job_of(invocation, compile);
     ::setenv(JOB_VARIABLE, to_text(job).c_str(), 1);
-    ::setenv("CCACHE_DISABLE", "1", 1); // a cache would hand out objects without records
-    const int status = run_program(instrumented(command, compile, tools));
+    // A cache under the compiler's own name would hand out objects without records.
+    ::setenv("CCACHE_DISABLE", "1", 1);
+    const int status = run_program(instrumented(compiler, compile, tools));
     const std::string trouble = content_of(job.notices);
     ::unsetenv(JOB_VARIABLE);
     if (status != 0 || !trouble.empty()) {
