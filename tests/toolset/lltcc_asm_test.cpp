@@ -77,6 +77,11 @@ TEST(LltccRegions, LinesBelongToTheCodeThatRunsWithThem)
         {"no extra probe for a line that has one",
          CALL + "\tje\t.L2\n\t.loc 1 2 9\n\tnop\n.L2:\n\t.loc 1 6 1\n" + CALL + "\tret\n",
          {{2}, {6}}},
+        {"the line of a jump that only a nop keeps",
+         CALL + "\tje\t.L2\n\t.loc 1 5 1\n" + CALL + "\tnop\n\t.loc 1 6 1\n\tjmp\t.L2\n" +
+             ".L1:\n\t.loc 1 8 1\n" + CALL + "\tret\n" +
+             ".L2:\n\t.loc 1 6 1\n\tnop\n\t.loc 1 7 1\n" + CALL + "\tret\n",
+         {{2}, {5, 6}, {8}, {6}, {7}}},
         {"code behind a label without a location has none",
          CALL + "\tje\t.L2\n\t.loc 1 5 1\n" + CALL + ".L2:\n" + CALL + "\t.loc 1 7 1\n\tret\n",
          {{2}, {5}, {7}}},

@@ -75,9 +75,9 @@ struct Increment {
 std::string count(const AsmText& text, const Region& region, const Rewriting& how,
                   std::size_t index)
 {
-    const std::string code = region.probe == Region::Probe::none
-                                 ? count_anywhere(text.machine, how, index)
-                                 : count_at_call(text.machine, how, index);
+    const bool follows_call = is_probe(region) || region.probe == Region::Probe::after;
+    const std::string code = follows_call ? count_at_call(text.machine, how, index)
+                                          : count_anywhere(text.machine, how, index);
     return text.intel_syntax ? "\t.att_syntax prefix\n" + code + "\t.intel_syntax noprefix\n"
                              : code;
 }

@@ -68,6 +68,7 @@ private:
             open_region();
         } else if (is_jump_target(label) && !m_out.functions.empty()) {
             open_region();
+            m_at_target = true;
         }
     }
 
@@ -151,6 +152,9 @@ private:
             read_probe(probe_form(m_out.machine, mnemonic, trimmed(line.substr(blank))));
             return;
         }
+        if (m_at_target && mnemonic == "nop") {
+            m_out.regions.back().probe = Region::Probe::nop;
+        }
         if (!is_landing_mark(mnemonic)) {
             note_instruction();
         }
@@ -209,6 +213,7 @@ private:
 
     void note_instruction()
     {
+        m_at_target = false;
         if (m_open) {
             note_marks();
             note_place();
@@ -249,7 +254,8 @@ private:
     SourceLine m_at_line{0, 0};               ///< of the next instruction
     bool m_at_brace = false;
     bool m_is_mark = true;
-    bool m_open = false; ///< code that can run is being read
+    bool m_at_target = false; ///< no instruction since the label
+    bool m_open = false;      ///< code that can run is being read
     bool m_inline = false;
 };
 

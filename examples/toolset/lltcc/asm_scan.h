@@ -29,6 +29,8 @@ struct Region {
         call,  ///< a call, to be replaced by an increment
         tail,  ///< a jump instead of call and return
         after, ///< none, but the region goes on behind a call that may not return
+        nop,   ///< none, but a jump target that begins with a nop: without optimisation that keeps
+               ///< the line of a jump (`break`) that the compiler made part of the jumps before it
     };
     Probe probe = Probe::none;
     /// Index of the probe's text line; without one, of the first instruction (0: it has none).
