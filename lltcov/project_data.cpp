@@ -3,6 +3,7 @@
 #include "lltcov/project_data.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "lltcov/linked_libraries.h"
 #include "lltcov/text_lines.h"
 #include "lltld/source_tab.h"
 
@@ -11,6 +12,7 @@
 #include <numeric>
 #include <optional>
 #include <sys/stat.h>
+#include <tuple>
 
 namespace
 {
@@ -77,7 +79,79 @@ public:
         data_.modules.push_back(std::move(entry));
     }
 
+    /// Adds the libraries that links took and whose work areas belong to others of the same name by
+    /// now. Of a library that was built several times the build that was linked last is meant.
+    void read_displaced()
+    {
+        std::vector<std::tuple<std::time_t, long, std::string>> lists;
+        for (const std::string& name : names_in(data_.root)) {
+            const std::string path = data_.root + "/" + name + "/codemeasure/libraries.txt";
+            const timespec time = time_of(path);
+            if (time.tv_sec != 0) {
+                lists.emplace_back(time.tv_sec, time.tv_nsec, path);
+            }
+        }
+        std::sort(lists.rbegin(), lists.rend());
+        for (const auto& [seconds, nanoseconds, path] : lists) {
+            std::string text;
+            read_whole_file(path, text);
+            try {
+                for (const LinkedLibrary& library : read_linked_libraries(text)) {
+                    add_displaced(library);
+                }
+            } catch (const FormatError& error) {
+                findings_.add(DAMAGED, path + ":" + std::to_string(error.line) + ": " +
+                                           error.what() + "; link that again through lltwrapper");
+            }
+        }
+    }
+
 private:
+    void add_displaced(const LinkedLibrary& library)
+    {
+        ModuleData entry;
+        entry.module.area =
+            absolute_path(library.area[0] == '/' ? library.area : data_.root + "/" + library.area);
+        entry.module.name = base_name(split_path(entry.module.area + ".").directory);
+        entry.buid = library.buid;
+        entry.output = library.path;
+        bool has_successor = false;
+        for (const ModuleData& known : data_.modules) {
+            const bool shares_area = known.module.area == entry.module.area;
+            has_successor = has_successor || shares_area;
+            if (shares_area && (known.output == entry.output || is_copy(known, library))) {
+                return;
+            }
+        }
+        if (!has_successor || QMRFileExists(entry.output.c_str()) == 0) {
+            return;
+        }
+        for (const std::string& symbol : library.symbols) {
+            const std::string path = temporary_area(data_.root) + "/db/db" + symbol + "/.tab";
+            const std::vector<_SOURCEFILE_OBJECT> own = read_tab(path);
+            if (own.empty()) {
+                findings_.add(DAMAGED, "'" + path + "' is missing or damaged: a source of '" +
+                                           entry.output + "' is left out" + REBUILD);
+            } else {
+                read_object(own[0], entry);
+            }
+        }
+        data_.modules.push_back(std::move(entry));
+    }
+
+    /// True when the library is a file that was copied from the module's output.
+    bool is_copy(const ModuleData& module, const LinkedLibrary& library) const
+    {
+        return module.buid == library.buid &&
+               std::all_of(library.symbols.begin(), library.symbols.end(),
+                           [&](const std::string& symbol) {
+                               const auto known = data_.object_of_symbol.find(symbol);
+                               return known != data_.object_of_symbol.end() &&
+                                      std::count(module.objects.begin(), module.objects.end(),
+                                                 known->second) != 0;
+                           });
+    }
+
     void read_object(const _SOURCEFILE_OBJECT& record, ModuleData& module)
     {
         const std::string symbol = symbol_of(record);
@@ -159,6 +233,7 @@ ProjectData read_modules(const std::string& root, Findings& findings)
         reader.read(module);
         progress.step();
     }
+    reader.read_displaced();
     return data;
 }
 

@@ -20,7 +20,8 @@ public:
     RunReader(ProjectData& data, Findings& findings) : data_(data), findings_(findings)
     {
         for (ModuleData& module : data.modules) {
-            module_of_area_[module.module.area] = &module;
+            module_of_area_.emplace(module.module.area, &module); // the one that has it now
+            module_of_build_.emplace(std::pair(module.module.area, module.buid), &module);
         }
     }
 
@@ -34,7 +35,10 @@ public:
         try {
             const Dump dump = read_dump(text);
             if (ModuleData* module = module_of(dump)) {
-                add(dump, *module, path);
+                const auto build =
+                    module_of_build_.find({module->module.area, std::string(dump.buid)});
+                build == module_of_build_.end() ? refuse(dump, *module, path)
+                                                : add(dump, *build->second, path);
             }
         } catch (const FormatError& error) {
             findings_.add("damaged dumps",
@@ -99,14 +103,15 @@ private:
         return nullptr;
     }
 
+    void refuse(const Dump& dump, const ModuleData& module, const std::string& path)
+    {
+        Refused& refused = refused_[&module];
+        refused.path = refused.dumps++ == 0 ? path : refused.path;
+        refused.builds.emplace(dump.buid);
+    }
+
     void add(const Dump& dump, ModuleData& module, const std::string& path)
     {
-        if (dump.buid != module.buid) {
-            Refused& refused = refused_[&module];
-            refused.path = refused.dumps++ == 0 ? path : refused.path;
-            refused.builds.emplace(dump.buid);
-            return;
-        }
         std::vector<std::pair<InstrumentedObject*, const DumpedSource*>> additions;
         for (const DumpedSource& source : dump.sources) {
             const auto object = data_.object_of_symbol.find(std::string(source.symbol));
@@ -140,6 +145,7 @@ private:
     ProjectData& data_;
     Findings& findings_;
     std::map<std::string, ModuleData*> module_of_area_;
+    std::map<std::pair<std::string, std::string>, ModuleData*> module_of_build_; ///< area, build id
     std::map<std::string, std::string> area_of_name_; ///< absolute, by what dumps name
     std::map<const ModuleData*, Refused> refused_;
     std::map<std::string, std::size_t> orphans_; ///< by area

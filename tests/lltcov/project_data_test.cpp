@@ -144,6 +144,45 @@ TEST_F(ProjectDataTest, DumpsThatDoNotFitAreLeftOutWithAReason)
     }
 }
 
+TEST_F(ProjectDataTest, ALibraryWhoseWorkAreaAnotherOneTookCountsWithTheBuildThatWasLinked)
+{
+    const std::string area = dir + "/liba/codemeasure";
+    const std::string left = dir + "/LLTTEMP/codemeasure/db/dbOLD";
+    std::filesystem::create_directories(dir + "/prog_exe/codemeasure");
+    std::filesystem::create_directories(left);
+    write_file(left + "/.tab", record(0, "OLD", 5));
+    write_file(left + "/probes.txt", "lltprobes 1\nsource " + dir + "/a.c\nobject " + dir +
+                                         "/b.o\nprobe 0 1 f " + dir + "/a.c\n");
+    write_file(dir + "/old.a", "");
+    add_dump(area, "Q0", "file 0 OLD.c 2 4\n20 0\n");
+    add_dump(area, "Q1", one_run_);
+    const std::string head = "lltlibraries 1\nlibrary ";
+    const std::string symbol = "\narea " + area + "\nbuid Q0\nsymbol OLD\n";
+    const struct {
+        std::string list;
+        const char* counts;
+        const char* kind; ///< of the findings
+    } cases[] = {
+        {head + dir + "/old.a" + symbol, "23 4 ", nullptr},
+        {head + dir + "/old.a\narea liba/codemeasure\nbuid Q0\nsymbol OLD\n", "23 4 ", nullptr},
+        {head + dir + "/gone.a" + symbol, "3 4 ", "refused dumps"},
+        {head + "/out" + symbol, "3 4 ", "refused dumps"}, // built again since, not linked again
+        {"lltlibraries 1\nbuid Q0\n", "3 4 ", "damaged records"},
+        {head + dir + "/old.a" + symbol + "symbol GONE\n", "23 4 ", "damaged records"},
+    };
+    for (const auto& row : cases) {
+        write_file(dir + "/prog_exe/codemeasure/libraries.txt", row.list);
+        EXPECT_EQ(counts(), row.counts) << row.list;
+        EXPECT_EQ(findings_.has_problems(), row.kind != nullptr) << row.list;
+        EXPECT_EQ(said(row.kind == nullptr ? "" : row.kind).empty(), row.kind == nullptr);
+    }
+    // A copy of the library that has the work area is no other library.
+    Findings findings;
+    write_file(dir + "/prog_exe/codemeasure/libraries.txt",
+               head + dir + "/old.a\narea " + area + "\nbuid Q1\nsymbol S\n");
+    EXPECT_EQ(read_modules(dir, findings).modules.size(), 1U);
+}
+
 TEST_F(ProjectDataTest, DumpsOfOtherProjectsAndFilesThatAreBeingWrittenAreNotLookedAt)
 {
     add_dump("/elsewhere/liba/codemeasure", "Q7", one_run_);

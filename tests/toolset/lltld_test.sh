@@ -116,6 +116,10 @@ check_row all_twins "1 0" "1*3 0*37" \
     "gcc -o all_twins -Wl,--whole-archive libbeta.a twin/libbeta.a -Wl,--no-whole-archive"
 expect "libraries of one stem are named" 1 "$(grep -c 'different names' link.err)"
 
+# What a link took is on record, and stays so when another library of the stem is made.
+expect "a linked library's build" "$(sed -n 's/^BUID=//p' libbeta/codemeasure/.prj) main" \
+    "$(sed -n "\\|^library $PWD/twin/libbeta.a|,\$s/^buid \|^symbol //p" twins_exe/codemeasure/libraries.txt | xargs)"
+
 # one library archived in two steps
 wrapped_ar q twin/libsteps.a main.o
 wrapped_ar q twin/libsteps.a beta.o

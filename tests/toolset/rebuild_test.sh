@@ -144,5 +144,50 @@ build
 run
 expect 'everything compiled again' "$(shown)" "$(echo "$others" | sed '1a region.c 2:2 4:2')"
 
+# One library built in two folders, by two options: both share one work area, the second one has it.
+lltcov clean --all >/dev/null
+cat >Makefile <<'M'
+one/prog two/prog: %/prog: %/main.o %/libshape.a
+	cc -o $@ $^
+one/libshape.a two/libshape.a: %/libshape.a: %/region.o
+	rm -f $@
+	ar rcs $@ $^
+two/region.o: CFLAGS = -DTWICE
+one/%.o two/%.o:
+	cc $(CFLAGS) -c -o $@ $(*F).c
+M
+cat >region.c <<'C'
+int area(int w, int h)
+{
+#ifdef TWICE
+    w *= 2;
+#endif
+    return w * h;
+}
+int unused(void)
+{
+    return 2;
+}
+C
+printf 'int area(int w, int h);\nint main(void) { return area(2, 3) == 6 ? 0 : 1; }\n' >main.c
+mkdir one two
+build one/prog
+sleep 1
+build two/prog
+one/prog && one/prog
+two/prog && exit 1
+both='main.c 2:3
+region.c 1:3 4:1 6:3 8:0 10:0'
+expect 'a library built in two folders' "$(shown)" "$both"
+expect 'each of them in the table' "$(lltcov status | grep -c '/libshape.a$')" 2
+rm one/libshape.a one/prog
+sleep 1
+build one/prog
+expect 'the first one made again' "$(shown)" 'main.c 2:1
+region.c 1:1 4:1 6:1 8:0 10:0'
+one/prog
+expect 'and run' "$(shown)" 'main.c 2:2
+region.c 1:2 4:1 6:2 8:0 10:0'
+
 echo "$((cases - failures)) passed, $failures failed"
 [ $failures = 0 ]

@@ -17,6 +17,7 @@ constexpr std::string_view THIN_MAGIC = "!<thin>\n";
 constexpr std::size_t HEADER_SIZE = 60;
 constexpr std::string_view STUB_PREFIX = "ZJ_Start_";
 constexpr std::string_view ARRAY_PREFIX = "g_QMRCovData_";
+constexpr std::string_view NUL("\0", 1);
 
 bool begins_with(std::string_view text, std::string_view start)
 {
@@ -79,14 +80,32 @@ Directory read_directory(std::string_view archive)
 void read_symbols(std::string_view names, ArchiveCoverage& coverage)
 {
     while (!names.empty()) {
-        const std::string_view name = up_to(names, std::string_view("\0", 1));
+        const std::string_view name = up_to(names, NUL);
         if (begins_with(name, STUB_PREFIX)) {
-            const bool is_new = coverage.modules.emplace(name.substr(STUB_PREFIX.size())).second;
+            const bool is_new =
+                coverage.modules.emplace(name.substr(STUB_PREFIX.size()), StubBuild()).second;
             coverage.has_twins = coverage.has_twins || !is_new;
         } else if (begins_with(name, ARRAY_PREFIX)) {
             coverage.arrays.emplace(name.substr(ARRAY_PREFIX.size()));
         }
         names.remove_prefix(std::min(name.size() + 1, names.size()));
+    }
+}
+
+/// Finds the builds that stubs in the bytes of one or more objects register: of each module the
+/// text that is its work area, and behind it the one with the build id.
+void find_builds(std::string_view bytes, std::map<std::string, StubBuild>& modules)
+{
+    constexpr std::string_view KEY = "\"buid\":\"";
+    for (auto& [module, build] : modules) {
+        const std::string tail = "/" + module + "/codemeasure" + std::string(NUL);
+        const std::size_t at = bytes.find(tail);
+        const std::size_t key = bytes.find(KEY, at);
+        if (at != bytes.npos && key != bytes.npos) {
+            const std::size_t start = bytes.rfind('\0', at) + 1;
+            build = {std::string(bytes.substr(start, at + tail.size() - NUL.size() - start)),
+                     std::string(up_to(bytes.substr(key + KEY.size()), "\""))};
+        }
     }
 }
 
@@ -96,7 +115,7 @@ void find_symbols(std::string_view bytes, std::set<std::string>& seen, ScannedOb
     for (std::size_t at = bytes.find(ARRAY_PREFIX); at != bytes.npos;
          at = bytes.find(ARRAY_PREFIX, at + ARRAY_PREFIX.size())) {
         const std::string_view text = bytes.substr(at + ARRAY_PREFIX.size());
-        const std::string name(up_to(text, std::string_view("\0", 1)));
+        const std::string name(up_to(text, NUL));
         if (!name.empty() && name.find(' ') == name.npos && seen.insert(name).second) {
             add_symbol(found, name);
         }
@@ -126,11 +145,13 @@ ArchiveCoverage read_archive(const std::string& path)
     }
     std::set<std::string> seen = coverage.arrays;
     find_symbols(content, seen, coverage.unregistered);
+    find_builds(content, coverage.modules);
     for (const std::string& name : directory.outside) {
         const std::string file = name[0] == '/' ? name : path.substr(0, path.rfind('/') + 1) + name;
         std::string member;
         if (read_whole_file(file, member) == Reading::done) {
             find_symbols(member, seen, coverage.unregistered);
+            find_builds(member, coverage.modules);
         }
     }
     return coverage;

@@ -3,15 +3,22 @@
 
 #include "lltld/object_scan.h"
 
+#include <map>
 #include <set>
 #include <string>
 
+/// The build that a registration stub is of; empty texts when the stub does not show them.
+struct StubBuild {
+    std::string area; ///< work area
+    std::string buid; ///< build id
+};
+
 /// What one static library says.
 struct ArchiveCoverage {
-    std::set<std::string> modules; ///< modules that it has stubs of
-    std::set<std::string> arrays;  ///< coverage symbols whose arrays its stubs define
-    bool has_twins = false;        ///< two of its stubs have the same name
-    ScannedObject unregistered;    ///< the other coverage symbols of its members
+    std::map<std::string, StubBuild> modules; ///< modules that it has stubs of, by name
+    std::set<std::string> arrays;             ///< coverage symbols whose arrays its stubs define
+    bool has_twins = false;                   ///< two of its stubs have the same name
+    ScannedObject unregistered;               ///< the other coverage symbols of its members
 };
 
 /// Looks into the library, and into the files that a thin one names.

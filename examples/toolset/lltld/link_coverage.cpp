@@ -4,7 +4,6 @@
 #include "examples/toolset/lltld/link_coverage.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "examples/toolset/lltld/archive_coverage.h"
 
 #include <algorithm>
 
@@ -32,8 +31,9 @@ LinkCoverage find_coverage(const LinkCommand& link)
         }
         ArchiveCoverage archive = read_archive(input.path);
         coverage.has_twins = coverage.has_twins || archive.has_twins;
-        for (const std::string& module : archive.modules) {
+        for (const auto& [module, build] : archive.modules) {
             coverage.has_twins = !coverage.modules.insert(module).second || coverage.has_twins;
+            coverage.libraries.push_back({archive.unregistered.path, build, archive.arrays});
         }
         for (const std::string& array : archive.arrays) {
             coverage.has_twins = !arrays.insert(array).second || coverage.has_twins;

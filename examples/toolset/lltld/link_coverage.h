@@ -1,6 +1,7 @@
 // What the inputs of a link bring along.
 #pragma once
 
+#include "examples/toolset/lltld/archive_coverage.h"
 #include "examples/toolset/lltld/link_command.h"
 #include "lltld/object_scan.h"
 
@@ -8,10 +9,18 @@
 #include <string>
 #include <vector>
 
+/// A static library that registers itself.
+struct LinkedLibrary {
+    std::string path; ///< absolute
+    StubBuild build;
+    std::set<std::string> symbols; ///< coverage symbols
+};
+
 struct LinkCoverage {
-    std::vector<ScannedObject> objects; ///< what the link's own stub has to register
-    std::set<std::string> modules;      ///< stubs in static libraries
-    bool has_twins = false;             ///< two libraries define the same array or stub
+    std::vector<ScannedObject> objects;   ///< what the link's own stub has to register
+    std::set<std::string> modules;        ///< stubs in static libraries
+    std::vector<LinkedLibrary> libraries; ///< what is known of them
+    bool has_twins = false;               ///< two libraries define the same array or stub
     std::size_t first = static_cast<std::size_t>(-1); ///< word of the first input concerned
 
     /// No input has anything to do with coverage.

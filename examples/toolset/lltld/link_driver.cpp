@@ -181,6 +181,7 @@ int link_module(const LinkCommand& link, const LinkCoverage& coverage, const std
         return link_without_coverage(link, coverage, true,
                                      "liblltcov_rt.a is not found, set LLTCOV_RUNTIME");
     }
+    record_libraries(coverage.libraries);
     std::string stub;
     if (!coverage.objects.empty()) {
         stub = make_stub(coverage.objects);

@@ -116,6 +116,21 @@ bool choose_work_area(const std::string& wanted, const std::string& output,
     return false;
 }
 
+void record_libraries(const std::vector<LinkedLibrary>& libraries)
+{
+    std::string text = "lltlibraries 1\n";
+    for (const LinkedLibrary& library : libraries) {
+        if (!library.build.buid.empty()) {
+            text += "library " + library.path + "\narea " + library.build.area + "\nbuid " +
+                    library.build.buid + "\n";
+            for (const std::string& symbol : library.symbols) {
+                text += "symbol " + symbol + "\n";
+            }
+        }
+    }
+    replace_file(std::string(g_lxprj->szCovDictPath) + "/libraries.txt", text);
+}
+
 std::string make_stub(const std::vector<ScannedObject>& objects)
 {
     if (register_scanned_objects(objects) == 0 || !clear_work_area() || !update_tuple_database() ||

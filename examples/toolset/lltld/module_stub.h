@@ -1,7 +1,7 @@
 // The module of a link: its work area, its database, and its registration stub.
 #pragma once
 
-#include "lltld/object_scan.h"
+#include "examples/toolset/lltld/link_coverage.h"
 
 #include <set>
 #include <string>
@@ -17,6 +17,10 @@ bool load_settings();
 /// of this link (`taken`) has a module of that name, "_2", "_3" and so on follow.
 bool choose_work_area(const std::string& wanted, const std::string& output,
                       const std::set<std::string>& taken);
+
+/// Lists the libraries in the work area: a later build of another library of the same name takes
+/// their work areas, and their runs are told by this list alone.
+void record_libraries(const std::vector<LinkedLibrary>& libraries);
 
 /// Brings the work area up to date with these objects and compiles the stub that registers their
 /// counters. Returns the stub object, or an empty path after the library's messages.
