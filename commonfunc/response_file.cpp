@@ -15,37 +15,7 @@ bool is_space(char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-/// Adds the argument and the words of the response file that it names; `files` counts those read.
-void add_argument(const std::string& argument, int& files, std::vector<std::string>& out)
-{
-    out.push_back(argument);
-    std::string text;
-    if (argument[0] != '@' || files >= MAX_FILES ||
-        read_whole_file(argument.substr(1), text) != Reading::done) {
-        return;
-    }
-    if (++files == MAX_FILES) {
-        warn("more than %d response files: members named in further ones are not inspected; does "
-             "'%s' name itself?",
-             MAX_FILES, argument.c_str());
-    }
-    for (const std::string& word : words_of(text)) {
-        add_argument(word, files, out);
-    }
-}
-
-} // namespace
-
-std::vector<std::string> with_response_files(int argc, char** argv)
-{
-    std::vector<std::string> arguments;
-    int files = 0;
-    for (int i = 1; i < argc; ++i) {
-        add_argument(argv[i], files, arguments);
-    }
-    return arguments;
-}
-
+/// The words of a response file's text.
 std::vector<std::string> words_of(const std::string& text)
 {
     std::vector<std::string> words;
@@ -78,4 +48,37 @@ std::vector<std::string> words_of(const std::string& text)
         words.push_back(word);
     }
     return words;
+}
+
+/// Adds the word, or the words of the response file that it names; `files` counts those read.
+void add_word(const std::string& word, int& files, std::vector<std::string>& out)
+{
+    std::string text;
+    const Reading reading = word[0] == '@' && files < MAX_FILES
+                                ? read_whole_file(word.substr(1), text)
+                                : Reading::missing;
+    if (reading != Reading::done && reading != Reading::empty) {
+        out.push_back(word);
+        return;
+    }
+    if (++files == MAX_FILES) {
+        warn("more than %d response files: what further ones name is not inspected; does '%s' name "
+             "itself?",
+             MAX_FILES, word.c_str());
+    }
+    for (const std::string& inner : words_of(text)) {
+        add_word(inner, files, out);
+    }
+}
+
+} // namespace
+
+std::vector<std::string> with_response_files(const std::vector<std::string>& words)
+{
+    std::vector<std::string> out;
+    int files = 0;
+    for (const std::string& word : words) {
+        add_word(word, files, out);
+    }
+    return out;
 }

@@ -4,9 +4,7 @@
 #include <string>
 #include <vector>
 
-/// The arguments from index 1 on, each "@FILE" that names a readable file followed by the words of
-/// that file, as GNU ar(1) reads them: separated by white space, with quotes and backslashes.
-std::vector<std::string> with_response_files(int argc, char** argv);
-
-/// The words of a response file's text.
-std::vector<std::string> words_of(const std::string& text);
+/// The words with those of response files in the places of "@FILE" words, as GNU programs read
+/// them: separated by white space, with quotes and backslashes. A file that cannot be read stays a
+/// word.
+std::vector<std::string> with_response_files(const std::vector<std::string>& words);

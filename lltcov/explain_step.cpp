@@ -67,7 +67,7 @@ std::vector<std::string> named_members(const std::vector<std::string>& command,
 
 void look_at_members(int argc, char** argv, ExplainedStep& step)
 {
-    const auto arguments = with_response_files(argc, argv);
+    const auto arguments = with_response_files({argv + 1, argv + argc});
     step.members.with_coverage = members_with_coverage(arguments);
     step.members.named = named_members(without_own_options(arguments), step.decision.archive);
     for (const std::string& member : step.members.named) {

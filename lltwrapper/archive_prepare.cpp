@@ -85,7 +85,7 @@ void prepare_archive(int argc, char** argv)
     enter_work_area(g_lxprj->szCovDictPath, strLinkName);
     warn_if_work_area_is_shared();
     try {
-        const auto members = members_with_coverage(with_response_files(argc, argv));
+        const auto members = members_with_coverage(with_response_files({argv + 1, argv + argc}));
         if (!members.empty()) {
             register_scanned_objects(members);
             return;

@@ -1,13 +1,10 @@
 // Only the few options that decide something are known; the compiler reads the command itself.
 #include "command.h"
 
-#include "response_words.h"
-
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/response_file.h"
 
 #include <algorithm>
-#include <cctype>
-#include <cstdlib>
 #include <initializer_list>
 #include <string_view>
 
@@ -230,33 +227,6 @@ private:
 
 } // namespace
 
-Invocation read_invocation(const Words& arguments)
-{
-    Invocation out;
-    std::size_t i = 0;
-    const auto value = [&]() -> std::string {
-        const bool missing = i + 1 >= arguments.size() || arguments[i + 1] == "-projectname" ||
-                             arguments[i + 1] == "-qmr_coverage_stub_mold";
-        return missing ? "" : arguments[++i];
-    };
-    for (; i < arguments.size() && !arguments[i].empty() && arguments[i][0] == '-'; ++i) {
-        if (arguments[i] == "-qmr_current_prj_path") {
-            out.project_path = value();
-        } else if (arguments[i] == "-projectname") {
-            value();
-        } else if (arguments[i] == "-qmr_coverage_stub_mold") {
-            const bool is_number =
-                i + 1 < arguments.size() &&
-                std::isdigit(static_cast<unsigned char>(arguments[i + 1][0])) != 0;
-            out.stub_mode = is_number ? std::atoi(arguments[++i].c_str()) : out.stub_mode;
-        } else {
-            break;
-        }
-    }
-    out.command.assign(arguments.begin() + static_cast<std::ptrdiff_t>(i), arguments.end());
-    return out;
-}
-
 Words without_launcher(const Words& command)
 {
     auto compiler = command.begin();
@@ -269,7 +239,7 @@ Words without_launcher(const Words& command)
 
 CompileCommand read_command(const Words& command)
 {
-    const Words words = with_response_words(command);
+    const Words words = with_response_files(command);
     CompileCommand out;
     out.kept.push_back(words[0]);
     Reader(out).read(words);

@@ -7,17 +7,6 @@
 #include <utility>
 #include <vector>
 
-/// The driver's own options and the wrapped command behind them.
-struct Invocation {
-    std::string project_path; ///< empty, a directory, or a .prj file
-    int stub_mode = 1;
-    Words command; ///< compiler and arguments; empty when there are none
-};
-
-/// Reads the words. The values of the path and the mode may be missing: they were empty before a
-/// shell split the command.
-Invocation read_invocation(const Words& arguments);
-
 /// What the arguments of a compile say.
 struct CompileCommand {
     std::string why_plain; ///< reason not to instrument; empty when there is none

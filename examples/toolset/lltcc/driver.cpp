@@ -5,6 +5,7 @@
 
 #include "command.h"
 #include "commonfunc/Caddis_func.h"
+#include "examples/toolset/common/driver_call.h"
 #include "job.h"
 
 #include <algorithm>
@@ -100,13 +101,13 @@ Words instrumented(const Words& command, const CompileCommand& compile, const st
     return out;
 }
 
-Job job_of(const Invocation& invocation, const CompileCommand& compile)
+Job job_of(const DriverCall& call, const CompileCommand& compile)
 {
     Job job;
-    job.area = temporary_area(invocation.project_path);
-    job.stub_mode = invocation.stub_mode;
+    job.area = temporary_area(call.project);
+    job.stub_mode = call.stub_mode;
     job.drop_debug_info = !compile.has_debug_info;
-    job.assembler = real_assembler(invocation.command);
+    job.assembler = real_assembler(call.command);
     for (const std::string& word : compile.kept) {
         job.compile_command += (job.compile_command.empty() ? "" : " ");
         job.compile_command +=
@@ -141,8 +142,8 @@ int compile_plainly(const Words& command, const std::string& source, const std::
 
 int run_driver(const Words& arguments)
 {
-    const Invocation invocation = read_invocation(arguments);
-    const Words& command = invocation.command;
+    const DriverCall call = read_driver_call(arguments);
+    const Words& command = call.command;
     if (command.empty()) {
         notice("called as: lltcc -qmr_current_prj_path DIR -projectname NAME "
                "-qmr_coverage_stub_mold MODE COMPILER ARGUMENT...");
@@ -158,7 +159,7 @@ int run_driver(const Words& arguments)
         notice("compiled without coverage: %s", compile.why_plain.c_str());
         return become_program(command);
     }
-    const Job job = job_of(invocation, compile);
+    const Job job = job_of(call, compile);
     ::setenv(JOB_VARIABLE, to_text(job).c_str(), 1);
     // A cache under the compiler's own name would hand out objects without records.
     ::setenv("CCACHE_DISABLE", "1", 1);

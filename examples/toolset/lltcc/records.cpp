@@ -4,6 +4,7 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_tree.h"
+#include "examples/toolset/common/driver_call.h"
 #include "lltld/source_tab.h"
 
 #include <cerrno>
@@ -19,14 +20,6 @@ namespace
 
 /// Part of every symbol's number: another one makes new symbols for all sources.
 constexpr const char* FORMAT_VERSION = "lltcc 1";
-
-std::uint64_t mixed(std::uint64_t hash, const std::string& text)
-{
-    for (const char c : text) {
-        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
-    }
-    return (hash ^ 0xFFU) * 0x100000001B3U; // where one text ends and the next begins
-}
 
 [[noreturn]] void fail(const std::string& what, const std::string& path)
 {
@@ -85,14 +78,6 @@ void move_into_place(const std::string& from, const std::string& to)
 
 std::string symbol_of(const Record& record, const std::string& assembly)
 {
-    std::uint64_t hash = 0xCBF29CE484222325U;
-    for (const std::string& part :
-         {std::string(FORMAT_VERSION), record.source, record.object, record.compile_command,
-          std::to_string(record.stub_mode), assembly}) {
-        hash = mixed(hash, part);
-    }
-    char digits[17];
-    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
     std::string name = base_name(record.source).substr(0, 14);
     for (char& c : name) {
         const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
@@ -101,7 +86,9 @@ std::string symbol_of(const Record& record, const std::string& assembly)
     if (name.empty() || (name[0] >= '0' && name[0] <= '9')) {
         name.insert(0, 1, '_');
     }
-    return name.substr(0, 14) + "_" + digits;
+    return name.substr(0, 14) + "_" +
+           hash_name({FORMAT_VERSION, record.source, record.object, record.compile_command,
+                      std::to_string(record.stub_mode), assembly});
 }
 
 void leave_records(const std::string& area, const Record& record)

@@ -12,9 +12,6 @@
 namespace
 {
 
-/// Response files may name response files; a ring of them ends here.
-constexpr int MAX_DEPTH = 16;
-
 /// A word as the tool sees it, and the word of the command that it stands in.
 struct Argument {
     std::string text;
@@ -68,23 +65,23 @@ bool is_source(const std::string& path)
            QMRFileExists(path.c_str()) != 0;
 }
 
-void expand(const std::string& word, std::size_t position, int depth, Arguments& out)
+Arguments arguments_of(const std::vector<std::string>& command)
 {
-    std::string text;
-    if (word.size() > 1 && word[0] == '@' && depth < MAX_DEPTH &&
-        read_whole_file(word.substr(1), text) == Reading::done) {
-        for (const std::string& inner : words_of(text)) {
-            expand(inner, position, depth + 1, out);
+    Arguments arguments;
+    for (std::size_t i = 1; i < command.size(); ++i) {
+        for (const std::string& word : with_response_files({command[i]})) {
+            if (!begins_with(word, "-Wl,")) {
+                arguments.push_back({word, i, word == command[i], false});
+                continue;
+            }
+            std::vector<std::string> parts;
+            strsplit_v(word.c_str() + 4, ',', parts);
+            for (const std::string& part : parts) {
+                arguments.push_back({part, i, false, true});
+            }
         }
-    } else if (begins_with(word, "-Wl,")) {
-        std::vector<std::string> parts;
-        strsplit_v(word.c_str() + 4, ',', parts);
-        for (const std::string& part : parts) {
-            out.push_back({part, position, false, true});
-        }
-    } else {
-        out.push_back({word, position, depth == 0, false});
     }
+    return arguments;
 }
 
 /// Walks over the arguments once and fills the command.
@@ -277,11 +274,7 @@ LinkCommand read_link_command(std::vector<std::string> words)
     LinkCommand link;
     link.words = std::move(words);
     link.is_linker = names_linker(link.words[0]);
-    Arguments arguments;
-    for (std::size_t i = 1; i < link.words.size(); ++i) {
-        expand(link.words[i], i, 0, arguments);
-    }
-    Reader(link).read(arguments);
+    Reader(link).read(arguments_of(link.words));
     // A "-Wl," word means nothing to a compilation either.
     for (std::size_t i = 1; i < link.words.size(); ++i) {
         if (begins_with(link.words[i], "-Wl,")) {

@@ -20,30 +20,6 @@ namespace
 /// Set for everything that is run from here: the tool may call a wrapped linker itself.
 constexpr char GUARD[] = "LLTLD_RUNS";
 
-DriverOptions take_options(int argc, char** argv)
-{
-    DriverOptions options;
-    int at = 1;
-    const auto take = [&](const char* name, std::string& value, bool (*fits)(const std::string&)) {
-        if (at < argc && std::string(argv[at]) == name) {
-            ++at;
-            // An unset value leaves no word behind.
-            if (at < argc && fits(argv[at])) {
-                value = argv[at++];
-            }
-        }
-    };
-    take("-qmr_current_prj_path", options.project,
-         [](const std::string& word) { return word != "-projectname"; });
-    take("-projectname", options.name,
-         [](const std::string& word) { return word != "-qmr_coverage_stub_mold"; });
-    take("-qmr_coverage_stub_mold", options.mode, [](const std::string& word) {
-        return word.find_first_not_of("0123456789-") == std::string::npos;
-    });
-    options.words.assign(argv + at, argv + argc);
-    return options;
-}
-
 /// The static runtime: `LLTCOV_RUNTIME` (the file or its directory), or beside the program, as it
 /// is installed or in a build tree. Empty when it is not found.
 std::string find_runtime()
@@ -197,8 +173,8 @@ int link_module(const LinkCommand& link, const LinkCoverage& coverage, const std
 
 int drive_link(int argc, char** argv)
 {
-    const DriverOptions options = take_options(argc, argv);
-    if (options.words.empty()) {
+    const DriverCall call = read_driver_call(Words(argv + 1, argv + argc));
+    if (call.command.empty()) {
         notice(
             "usage: lltld -qmr_current_prj_path PROJECT -projectname NAME -qmr_coverage_stub_mold "
             "MODE COMMAND...");
@@ -207,26 +183,26 @@ int drive_link(int argc, char** argv)
     const bool is_nested = std::getenv(GUARD) != nullptr;
     ::setenv(GUARD, "1", 1);
     ::unsetenv("LLT_WRAP");
-    LinkCommand link = read_link_command(options.words);
+    LinkCommand link = read_link_command(call.command);
     if (is_nested || !link.links || link.is_relocatable) {
-        return become_program(options.words);
+        return become_program(call.command);
     }
     LinkCoverage coverage = find_coverage(link);
     if (coverage.is_empty() && link.sources.empty()) {
-        return become_program(options.words);
+        return become_program(call.command);
     }
-    if (!options.project.empty()) {
-        ::setenv("qmr_current_prj_path", options.project.c_str(), 0);
-        ::setenv("qmr_coverage_stub_mold", options.mode.c_str(), 0);
+    if (!call.project.empty()) {
+        ::setenv("qmr_current_prj_path", call.project.c_str(), 0);
+        ::setenv("qmr_coverage_stub_mold", std::to_string(call.stub_mode).c_str(), 0);
     }
     if (!load_settings()) {
         return link_without_coverage(link, coverage, false,
                                      "its project is not known, set qmr_current_prj_path");
     }
     if (!link.sources.empty()) {
-        link = compile_sources(options, link);
+        link = compile_sources(call, link);
         coverage = find_coverage(link);
     }
     return coverage.is_empty() ? become_program(link.words)
-                               : link_module(link, coverage, options.name);
+                               : link_module(link, coverage, call.name);
 }

@@ -13,18 +13,6 @@
 namespace
 {
 
-/// FNV-1a, for a short name of a long path.
-std::string hash_of(const std::string& text)
-{
-    std::uint64_t hash = 14695981039346656037u;
-    for (const char c : text) {
-        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
-    }
-    char digits[17];
-    format_bounded(digits, "%016llx", static_cast<unsigned long long>(hash));
-    return digits;
-}
-
 std::string compiler_driver()
 {
     const std::string beside = program_directory() + "/lltcc";
@@ -32,11 +20,15 @@ std::string compiler_driver()
 }
 
 /// The driver's call without input and output: the command less what only a link needs.
-std::vector<std::string> compilation_of(const DriverOptions& options, const LinkCommand& link)
+std::vector<std::string> compilation_of(const DriverCall& call, const LinkCommand& link)
 {
-    std::vector<std::string> words = {
-        compiler_driver(), "-qmr_current_prj_path",   options.project, "-projectname",
-        "LLTTEMP",         "-qmr_coverage_stub_mold", options.mode};
+    std::vector<std::string> words = {compiler_driver(),
+                                      "-qmr_current_prj_path",
+                                      call.project,
+                                      "-projectname",
+                                      "LLTTEMP",
+                                      "-qmr_coverage_stub_mold",
+                                      std::to_string(call.stub_mode)};
     std::vector<bool> left_out(link.words.size() + 1);
     for (const std::size_t position : link.link_only) {
         left_out[std::min(position, link.words.size())] = true;
@@ -65,7 +57,7 @@ std::vector<std::string> compilation_of(const DriverOptions& options, const Link
 
 } // namespace
 
-LinkCommand compile_sources(const DriverOptions& options, const LinkCommand& link)
+LinkCommand compile_sources(const DriverCall& call, const LinkCommand& link)
 {
     const bool are_words = std::all_of(link.sources.begin(), link.sources.end(),
                                        [](const LinkInput& source) { return source.is_word; });
@@ -80,7 +72,7 @@ LinkCommand compile_sources(const DriverOptions& options, const LinkCommand& lin
         return link;
     }
     const std::string directory = std::string(g_lxprj->szCovDictPath) + "/LLTTEMP/linkobj/" +
-                                  hash_of(absolute_path(link.output));
+                                  hash_name({absolute_path(link.output)});
     if (QMRCreateDirectory(directory.c_str()) == 0) {
         return link;
     }
@@ -89,7 +81,7 @@ LinkCommand compile_sources(const DriverOptions& options, const LinkCommand& lin
         const LinkInput& source = link.sources[i];
         const std::string object =
             directory + "/" + std::to_string(i) + "_" + base_name(source.path) + ".o";
-        std::vector<std::string> compilation = compilation_of(options, link);
+        std::vector<std::string> compilation = compilation_of(call, link);
         compilation.insert(compilation.end(), {source.path, "-o", object});
         std::remove(object.c_str());
         if (run_program(compilation) != 0 || QMRFileExists(object.c_str()) == 0) {

@@ -1,19 +1,12 @@
 // Sources in a link command ("gcc a.c -o a"): compiled by the instrumenting compiler driver first.
 #pragma once
 
+#include "examples/toolset/common/driver_call.h"
 #include "examples/toolset/lltld/link_command.h"
-
-/// What the link driver was called with.
-struct DriverOptions {
-    std::string project;            ///< project path, may be empty
-    std::string name;               ///< target name
-    std::string mode;               ///< stub mode
-    std::vector<std::string> words; ///< the wrapped command
-};
 
 /// Compiles each source of the command by `lltcc` into an object below LLTTEMP and returns the
 /// command with the objects in the sources' places. Returns the command itself, so that the tool
 /// compiles the sources plainly, when the command leaves files that are named after its output,
 /// when the sources come from a response file, and when a compilation fails: the tool then tells
 /// why. Needs the settings.
-LinkCommand compile_sources(const DriverOptions& options, const LinkCommand& link);
+LinkCommand compile_sources(const DriverCall& call, const LinkCommand& link);

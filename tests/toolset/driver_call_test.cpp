@@ -1,0 +1,45 @@
+// The drivers' command line, as a shell leaves it of what the wrapper forwards.
+#include "examples/toolset/common/driver_call.h"
+
+#include <gtest/gtest.h>
+
+TEST(DriverCall, ValuesThatTheShellDroppedAreMissing)
+{
+    const Words link = {"gcc", "-o", "a", "-projectname", "a.o"};
+    const struct {
+        Words options;
+        const char* project;
+        const char* name;
+        int mode;
+    } rows[] = {
+        {{"-qmr_current_prj_path", "/p", "-projectname", "a", "-qmr_coverage_stub_mold", "2"},
+         "/p",
+         "a",
+         2},
+        {{"-qmr_current_prj_path", "-projectname", "LLTTEMP", "-qmr_coverage_stub_mold", "9"},
+         "",
+         "LLTTEMP",
+         9},
+        // What is not set is 0 for the archive steps too: counters and arrays have to fit.
+        {{"-qmr_current_prj_path", "/p", "-projectname", "-qmr_coverage_stub_mold"}, "/p", "", 0},
+        {{"-qmr_coverage_stub_mold", "-1"}, "", "", -1},
+        {{}, "", "", 0},
+    };
+    for (const auto& row : rows) {
+        Words words = row.options;
+        words.insert(words.end(), link.begin(), link.end());
+        const DriverCall call = read_driver_call(words);
+        EXPECT_EQ(call.project, row.project);
+        EXPECT_EQ(call.name, row.name);
+        EXPECT_EQ(call.stub_mode, row.mode);
+        EXPECT_EQ(call.command, link);
+    }
+    EXPECT_TRUE(read_driver_call({"-qmr_current_prj_path"}).command.empty());
+}
+
+TEST(HashName, DependsOnWhereOneTextEnds)
+{
+    EXPECT_EQ(hash_name({}), "cbf29ce484222325"); // the offset basis of FNV-1a, 64 bits
+    EXPECT_NE(hash_name({"ab", "c"}), hash_name({"a", "bc"}));
+    EXPECT_NE(hash_name({"a", "b"}), hash_name({"b", "a"}));
+}
