@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 /// The integer that `atoi` would give: leading digits with sign, 0 for text that is no number.
 /// Out-of-range text is defined here (the value of `strtol`, cut to int), unlike `atoi`.
@@ -11,6 +12,12 @@ int to_int(const char* text);
 
 /// Comparison of whole texts without regard to the case of ASCII letters.
 bool equals_nocase(const char* a, const char* b);
+
+/// True when the text starts with `start`.
+constexpr bool begins_with(std::string_view text, std::string_view start)
+{
+    return text.substr(0, start.size()) == start;
+}
 
 /// True when `needle` (ASCII, lower or upper case) occurs in `text` without regard to case.
 bool contains_nocase(const std::string& text, const std::string& needle);

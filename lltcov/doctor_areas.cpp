@@ -19,11 +19,6 @@ constexpr std::size_t MAX_PATH_IN_RECORD = 259;
 /// A temporary file that is younger may be in use, in seconds.
 constexpr std::time_t MIN_AGE = 60;
 
-bool begins_with(const std::string& text, const std::string& start)
-{
-    return text.compare(0, start.size(), start) == 0;
-}
-
 bool contains(const std::string& text, const std::string& part)
 {
     return text.find(part) != text.npos;

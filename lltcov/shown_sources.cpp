@@ -2,13 +2,10 @@
 // one that is newer than the compilation counts as changed.
 #include "lltcov/shown_sources.h"
 
+#include "commonfunc/text.h"
+
 namespace
 {
-
-bool begins_with(const std::string& text, const std::string& start)
-{
-    return text.compare(0, start.size(), start) == 0;
-}
 
 bool is_newer(const timespec& a, const timespec& b)
 {

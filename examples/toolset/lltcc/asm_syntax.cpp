@@ -45,11 +45,6 @@ char escaped(std::string_view line, std::size_t& at)
 
 } // namespace
 
-bool begins_with(std::string_view text, std::string_view start)
-{
-    return text.substr(0, start.size()) == start;
-}
-
 std::string_view trimmed(std::string_view line)
 {
     const std::size_t first = line.find_first_not_of(" \t");

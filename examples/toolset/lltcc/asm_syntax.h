@@ -3,11 +3,11 @@
 
 #include "asm_scan.h"
 
+#include "commonfunc/text.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
-
-bool begins_with(std::string_view text, std::string_view start);
 
 /// The line without blanks around it.
 std::string_view trimmed(std::string_view line);

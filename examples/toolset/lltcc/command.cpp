@@ -11,11 +11,6 @@
 namespace
 {
 
-bool begins(std::string_view text, std::string_view start)
-{
-    return text.substr(0, start.size()) == start;
-}
-
 bool is_one_of(std::string_view word, std::initializer_list<std::string_view> list)
 {
     return std::find(list.begin(), list.end(), word) != list.end();
@@ -105,13 +100,13 @@ bool matters_to_stub(std::string_view word)
           "-fdirectives", "-fmodule", "-fplugin", "-fsyntax", "-finput", "-fno-rtti",
           "-fvisibility-inlines", "-fpermissive", "-fdiagnostics", "-fstack-usage",
           "-fcallgraph"}) {
-        if (begins(word, not_for_stub)) {
+        if (begins_with(word, not_for_stub)) {
             return false;
         }
     }
-    return begins(word, "-m") || begins(word, "-f") || begins(word, "-O") || begins(word, "-g") ||
-           begins(word, "--target=") || begins(word, "--sysroot=") || begins(word, "-B") ||
-           word == "-pthread";
+    return begins_with(word, "-m") || begins_with(word, "-f") || begins_with(word, "-O") ||
+           begins_with(word, "-g") || begins_with(word, "--target=") ||
+           begins_with(word, "--sysroot=") || begins_with(word, "-B") || word == "-pthread";
 }
 
 class Reader
@@ -136,17 +131,17 @@ private:
             read_input(word);
         } else if (word == "-x") {
             m_language = value;
-        } else if (begins(word, "-x")) {
+        } else if (begins_with(word, "-x")) {
             m_language = word.substr(2);
         } else if (word == "-c") {
             m_compiles = true;
         } else if (is_one_of(word, {"-E", "-S", "-M", "-MM", "-fsyntax-only", "-emit-llvm"})) {
             give_up(word + " makes no object");
-        } else if (begins(word, "-flto")) {
+        } else if (begins_with(word, "-flto")) {
             m_lto = true;
         } else if (word == "-fno-lto") {
             m_lto = false;
-        } else if (begins(word, "-fsanitize-coverage")) {
+        } else if (begins_with(word, "-fsanitize-coverage")) {
             give_up("the command has a " + word + " of its own");
         } else if (is_one_of(word, {"-m32", "-mx32", "-m16"})) {
             give_up(word + " is not supported");
@@ -160,16 +155,16 @@ private:
         for (const char* option : {"-ffile-prefix-map=", "-fdebug-prefix-map="}) {
             const std::size_t equals = word.rfind('=');
             const std::size_t start = std::string(option).size();
-            if (begins(word, option) && equals >= start) {
+            if (begins_with(word, option) && equals >= start) {
                 m_out.path_maps.emplace_back(word.substr(start, equals - start),
                                              word.substr(equals + 1));
             }
         }
-        if (begins(word, "-g") && !begins(word, "-gno-") && !begins(word, "-gz") &&
-            !begins(word, "-grecord")) {
+        if (begins_with(word, "-g") && !begins_with(word, "-gno-") && !begins_with(word, "-gz") &&
+            !begins_with(word, "-grecord")) {
             m_out.has_debug_info = word.back() != '0';
         }
-        if (begins(word, "-O")) {
+        if (begins_with(word, "-O")) {
             m_out.optimizes = word != "-O0";
         }
         if (is_one_of(word, {"-target", "-isysroot", "--sysroot", "-arch", "-B"})) {

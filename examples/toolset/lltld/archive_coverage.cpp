@@ -19,11 +19,6 @@ constexpr std::string_view STUB_PREFIX = "ZJ_Start_";
 constexpr std::string_view ARRAY_PREFIX = "g_QMRCovData_";
 constexpr std::string_view NUL("\0", 1);
 
-bool begins_with(std::string_view text, std::string_view start)
-{
-    return text.substr(0, start.size()) == start;
-}
-
 std::string_view up_to(std::string_view text, std::string_view end)
 {
     return text.substr(0, text.find(end));

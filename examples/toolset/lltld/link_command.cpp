@@ -37,11 +37,6 @@ bool is_one_of(const std::string& text, std::initializer_list<const char*> list)
     return std::find(list.begin(), list.end(), text) != list.end();
 }
 
-bool begins_with(const std::string& text, const char* start)
-{
-    return text.compare(0, std::strlen(start), start) == 0;
-}
-
 bool ends_with(const std::string& text, const std::string& end)
 {
     return text.size() >= end.size() &&
