@@ -83,110 +83,110 @@ Arguments arguments_of(const std::vector<std::string>& command)
 class Reader
 {
 public:
-    explicit Reader(LinkCommand& link) : m_link(link) {}
+    explicit Reader(LinkCommand& link) : link_(link) {}
 
     void read(const Arguments& arguments)
     {
-        for (m_at = 0; m_at < arguments.size(); ++m_at) {
+        for (at_ = 0; at_ < arguments.size(); ++at_) {
             read_argument(arguments);
         }
-        m_link.has_c_library = m_names_c_library || !(m_has_no_default || m_link.is_linker);
-        if (m_link.output.empty()) {
-            m_link.output = "a.out";
-            m_link.leaves_side_files = m_link.leaves_side_files || m_link.writes_dependencies;
+        link_.has_c_library = names_c_library_ || !(has_no_default_ || link_.is_linker);
+        if (link_.output.empty()) {
+            link_.output = "a.out";
+            link_.leaves_side_files = link_.leaves_side_files || link_.writes_dependencies;
         }
-        strsplit_v(env_text("LIBRARY_PATH").c_str(), ':', m_directories);
-        m_directories.emplace_back("/usr/local/lib"); // where `make install` puts libraries
-        for (std::size_t i = 0; i < m_wanted.size() && i < MAX_WANTED; ++i) {
-            find(Wanted(m_wanted[i])); // a copy: a script adds more
+        strsplit_v(env_text("LIBRARY_PATH").c_str(), ':', directories_);
+        directories_.emplace_back("/usr/local/lib"); // where `make install` puts libraries
+        for (std::size_t i = 0; i < wanted_.size() && i < MAX_WANTED; ++i) {
+            find(Wanted(wanted_[i])); // a copy: a script adds more
         }
     }
 
 private:
     void read_argument(const Arguments& arguments)
     {
-        const Argument& argument = arguments[m_at];
+        const Argument& argument = arguments[at_];
         const std::string& text = argument.text;
-        const std::string value = m_at + 1 < arguments.size() ? arguments[m_at + 1].text : "";
+        const std::string value = at_ + 1 < arguments.size() ? arguments[at_ + 1].text : "";
         if (text.empty() || text[0] != '-') {
             add_file(argument);
         } else if (text == "-Xlinker") {
             // Its value is read next, as the linker's own word.
-            m_behind_xlinker = argument.position;
-            m_link.link_only.push_back(argument.position);
+            behind_xlinker_ = argument.position;
+            link_.link_only.push_back(argument.position);
         } else if (text == "-o" || text == "--output") {
-            m_link.output = value;
+            link_.output = value;
             skip_value(argument);
-        } else if (begins_with(text, "-o") && !m_link.is_linker) {
-            m_link.output = text.substr(2);
-            m_link.link_only.push_back(argument.position);
+        } else if (begins_with(text, "-o") && !link_.is_linker) {
+            link_.output = text.substr(2);
+            link_.link_only.push_back(argument.position);
         } else if (text == "-L" || text == "-l") {
             note_library(text, value, argument);
             skip_value(argument);
         } else if (begins_with(text, "-L") || begins_with(text, "-l")) {
             note_library(text.substr(0, 2), text.substr(2), argument);
-            m_link.link_only.push_back(argument.position);
+            link_.link_only.push_back(argument.position);
         } else if (is_one_of(text, {"-u", "-T", "-z", "-Map", "-h", "-soname", "-rpath"})) {
             if (text == "-T") {
-                m_wanted.push_back({value, argument.position, false, true});
+                wanted_.push_back({value, argument.position, false, true});
             }
             skip_value(argument);
         } else if (is_one_of(text, {"-x", "-include", "-isystem", "-iquote", "-idirafter",
                                     "-imacros", "-I", "-D", "-U", "--param", "-target"})) {
-            m_link.leaves_side_files = m_link.leaves_side_files || text == "-x";
-            ++m_at;
+            link_.leaves_side_files = link_.leaves_side_files || text == "-x";
+            ++at_;
         } else if (is_one_of(text, {"-MF", "-MT", "-MQ"})) {
-            (text == "-MF" ? m_link.names_dependency_file : m_link.names_dependent) = true;
-            ++m_at;
+            (text == "-MF" ? link_.names_dependency_file : link_.names_dependent) = true;
+            ++at_;
         } else {
-            read_flag(text, argument.for_linker || m_link.is_linker || follows_xlinker(argument));
+            read_flag(text, argument.for_linker || link_.is_linker || follows_xlinker(argument));
         }
     }
 
     bool follows_xlinker(const Argument& argument) const
     {
-        return m_behind_xlinker + 1 == argument.position;
+        return behind_xlinker_ + 1 == argument.position;
     }
 
     void read_flag(const std::string& text, bool for_linker)
     {
         if (is_one_of(text, {"-r", "--relocatable", "-Ur"}) || (text == "-i" && for_linker)) {
-            m_link.is_relocatable = true;
+            link_.is_relocatable = true;
         } else if (!for_linker && is_one_of(text, {"-static", "-static-pie"})) {
-            m_is_all_static = true;
+            is_all_static_ = true;
         } else if (is_one_of(text, {"-static", "-Bstatic", "-dn", "-non_shared"})) {
-            m_is_static = true;
+            is_static_ = true;
         } else if (is_one_of(text, {"-Bdynamic", "-dy", "-call_shared", "--pop-state"})) {
-            m_is_static = false;
+            is_static_ = false;
         } else if (is_one_of(text, {"-nostdlib", "-nodefaultlibs", "-nolibc"})) {
-            m_has_no_default = true;
+            has_no_default_ = true;
         } else if (for_linker) {
             return;
         } else if (is_one_of(text, {"-c", "-S", "-E", "-M", "-MM", "-fsyntax-only", "-###"})) {
-            m_link.links = false;
+            link_.links = false;
         } else if (is_one_of(text, {"-MD", "-MMD"})) {
-            m_link.writes_dependencies = true;
+            link_.writes_dependencies = true;
         } else if (begins_with(text, "-save-temps") || begins_with(text, "-dump") ||
                    begins_with(text, "-fdump") || begins_with(text, "--coverage") ||
                    begins_with(text, "-gsplit-dwarf")) {
-            m_link.leaves_side_files = true;
+            link_.leaves_side_files = true;
         }
     }
 
     void skip_value(const Argument& argument)
     {
-        m_link.link_only.push_back(argument.position);
-        m_link.link_only.push_back(argument.position + (argument.is_word ? 1 : 0));
-        ++m_at;
+        link_.link_only.push_back(argument.position);
+        link_.link_only.push_back(argument.position + (argument.is_word ? 1 : 0));
+        ++at_;
     }
 
     void note_library(const std::string& option, const std::string& value, const Argument& argument)
     {
         if (option == "-L") {
-            m_directories.push_back(value);
+            directories_.push_back(value);
         } else {
-            m_names_c_library = m_names_c_library || value == "c";
-            m_wanted.push_back({value, argument.position, m_is_static, false});
+            names_c_library_ = names_c_library_ || value == "c";
+            wanted_.push_back({value, argument.position, is_static_, false});
         }
     }
 
@@ -194,17 +194,17 @@ private:
     {
         const bool is_c_library =
             is_one_of(base_name(argument.text), {"libc.a", "libc.so", "libc.so.6"});
-        m_names_c_library = m_names_c_library || is_c_library;
+        names_c_library_ = names_c_library_ || is_c_library;
         LinkInput input{argument.text, argument.position, argument.is_word};
         if (follows_xlinker(argument)) {
-            input.position = m_behind_xlinker;
+            input.position = behind_xlinker_;
             input.is_word = false;
-            m_link.link_only.push_back(argument.position);
+            link_.link_only.push_back(argument.position);
         }
-        if (!m_link.is_linker && is_source(input.path)) {
-            m_link.sources.push_back(input);
+        if (!link_.is_linker && is_source(input.path)) {
+            link_.sources.push_back(input);
         } else if (add_input(input)) {
-            m_link.link_only.push_back(argument.position);
+            link_.link_only.push_back(argument.position);
         }
     }
 
@@ -214,17 +214,17 @@ private:
         std::string text;
         switch (kind_of(input.path)) {
         case FileKind::object:
-            m_link.objects.push_back(input);
+            link_.objects.push_back(input);
             return true;
         case FileKind::archive:
-            m_link.archives.push_back(input);
+            link_.archives.push_back(input);
             return true;
         case FileKind::text:
             read_whole_file(input.path, text);
             for (const std::string& word : inputs_of_script(text)) {
                 const bool is_path = !begins_with(word, "-l");
-                m_wanted.push_back(
-                    {word.substr(is_path ? 0 : 2), input.position, m_is_static, is_path});
+                wanted_.push_back(
+                    {word.substr(is_path ? 0 : 2), input.position, is_static_, is_path});
             }
             return true;
         case FileKind::image:
@@ -242,24 +242,23 @@ private:
             return;
         }
         if (!wanted.is_path) {
-            const bool is_static = wanted.is_static || m_is_all_static;
-            add_input(
-                {find_library(wanted.name, is_static, m_directories), wanted.position, false});
+            const bool is_static = wanted.is_static || is_all_static_;
+            add_input({find_library(wanted.name, is_static, directories_), wanted.position, false});
         } else if (!add_input({wanted.name, wanted.position, false})) {
             add_input(
-                {find_library(":" + wanted.name, false, m_directories), wanted.position, false});
+                {find_library(":" + wanted.name, false, directories_), wanted.position, false});
         }
     }
 
-    LinkCommand& m_link;
-    std::size_t m_at = 0;
-    std::size_t m_behind_xlinker = static_cast<std::size_t>(-2);
-    bool m_has_no_default = false; ///< no library is linked that is not named
-    bool m_names_c_library = false;
-    bool m_is_all_static = false; ///< "-static" of a compiler driver, wherever it stands
-    bool m_is_static = false;     ///< "-Bstatic", until the next "-Bdynamic"
-    std::vector<std::string> m_directories;
-    std::vector<Wanted> m_wanted;
+    LinkCommand& link_;
+    std::size_t at_ = 0;
+    std::size_t behind_xlinker_ = static_cast<std::size_t>(-2);
+    bool has_no_default_ = false; ///< no library is linked that is not named
+    bool names_c_library_ = false;
+    bool is_all_static_ = false; ///< "-static" of a compiler driver, wherever it stands
+    bool is_static_ = false;     ///< "-Bstatic", until the next "-Bdynamic"
+    std::vector<std::string> directories_;
+    std::vector<Wanted> wanted_;
 };
 
 } // namespace
