@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+const char* const program_name = "driver";
+
 TEST(DriverCall, ValuesThatTheShellDroppedAreMissing)
 {
     const Words link = {"gcc", "-o", "a", "-projectname", "a.o"};
@@ -34,7 +36,11 @@ TEST(DriverCall, ValuesThatTheShellDroppedAreMissing)
         EXPECT_EQ(call.stub_mode, row.mode);
         EXPECT_EQ(call.command, link);
     }
-    EXPECT_TRUE(read_driver_call({"-qmr_current_prj_path"}).command.empty());
+    for (const Words& none : std::vector<Words>{{}, {"-qmr_current_prj_path"}, {"--help"}}) {
+        testing::internal::CaptureStderr();
+        EXPECT_TRUE(read_driver_call(none).command.empty());
+        EXPECT_EQ(testing::internal::GetCapturedStderr().substr(0, 20), "driver: usage: drive");
+    }
 }
 
 TEST(HashName, DependsOnWhereOneTextEnds)

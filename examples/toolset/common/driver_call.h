@@ -14,7 +14,8 @@ struct DriverCall {
 };
 
 /// Reads the words behind the driver's name. Values may be missing: where a setting is empty, the
-/// shell that split the command has left no word behind.
+/// shell that split the command has left no word behind. Without a command, or with an option in
+/// its place, a notice says how a driver is called.
 DriverCall read_driver_call(const Words& arguments);
 
 /// A name of 16 hexadecimal digits for the texts in this order (FNV-1a, 64 bits).

@@ -145,8 +145,6 @@ int run_driver(const Words& arguments)
     const DriverCall call = read_driver_call(arguments);
     const Words& command = call.command;
     if (command.empty()) {
-        notice("called as: lltcc -qmr_current_prj_path DIR -projectname NAME "
-               "-qmr_coverage_stub_mold MODE COMPILER ARGUMENT...");
         return 2;
     }
     const Words compiler = without_launcher(command);

@@ -175,9 +175,6 @@ int drive_link(int argc, char** argv)
 {
     const DriverCall call = read_driver_call(Words(argv + 1, argv + argc));
     if (call.command.empty()) {
-        notice(
-            "usage: lltld -qmr_current_prj_path PROJECT -projectname NAME -qmr_coverage_stub_mold "
-            "MODE COMMAND...");
         return 2;
     }
     const bool is_nested = std::getenv(GUARD) != nullptr;
