@@ -4,11 +4,11 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "lltcov/coverage_names.h"
+#include "lltld/archive_file.h"
 #include "lltld/linuxfunc.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
-#include <cctype>
 #include <set>
 
 namespace
@@ -158,33 +158,6 @@ void advise_on_stub(const ExplainedStep& step, const std::vector<Symbol>& symbol
     }
 }
 
-/// The members with coverage symbols in the text of an archive, by the headers of ar(5) with GNU's
-/// table of long names; empty for a text that is no archive.
-std::vector<std::string> instrumented_members(const std::string& text)
-{
-    constexpr std::size_t HEADER = 60;
-    std::vector<std::string> names;
-    std::string long_names;
-    std::size_t at = text.compare(0, 8, "!<arch>\n") == 0 ? 8 : text.size();
-    while (at < text.size() && text.size() - at >= HEADER) {
-        std::string name = text.substr(at, 16);
-        const auto size = static_cast<std::size_t>(std::max(0, to_int(&text[at + 48])));
-        const std::string data = text.substr(at + HEADER, size);
-        at += HEADER + size + size % 2;
-        if (name.compare(0, 2, "//") == 0) {
-            long_names = data;
-        } else if (name[0] == '/' && std::isdigit(static_cast<unsigned char>(name[1])) != 0) {
-            const auto start = static_cast<std::size_t>(to_int(&name[1]));
-            name = long_names.substr(std::min(start, long_names.size()), std::string::npos);
-        }
-        name.resize(std::min(name.size(), name.find_first_of("/\n")));
-        if (!name.empty() && data.find(ARRAY_PREFIX) != std::string::npos) {
-            names.push_back(name);
-        }
-    }
-    return names;
-}
-
 /// A library is what one command makes of it: database and stub know the members of the last one.
 void advise_on_kept_members(const ExplainedStep& step, Advice& advice)
 {
@@ -197,12 +170,14 @@ void advise_on_kept_members(const ExplainedStep& step, Advice& advice)
     if (counts_itself || read_whole_file(step.decision.archive, text) != Reading::done) {
         return;
     }
-    for (const std::string& kept : instrumented_members(text)) {
+    for (const ArchiveMember& member : read_archive_file(text).members) {
+        const std::string kept(member.name);
         const auto& named = step.members.named;
         const bool replaced = std::any_of(named.begin(), named.end(), [&](const std::string& path) {
             return base_name(path) == kept;
         });
-        if (!replaced && kept.find(STUB_PREFIX) != 0) {
+        if (!replaced && member.content.find(ARRAY_PREFIX) != std::string_view::npos &&
+            !begins_with(kept, STUB_PREFIX)) {
             advice.warnings.push_back(
                 quoted(kept) + " stays in " + quoted(step.decision.archive) +
                 " but is not in this command, so not in its stub either; build the library by one "

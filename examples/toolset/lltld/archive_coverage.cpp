@@ -1,11 +1,9 @@
-// An archive is "!<arch>\n" or "!<thin>\n" and members: a header of 60 bytes, whose text begins
-// with the member's name and has its size at 48, and the content, at even positions; see ar(5). The
-// member "/" (or "/SYM64/") is the index of the symbols that the others define: a big-endian count,
-// as many offsets, and the names one after the other. "//" holds long names, each ended by "/\n",
-// which "/OFFSET" names. In a thin archive the other members are such names without content.
+// The index of an archive names what its stubs define; what its members refer to stands in the
+// members, which in a thin archive are files of their own.
 #include "examples/toolset/lltld/archive_coverage.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "lltld/archive_file.h"
 
 #include <cstdint>
 #include <string_view>
@@ -13,8 +11,6 @@
 namespace
 {
 
-constexpr std::string_view THIN_MAGIC = "!<thin>\n";
-constexpr std::size_t HEADER_SIZE = 60;
 constexpr std::string_view STUB_PREFIX = "ZJ_Start_";
 constexpr std::string_view ARRAY_PREFIX = "g_QMRCovData_";
 constexpr std::string_view NUL("\0", 1);
@@ -22,54 +18,6 @@ constexpr std::string_view NUL("\0", 1);
 std::string_view up_to(std::string_view text, std::string_view end)
 {
     return text.substr(0, text.find(end));
-}
-
-/// What an archive holds beside its members' contents.
-struct Directory {
-    std::string_view symbols;         ///< names of the index, each ended by a NUL
-    std::vector<std::string> outside; ///< files that a thin archive names, relative to it
-};
-
-/// The names of an index whose offsets have `width` bytes.
-std::string_view names_of_index(std::string_view index, std::size_t width)
-{
-    std::uint64_t count = 0;
-    for (const char byte : index.substr(0, width)) {
-        count = count << 8 | static_cast<unsigned char>(byte);
-    }
-    return count < index.size() / width ? index.substr(width * (count + 1)) : std::string_view();
-}
-
-Directory read_directory(std::string_view archive)
-{
-    Directory directory;
-    std::string_view long_names;
-    const bool is_thin = begins_with(archive, THIN_MAGIC);
-    for (std::size_t at = THIN_MAGIC.size(); at + HEADER_SIZE <= archive.size();) {
-        const std::string_view header = archive.substr(at, HEADER_SIZE);
-        const std::string_view name = up_to(header.substr(0, 16), " ");
-        const int size = to_int(std::string(header.substr(48, 10)).c_str());
-        const std::string_view content =
-            archive.substr(at + HEADER_SIZE, static_cast<std::size_t>(size > 0 ? size : 0));
-        at += HEADER_SIZE;
-        if (is_thin && name != "/" && name != "//" && name != "/SYM64/") {
-            const int offset = to_int(std::string(name.substr(1)).c_str());
-            if (offset >= 0 && static_cast<std::size_t>(offset) < long_names.size()) {
-                directory.outside.emplace_back(
-                    up_to(long_names.substr(static_cast<std::size_t>(offset)), "/\n"));
-            }
-            continue;
-        }
-        at += content.size() + content.size() % 2;
-        if (name == "//") {
-            long_names = content;
-        } else if (name == "/" || name == "/SYM64/") {
-            directory.symbols = names_of_index(content, name == "/" ? 4 : 8);
-        } else if (!is_thin) {
-            break; // the members follow
-        }
-    }
-    return directory;
 }
 
 void read_symbols(std::string_view names, ArchiveCoverage& coverage)
@@ -133,21 +81,22 @@ ArchiveCoverage read_archive(const std::string& path)
     if (read_whole_file(path, content) != Reading::done) {
         return coverage;
     }
-    const Directory directory = read_directory(content);
-    read_symbols(directory.symbols, coverage);
+    const ArchiveFile archive = read_archive_file(content);
+    read_symbols(archive.symbols, coverage);
     if (coverage.modules.empty()) {
         coverage.arrays.clear(); // defined by the objects themselves: no stub registers them
     }
     std::set<std::string> seen = coverage.arrays;
-    find_symbols(content, seen, coverage.unregistered);
-    find_builds(content, coverage.modules);
-    for (const std::string& name : directory.outside) {
-        const std::string file = name[0] == '/' ? name : path.substr(0, path.rfind('/') + 1) + name;
-        std::string member;
-        if (read_whole_file(file, member) == Reading::done) {
-            find_symbols(member, seen, coverage.unregistered);
-            find_builds(member, coverage.modules);
+    for (const ArchiveMember& member : archive.members) {
+        std::string outside;
+        if (archive.is_thin) {
+            const std::string name(member.name);
+            read_whole_file(name[0] == '/' ? name : path.substr(0, path.rfind('/') + 1) + name,
+                            outside);
         }
+        const std::string_view bytes = archive.is_thin ? outside : member.content;
+        find_symbols(bytes, seen, coverage.unregistered);
+        find_builds(bytes, coverage.modules);
     }
     return coverage;
 }

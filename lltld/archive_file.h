@@ -1,0 +1,24 @@
+// The members of a static library, as GNU ar writes it; see ar(5).
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// A member. In a thin archive it is a file of its own, and the name is that file's path, relative
+/// to the archive's directory.
+struct ArchiveMember {
+    std::string_view name;
+    std::string_view content; ///< empty in a thin archive
+};
+
+/// What an archive holds. The texts are parts of the bytes that were read.
+struct ArchiveFile {
+    bool is_thin = false;
+    std::string_view symbols; ///< names that the members define, each ended by a NUL
+    std::vector<ArchiveMember> members;
+};
+
+/// Reads the bytes of an archive; nothing is in one that is none. What is cut off or does not make
+/// sense is left out.
+ArchiveFile read_archive_file(std::string_view bytes);
