@@ -1,5 +1,5 @@
-// Removes only what the tool set wrote: dumps whose work area is in the project, and with --all the
-// work areas and LLTTEMP. Nothing is removed through a link, for it may lead out of the project.
+// Removes only what the tool set wrote: dumps whose work area is in the project, work areas, and
+// LLTTEMP. Nothing is removed through a link, for it may lead out of the project.
 #include "lltcov/commands.h"
 
 #include "commonfunc/Caddis_func.h"
@@ -8,9 +8,11 @@
 #include "lltcov/project.h"
 #include "lltcov/text_lines.h"
 
-#include <cerrno>
+#include <algorithm>
+#include <climits>
 #include <cstdio>
-#include <cstring>
+#include <filesystem>
+#include <set>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,6 +20,9 @@ namespace
 {
 
 enum class Mode { remove, show };
+
+/// What is removed: the runs, all that concerns outputs that are gone, or everything.
+enum class Scope { runs, gone, all };
 
 /// The file type bits of the path itself; 0 when there is nothing.
 mode_t type_of(const std::string& path)
@@ -29,15 +34,43 @@ mode_t type_of(const std::string& path)
 class Cleaner
 {
 public:
-    Cleaner(std::string root, Mode mode) : root_(std::move(root)), mode_(mode) {}
+    Cleaner(std::string root, Mode mode, Scope scope)
+        : root_(std::move(root)), mode_(mode), scope_(scope)
+    {
+    }
 
+    void clean()
+    {
+        if (scope_ != Scope::runs) {
+            clean_areas();
+        }
+        clean_dumps();
+        if (scope_ == Scope::all) {
+            clean_temporary();
+        }
+    }
+
+    void report() const
+    {
+        std::printf("%s %zu dumps", mode_ == Mode::show ? "would remove" : "removed", dumps_);
+        if (!areas_.empty() || temporary_) {
+            std::printf(", %zu work areas%s", areas_.size(), temporary_ ? ", LLTTEMP" : "");
+        }
+        std::printf(" of '%s'\n", root_.c_str());
+    }
+
+    bool has_failed() const { return has_failed_; }
+
+private:
     void clean_dumps()
     {
         const std::string directory = absolute_path(dump_root(root_));
         for (const std::string& name : names_in(directory)) {
             const std::string path = directory + "/" + name;
-            const bool is_ours = is_dump(name) ? is_of_project(path)
-                                               : is_unfinished_dump(name) && is_inside(path, root_);
+            const bool is_ours =
+                is_dump(name)
+                    ? is_wanted_dump(path)
+                    : scope_ != Scope::gone && is_unfinished_dump(name) && is_inside(path, root_);
             if (is_ours && type_of(path) == S_IFREG && remove(path)) {
                 ++dumps_;
             }
@@ -46,12 +79,18 @@ public:
 
     void clean_areas()
     {
-        for (const Module& module : modules_of(root_)) {
-            if (is_own_area(module) && remove(module.area)) {
-                ++areas_;
-                remove_if_empty(root_ + "/" + module.name);
+        for (const std::string& name : names_in(root_)) {
+            const std::string area = root_ + "/" + name + "/codemeasure";
+            if (name != "LLTTEMP" && type_of(root_ + "/" + name) == S_IFDIR &&
+                type_of(area) == S_IFDIR && is_wanted_area(area) && remove(area)) {
+                areas_.insert(area);
+                remove_if_empty(root_ + "/" + name);
             }
         }
+    }
+
+    void clean_temporary()
+    {
         const std::string temporary = root_ + "/LLTTEMP";
         if (type_of(temporary) == S_IFDIR) {
             temporary_ = remove(temporary);
@@ -61,39 +100,39 @@ public:
         }
     }
 
-    void report() const
-    {
-        std::printf("%s %zu dumps", mode_ == Mode::show ? "would remove" : "removed", dumps_);
-        if (areas_ > 0 || temporary_) {
-            std::printf(", %zu work areas%s", areas_, temporary_ ? ", LLTTEMP" : "");
-        }
-        std::printf(" of '%s'\n", root_.c_str());
-    }
-
-    bool has_failed() const { return has_failed_; }
-
-private:
     /// A damaged dump belongs to the project when it is in its folder.
-    bool is_of_project(const std::string& path) const
+    bool is_wanted_dump(const std::string& path) const
     {
         std::string text;
         read_whole_file(path, text);
         try {
-            const std::string area(read_dump(text).area);
-            return area[0] == '/' ? is_inside(absolute_path(area), root_) : is_inside(path, root_);
+            const std::string named(read_dump(text).area);
+            const std::string area = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
+            const bool is_ours = is_inside(named[0] == '/' ? area : path, root_);
+            const bool is_gone = areas_.count(area) != 0 || type_of(area + "/.prj") == 0;
+            return is_ours && (scope_ != Scope::gone || is_gone);
         } catch (const FormatError&) {
-            return is_inside(path, root_);
+            return is_inside(path, root_) && scope_ != Scope::gone;
         }
     }
 
-    /// A work area of an archive step or a link: no part of its path is a link, and its project
-    /// file names what was built.
-    bool is_own_area(const Module& module) const
+    /// A work area of an archive step or a link says what was built, or which libraries were taken,
+    /// or holds nothing but folders.
+    bool is_wanted_area(const std::string& area) const
     {
-        char output[2] = {};
-        return type_of(root_ + "/" + module.name) == S_IFDIR && type_of(module.area) == S_IFDIR &&
-               read_profile_string("project", "sutpath", output, sizeof output, nullptr,
-                                   (module.area + "/.prj").c_str()) != 0;
+        char output[PATH_MAX] = {};
+        read_profile_string("project", "sutpath", output, sizeof output, nullptr,
+                            (area + "/.prj").c_str());
+        if (output[0] != '\0') {
+            return scope_ == Scope::all || type_of(output) == 0;
+        }
+        if (type_of(area + "/libraries.txt") == S_IFREG) {
+            return scope_ == Scope::all;
+        }
+        const std::filesystem::recursive_directory_iterator files(area);
+        return scope_ == Scope::all && std::all_of(begin(files), end(files), [](const auto& file) {
+                   return file.is_directory();
+               });
     }
 
     bool remove(const std::string& path)
@@ -120,8 +159,9 @@ private:
 
     std::string root_;
     Mode mode_;
+    Scope scope_;
     std::size_t dumps_ = 0;
-    std::size_t areas_ = 0;
+    std::set<std::string> areas_; ///< that were removed
     bool temporary_ = false;
     bool has_failed_ = false;
 };
@@ -130,7 +170,7 @@ private:
 
 int run_clean(const Arguments& arguments)
 {
-    const CommandLine line(arguments, {"--all", "--dry-run"}, {"--project"});
+    const CommandLine line(arguments, {"--gone", "--all", "--dry-run"}, {"--project"});
     line.refuse_operands();
     const std::string root = project_root(line);
     if (type_of(root + "/LLTTEMP") == 0 && modules_of(root).empty()) {
@@ -139,11 +179,11 @@ int run_clean(const Arguments& arguments)
              root.c_str());
         return 1;
     }
-    Cleaner cleaner(root, line.has("--dry-run") ? Mode::show : Mode::remove);
-    cleaner.clean_dumps();
-    if (line.has("--all")) {
-        cleaner.clean_areas();
-    }
+    const Scope scope = line.has("--all")    ? Scope::all
+                        : line.has("--gone") ? Scope::gone
+                                             : Scope::runs;
+    Cleaner cleaner(root, line.has("--dry-run") ? Mode::show : Mode::remove, scope);
+    cleaner.clean();
     cleaner.report();
     return cleaner.has_failed() ? 1 : 0;
 }

@@ -128,7 +128,7 @@ void check_archives(Examined& examined, Findings& findings)
         if (read_whole_file(module.output, content) == Reading::missing) {
             findings.add("modules without output",
                          "'" + module.output + "' of module " + module.module.name +
-                             " is gone; build it, or forget it by lltcov clean --all");
+                             " is gone; build it, or forget it by lltcov clean --gone");
         } else if (is_archive(content)) {
             archives.add(module.output, content);
         }

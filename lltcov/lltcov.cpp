@@ -27,8 +27,8 @@ constexpr Command COMMANDS[] = {
     {"export", "--lcov|--json|--cobertura [-o FILE] [--include-system] [--project DIR]",
      "the coverage of all runs, for other tools", run_export},
     {"status", "[--json] [--project DIR]", "modules, sources, symbols and hit rates", run_status},
-    {"clean", "[--all] [--dry-run] [--project DIR]",
-     "remove the counts of all runs, or everything that the build left", run_clean},
+    {"clean", "[--gone | --all] [--dry-run] [--project DIR]",
+     "remove the counts of all runs, or what is left of a build", run_clean},
     {"shims", "DIR", "write compilers and archivers that go through lltwrapper on demand",
      run_shims},
 };

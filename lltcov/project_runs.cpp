@@ -63,7 +63,7 @@ public:
         for (const auto& [area, dumps] : orphans_) {
             findings_.add("dumps of modules that are gone",
                           std::to_string(dumps) + " dumps of '" + area +
-                              "', where no module is left: not counted; lltcov clean");
+                              "', where no module is left: not counted; lltcov clean --gone");
         }
         const auto has_dumps = [](const ModuleData& module) { return module.dumps > 0; };
         if (!findings_.has_problems() &&

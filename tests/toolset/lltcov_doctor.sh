@@ -124,16 +124,21 @@ mkdir -p linked/codemeasure real && cp libtwice/codemeasure/.prj linked/codemeas
 mv linked "$tmp/linked" && ln -s "$tmp/linked" linked
 : >libtwice/mine.c
 lists >"$tmp/before"
-cleans '--dry-run --all' "would remove 4 dumps, 2 work areas, LLTTEMP of '$root'"
+mkdir -p plain/codemeasure/db && mv main main.saved
+cleans '--dry-run --gone' "would remove 1 dumps, 1 work areas of '$root'"
+mv main.saved main
+cleans --gone "removed 0 dumps of '$root'"
+lists | cmp - "$tmp/before" || fail 'clean --gone removes what is there'
+cleans '--dry-run --all' "would remove 4 dumps, 3 work areas, LLTTEMP of '$root'"
 lists | cmp - "$tmp/before" || fail 'a dry run changes files'
 cleans '' "removed 4 dumps of '$root'"
 [ "$(ls -A llt_result | tr '\n' ' ')" = 'foreign.1.0.lltcov link.1.0.lltcov notes.txt ' ] ||
     fail "clean leaves $(ls -A llt_result)"
 [ -d "$records" ] || fail 'clean removes LLTTEMP'
-cleans --all "removed 0 dumps, 2 work areas, LLTTEMP of '$root'"
+cleans --all "removed 0 dumps, 3 work areas, LLTTEMP of '$root'"
 [ -e libtwice/mine.c ] && [ -e "$tmp/linked/codemeasure/.prj" ] && [ -e "$tmp/target" ] ||
     fail 'clean removes what is not its own'
-[ ! -e libtwice/codemeasure ] && [ ! -e main_exe ] && [ ! -e LLTTEMP ] || fail 'clean leaves areas'
+[ ! -e libtwice/codemeasure ] && [ ! -e main_exe ] && [ ! -e plain ] && [ ! -e LLTTEMP ] || fail 'clean leaves areas'
 rm linked
 if "$lltcov" clean --all >"$tmp/out" 2>&1; then fail 'clean of what is no project'; fi
 grep -q 'is no project' "$tmp/out" || fail 'no word about what is no project'
