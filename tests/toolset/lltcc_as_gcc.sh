@@ -19,6 +19,8 @@ make_sources() {
     printf 'struct S { ~S(); };\nvoid f();\nvoid g()\n{\n    S s;\n    f();\n}\n' >cc.cpp
     echo '.globl s' >s.s
     printf 'extern int y;\nint z(void)\n{\n    __asm__("bad instruction");\n    return 1;\n}\n' >badasm.c
+    echo 'struct P { int p; };' >p.h
+    $compiler -c p.h -o p.h.gch
     echo '-O2 -DX="a b" -c a.c -o sub/out/r.o' >args.rsp
 }
 
@@ -91,6 +93,7 @@ done <<'END'
 1 -c -O1 -masm=intel a.c
 1 -c -fno-plt -O2 a.c
 1 -c -fvisibility=hidden -fPIC a.c
+1 -c -Winvalid-pch -Werror -include p.h a.c
 0 -c data.c
 0 -c broken.c
 0 -c missing.c

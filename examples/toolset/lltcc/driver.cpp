@@ -87,7 +87,8 @@ Words instrumented(const Words& command, const CompileCommand& compile, const st
     if (compile.is_clang) {
         more.assign(std::begin(CLANG_OPTIONS), std::end(CLANG_OPTIONS));
     } else {
-        more.push_back(GCC_PROBES);
+        // A precompiled header made with other debug information is not used, which is no error.
+        more.insert(more.end(), {GCC_PROBES, "-Wno-invalid-pch"});
         if (compile.optimizes) {
             more.insert(more.end(), std::begin(GCC_OPTIMIZING), std::end(GCC_OPTIMIZING));
         }
