@@ -2,10 +2,16 @@
 // that the calling operation promises; everything else is a warning on standard error.
 #include "commonfunc/message.h"
 
+#include "commonfunc/env.h"
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
+#include <fcntl.h>
 #include <string>
+#include <unistd.h>
 
 namespace
 {
@@ -19,6 +25,7 @@ __attribute__((format(printf, 2, 0))) void print_coloured(const char* start, con
 }
 
 const char* warning_name = "lltwrapper";
+int saved_output = -1; ///< while the log takes its place
 
 } // namespace
 
@@ -73,6 +80,39 @@ void warn(const char* format, ...)
         std::fwrite(text.data(), 1, text.size(), stderr);
     }
     va_end(again);
+}
+
+void log_output()
+{
+    const std::string path = env_text("LLTWRAPPER_LOG");
+    if (path.empty()) {
+        return;
+    }
+    const int log = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (log < 0) {
+        warn("cannot open the log '%s': %s; set LLTWRAPPER_LOG to a file that can be written",
+             path.c_str(), std::strerror(errno));
+        return;
+    }
+    std::fflush(stdout);
+    saved_output = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    ::dup2(log, STDOUT_FILENO);
+    ::close(log);
+}
+
+int tool_output()
+{
+    return saved_output >= 0 ? saved_output : STDOUT_FILENO;
+}
+
+void restore_output()
+{
+    if (saved_output >= 0) {
+        std::fflush(stdout);
+        ::dup2(saved_output, STDOUT_FILENO);
+        ::close(saved_output);
+        saved_output = -1;
+    }
 }
 
 void flush_output()

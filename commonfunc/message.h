@@ -31,6 +31,17 @@ void set_warning_name(const char* program);
 /// write. For what the build engineer should know: what, where, what to do.
 void warn(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
+/// From now on standard output goes to the end of the file that "LLTWRAPPER_LOG" names, when that
+/// variable is filled: builds that read what their tools print shall not read the program's lines.
+/// A warning tells when the file cannot be opened.
+void log_output();
+
+/// Descriptor of the standard output that the program was started with, where tools print to.
+int tool_output();
+
+/// Makes that the standard output of the program again.
+void restore_output();
+
 /// Flushes standard output and standard error; a write error is ignored, since messages never
 /// stop a build.
 void flush_output();

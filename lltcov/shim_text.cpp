@@ -1,7 +1,7 @@
 // A shim is short in the plain case: the shell reads a script command by command, so a build whose
 // wrapping is off pays for the first lines only. With the wrapping on, the rest tells the calls
-// that the wrapper must not see (its lines on standard output would end up in what the caller
-// reads) and writes words such that they come through the wrapper and its shell as they are.
+// that the wrapper must not see, and writes words such that they come through the wrapper and its
+// shell as they are. The wrapper's own lines go to a log: makefiles read what their tools print.
 #include "lltcov/shim_text.h"
 
 #include "commonfunc/Caddis_func.h"
@@ -44,6 +44,12 @@ constexpr char PLAIN_CASE[] = R"SH([ "$on" != 0 ] || exec "$real" "$@"
 constexpr char WRAPPED_CASE[] =
     R"SH(# Behind the others on PATH: drivers of the user's own choice come first.
 export PATH="$PATH:${wrapper%/*}" LLTWRAPPER_EXACT_STATUS="${LLTWRAPPER_EXACT_STATUS:-1}"
+if [ -z "$LLTWRAPPER_LOG" ]; then
+    log=${qmr_current_prj_path:-}
+    log=${log%/*.prj}/LLTTEMP/build.log
+    [ -d "${log%/*}" ] || log=/dev/null
+    export LLTWRAPPER_LOG="$log"
+fi
 )SH";
 
 /// Sets `step` when the call compiles or links, `rewrite` when a word cannot stand as it is.

@@ -1,6 +1,7 @@
 // lltwrapper stands in front of every compiler, linker and archiver command of a build: it
 // rebuilds the command, decides what kind of step it is, and runs it, mostly by an instrumenting
 // driver. This is the whole road.
+#include "commonfunc/message.h"
 #include "lltwrapper/cmd_parser.h"
 #include "lltwrapper/mode_dispatch.h"
 #include "lltwrapper/process_setup.h"
@@ -15,6 +16,7 @@ int main(int argc, char** argv)
         if (answer_without_command(argc, argv)) {
             return 0;
         }
+        log_output();
         parser(argc, argv);
         read_project();
         return dispatch_mode();

@@ -40,6 +40,7 @@ enum class Status {
 /// Runs the command and makes the exit status of the process from its wait status.
 int run_command(const std::string& command, Flush flush, Status kind)
 {
+    restore_output();
     const int wait_status = run_shell(command, flush);
     const int real = exit_status_of(wait_status);
     if (env_text("LLTWRAPPER_EXACT_STATUS") == "1") {

@@ -231,6 +231,26 @@ TEST_F(EndToEnd, TheExitStatusDependsOnTheMode)
     }
 }
 
+TEST_F(EndToEnd, ALogTakesTheProgramsLinesAndTheToolsKeepTheOutput)
+{
+    const std::string rows[][4] = {
+        {"", "gcc -c a.c", "lltcc ran\n", "lltcc cmd:\n .* \n"},
+        {"", "gcc -o app", "lltld ran\n", "lltld cmd:\n .* \n"},
+        {"", "gcc -E a.c", "gcc ran\n", "gcc -E a.c "},
+        {"lltwrapper_cfg=1", "gcc -o x/.tmp_vmlinux2", "gcc ran\n", "special_cmd:: .*\n"}};
+    std::string all;
+    for (const auto& [env, args, prints, logs] : rows) {
+        run(env + " LLTWRAPPER_LOG=own.log", args);
+        EXPECT_EQ(out, prints);
+        all += logs;
+        EXPECT_TRUE(std::regex_match(read_file("own.log"), std::regex(all)))
+            << read_file("own.log");
+    }
+    run("LLTWRAPPER_LOG=nowhere/own.log", "gcc -E a.c");
+    EXPECT_EQ(out, "gcc -E a.c gcc ran\n");
+    EXPECT_TRUE(warns(".*nowhere/own.log")) << err;
+}
+
 TEST_F(EndToEnd, SomeCallsRunNothing)
 {
     const std::string nothing = "lltld cmd:\n  \n", own = "lltwrapper: .*\n";

@@ -170,6 +170,23 @@ TEST_F(Shims, WordsComeThroughTheWrapperAsTheyAre)
     EXPECT_EQ(run("LLT_WRAP=1 RECORDER_END=3 exec ar rc libx.a x.o"), 3) << "real exit status";
 }
 
+TEST_F(Shims, LeaveStandardOutputToTheTools)
+{
+    write_shims(LLTWRAPPER);
+    fs::create_directories("project/LLTTEMP");
+    std::string log;
+    for (const char* command : {"gcc -c x.c", "gcc x.o -o x", "ar rc libx.a x.o"}) {
+        EXPECT_EQ(run(std::string("LLT_WRAP=1 exec 2>said ") + command), 0) << out;
+        EXPECT_TRUE(std::regex_match(out, std::regex("[a-z]+ ran\n"))) << out;
+        const std::string before = log;
+        log = read_file("project/LLTTEMP/build.log");
+        EXPECT_NE(log.find(std::string("/") + command, before.size()), log.npos) << log;
+    }
+    fs::remove_all("project"); // no place for a log is no trouble
+    EXPECT_EQ(run("LLT_WRAP=1 exec 2>said gcc -c x.c"), 0);
+    EXPECT_EQ(out, "lltcc ran\n");
+}
+
 TEST_F(Shims, NeverFindThemselves)
 {
     // Runs the next tool of its name on PATH, as a masquerading cache does, and in the end a shim.

@@ -86,6 +86,8 @@ int run_program(const Words& words, const Streams& streams)
     }
     if (streams.output != nullptr) {
         redirect(STDOUT_FILENO, "", streams.output);
+    } else if (tool_output() != STDOUT_FILENO) {
+        ::posix_spawn_file_actions_adddup2(&actions, tool_output(), STDOUT_FILENO);
     }
     if (streams.errors != nullptr) {
         redirect(STDERR_FILENO, "", streams.errors);
@@ -114,6 +116,7 @@ int run_program(const Words& words, const Streams& streams)
 
 int become_program(const Words& words)
 {
+    restore_output();
     flush_output();
     ::execvp(words[0].c_str(), pointers(words).data());
     notice("%s", cannot_run(words[0], errno).c_str());

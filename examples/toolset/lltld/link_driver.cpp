@@ -177,6 +177,7 @@ int drive_link(int argc, char** argv)
     if (call.command.empty()) {
         return 2;
     }
+    log_output();
     const bool is_nested = std::getenv(GUARD) != nullptr;
     ::setenv(GUARD, "1", 1);
     ::unsetenv("LLT_WRAP");
