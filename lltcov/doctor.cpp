@@ -82,8 +82,10 @@ int run_doctor(const Arguments& arguments)
         is_sick = print(check.name, findings) || is_sick;
     }
     if (!is_sick) {
-        std::printf("nothing found: %zu modules in '%s'\n", examined.data.modules.size(),
-                    root.c_str());
+        const std::size_t modules = examined.data.modules.size();
+        std::printf("nothing found: %zu modules in '%s'%s\n", modules, root.c_str(),
+                    modules == 0 ? "; if it is built, lltcc has said what it compiles plainly"
+                                 : "");
     }
     return is_sick ? 1 : 0;
 }

@@ -155,19 +155,21 @@ private:
     void read_object(const _SOURCEFILE_OBJECT& record, ModuleData& module)
     {
         const std::string symbol = symbol_of(record);
-        const auto known = data_.object_of_symbol.find(symbol);
-        if (known != data_.object_of_symbol.end()) {
-            std::vector<std::size_t>& objects = module.objects;
-            if (std::find(objects.begin(), objects.end(), known->second) == objects.end()) {
-                objects.push_back(known->second);
+        auto known = data_.object_of_symbol.find(symbol);
+        if (known == data_.object_of_symbol.end()) {
+            std::optional<InstrumentedObject> object = load(record, symbol, module.module);
+            if (!object) {
+                return;
             }
-            return;
-        }
-        if (std::optional<InstrumentedObject> object = load(record, symbol, module.module)) {
-            module.objects.push_back(data_.objects.size());
-            data_.object_of_symbol[symbol] = data_.objects.size();
+            known = data_.object_of_symbol.emplace(symbol, data_.objects.size()).first;
             data_.objects.push_back(std::move(*object));
         }
+        std::vector<std::size_t>& objects = module.objects;
+        if (std::find(objects.begin(), objects.end(), known->second) == objects.end()) {
+            objects.push_back(known->second);
+        }
+        InstrumentedObject& object = data_.objects[known->second];
+        object.is_in_use = object.is_in_use || QMRFileExists(module.output.c_str()) != 0;
     }
 
     std::optional<InstrumentedObject> load(const _SOURCEFILE_OBJECT& record,

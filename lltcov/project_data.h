@@ -18,6 +18,7 @@ struct InstrumentedObject {
     std::uint32_t source_mtime = 0; ///< likewise
     timespec compiled = {};         ///< when it was compiled
     std::string area;               ///< work area of the (first) module that holds it
+    bool is_in_use = false;         ///< the output of a module that holds it is there
     ProbeMap map;
     std::vector<std::uint64_t> counts; ///< one per probe, summed over all runs of all modules
 };

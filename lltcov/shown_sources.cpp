@@ -57,11 +57,16 @@ bool CoverageMaker::is_shown(const InstrumentedObject& object, const std::string
                            "' names in a line directive or includes, is not there: left out");
         return false;
     }
+    if (!state && !object.is_in_use) {
+        findings_.note("modules that are gone",
+                       "'" + path + "' is gone, and so is what was built of it in '" + object.area +
+                           "': left out; lltcov clean --gone forgets it");
+        return false;
+    }
     if (!state) {
         findings_.add("sources that are gone",
-                      "'" + path +
-                          "' is gone: its lines are left out; make a clean build, or remove '" +
-                          object.area + "' when that module is no more");
+                      "'" + path + "' is gone: its lines are left out; build '" + object.area +
+                          "' anew, or remove its output and run lltcov clean --gone");
         return false;
     }
     if (has_changed(object, path, *state)) {

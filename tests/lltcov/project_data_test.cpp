@@ -207,6 +207,10 @@ TEST_F(ProjectDataTest, LinesOfATextThatHasChangedAreNotShown)
     EXPECT_EQ(counts(), "- 4 ");
     std::filesystem::remove(dir + "/a.c");
     EXPECT_EQ(counts(), "- 4 ");
+    EXPECT_NE(said("modules that are gone").find("/a.c' is gone"), std::string::npos);
+    EXPECT_FALSE(findings_.has_problems());
+    write_file(dir + "/liba/codemeasure/.prj", "[project]\nBUID=Q1\nsutpath=" + dir + "/h.h\n");
+    EXPECT_EQ(counts(), "- 4 "); // the output is there
     EXPECT_NE(said("sources that are gone").find("/a.c' is gone"), std::string::npos);
 
     // Touched and compiled again with the same result: the driver's newer record counts.

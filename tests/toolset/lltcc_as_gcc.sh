@@ -93,6 +93,7 @@ done <<'END'
 1 -c -O1 -masm=intel a.c
 1 -c -fno-plt -O2 a.c
 1 -c -fvisibility=hidden -fPIC a.c
+1 -c -O2 -flto=auto -ffat-lto-objects a.c
 1 -c -Winvalid-pch -Werror -include p.h a.c
 0 -c data.c
 0 -c broken.c
@@ -104,7 +105,7 @@ done <<'END'
 0 -c h.h
 0 -E a.c
 0 -S a.c
-0 -c -flto a.c
+1 -c -flto a.c
 0 -c -x assembler a.c
 0 -c -x c -o in.o - <a.c
 0 -c -fsyntax-only a.c

@@ -98,8 +98,8 @@ bool matters_to_stub(std::string_view word)
     for (const std::string_view not_for_stub :
          {"-fsanitize", "-fprofile", "-ftest-coverage", "-fcoverage", "-fdump", "-fpreprocessed",
           "-fdirectives", "-fmodule", "-fplugin", "-fsyntax", "-finput", "-fno-rtti",
-          "-fvisibility-inlines", "-fpermissive", "-fdiagnostics", "-fstack-usage",
-          "-fcallgraph"}) {
+          "-fvisibility-inlines", "-fpermissive", "-fdiagnostics", "-fstack-usage", "-fcallgraph",
+          "-flto"}) {
         if (begins_with(word, not_for_stub)) {
             return false;
         }
@@ -138,9 +138,9 @@ private:
         } else if (is_one_of(word, {"-E", "-S", "-M", "-MM", "-fsyntax-only", "-emit-llvm"})) {
             give_up(word + " makes no object");
         } else if (begins_with(word, "-flto")) {
-            m_lto = true;
+            m_out.has_lto = true;
         } else if (word == "-fno-lto") {
-            m_lto = false;
+            m_out.has_lto = false;
         } else if (begins_with(word, "-fsanitize-coverage")) {
             give_up("the command has a " + word + " of its own");
         } else if (is_one_of(word, {"-m32", "-mx32", "-m16"})) {
@@ -199,8 +199,6 @@ private:
             give_up("'" + m_out.kept[0] + "' is no compiler that it knows");
         } else if (!m_compiles) {
             give_up("no -c");
-        } else if (m_lto) {
-            give_up("link-time optimisation (-flto) makes code only at the link");
         } else if (m_out.sources.empty()) {
             give_up(m_assembly.empty() ? "no source" : "'" + m_assembly + "' is assembly");
         }
@@ -217,7 +215,6 @@ private:
     std::string m_language = "none";
     std::string m_assembly;
     bool m_compiles = false;
-    bool m_lto = false;
 };
 
 } // namespace

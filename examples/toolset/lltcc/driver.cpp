@@ -96,6 +96,9 @@ Words instrumented(const Words& command, const CompileCommand& compile, const st
     if (!compile.has_debug_info) {
         more.push_back("-g1");
     }
+    if (compile.has_lto) {
+        more.push_back("-fno-lto"); // else there is nothing to assemble yet
+    }
     Words out = command;
     out.insert(out.begin() + 1, "-B" + tools + "/");
     out.insert(std::find(out.begin(), out.end(), "--"), more.begin(), more.end());
@@ -153,6 +156,10 @@ int run_driver(const Words& arguments)
     const std::string tools = assembler_directory();
     if (tools.empty()) {
         compile.why_plain = "lltcc.d/as is missing from the installation";
+    }
+    if (call.stub_mode == 3) {
+        compile.why_plain = "no stub of mode 3 declares counters; choose another one by "
+                            "qmr_coverage_stub_mold";
     }
     if (!compile.why_plain.empty()) {
         notice("compiled without coverage: %s", compile.why_plain.c_str());
