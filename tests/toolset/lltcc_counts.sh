@@ -8,7 +8,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work" || exit 1
 cat >m.c <<'END'
-void many(void)
+int puts(const char*); int seldom(int), either(int); void many(void)
 { __asm__ volatile("");
 }
 int tail(int n)
@@ -23,10 +23,25 @@ int never(int x)
 }
 int main(int argc, char** argv)
 {
-    (void)argv;
+    (void)argv, (void)seldom(9), argc += either(9999) - 4;
     for (int i = 0; i < 299 + argc; i++)
         many();
     return tail(argc - 1) == 6 ? 0 : never(argc);
+}
+int seldom(int n)
+{
+    do {
+        if (n > 5000)
+            puts("its address is the same in every round");
+        many();
+    } while (--n > 0);
+    return n;
+}
+int either(int n)
+{
+    if (n > 5000)
+        return 4;
+    return 0;
 }
 END
 
@@ -65,13 +80,15 @@ __attribute__((destructor)) static void dump(void)
 }
 END
         "$@" stub.c m.o -o m && ${LLTCC_RUN:-} ./m >counts || failures=$((failures + 1))
-        many=$((most < 300 ? most : 300))
+        many=$((most < 309 ? most : 309))
         expect "mode $mode $options" 1 "$many"
-        expect "mode $mode $options" 18 "$many"
+        expect "mode $mode $options" 18 $((most < 300 ? most : 300))
         expect "mode $mode $options" 7 1
         expect "mode $mode $options" 8 $((most < 3 ? most : 3))
         expect "mode $mode $options" 12 0
         expect "mode $mode $options" 19 1
+        expect "mode $mode $options, moved out of a loop" 25 0
+        expect "mode $mode $options, chosen without a jump" 34 0
     done
 done <<'END'
 0 unsigned_ARRAY[N/32+1] A[i/32]>>i%32&1 1

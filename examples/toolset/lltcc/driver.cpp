@@ -66,7 +66,8 @@ constexpr const char* GCC_OPTIMIZING[] = {
     "-fno-ssa-phiopt", "-fno-tree-cselim",
     // moving and splitting code
     "-fno-tree-pre", "-fno-tree-loop-im", "-fno-tree-sink", "-fno-thread-jumps", "-fno-split-paths",
-    "-fno-schedule-insns", "-fno-schedule-insns2",
+    "-fno-schedule-insns", "-fno-schedule-insns2", "-fno-move-loop-invariants",
+    "-fno-if-conversion", "-fno-if-conversion2",
     // copying and specialising whole functions
     "-fno-inline-functions-called-once", "-fno-partial-inlining", "-fno-ipa-cp", "-fno-ipa-sra",
     "--param=max-inline-insns-single=0", "--param=max-inline-insns-auto=0",
