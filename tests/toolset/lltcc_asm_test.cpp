@@ -55,6 +55,7 @@ bool contains(const std::string& text, const std::string& part)
 const std::string CALL = "\tcall\t__sanitizer_cov_trace_pc@PLT\n";
 
 using LltccCounterCode = TestDir;
+using LltccSource = TestDir;
 
 } // namespace
 
@@ -111,6 +112,22 @@ TEST(LltccRegions, LinesBelongToTheCodeThatRunsWithThem)
          CALL + "\t.loc 1 3 1 is_stmt 0\n\tje\t.L2\n\t.loc 1 5 1 is_stmt 1\n" + CALL +
              "\tnop\n.L2:\n\t.loc 1 5 1\n\t.loc 1 6 1\n" + CALL + "\tret\n",
          {{2, 3}, {5}, {6}}},
+        {"what takes the result of a call is no code of the next block",
+         CALL + "\t.loc 1 5 1\n\tcall\tf\n\tsubl\t$1, %eax\n\t.loc 1 3 1\n\tje\t.L2\n" +
+             "\t.loc 1 3 2\n" + CALL + "\tret\n.L2:\n" + CALL + "\tret\n",
+         {{2, 5}, {3}, {3}}},
+        {"the beginning of a function is a block, also without a probe",
+         "\tpushq\t%rbx\n\t.loc 1 4 1 is_stmt 0\n\tmovl\t$9, %ebx\n\tjmp\t.L2\n"
+         ".L3:\n\t.loc 1 4 2\n" +
+             CALL + "\tdecl\t%ebx\n.L2:\n\t.loc 1 5 1\n" + CALL + "\tjne\t.L3\n\tret\n",
+         {{2, 4}, {4}, {5}}},
+        {"a value that is copied to where ways meet has no line",
+         CALL + "\t.loc 1 8 1 is_stmt 0\n\tnop\n\t.loc 1 5 1\n\txorl\t%ebx, %ebx\n" +
+             "\tjmp\t.L2\n.L2:\n" + CALL + "\tret\n",
+         {{2, 8}}},
+        {"a tail call has one, also when its arguments are copies",
+         CALL + "\t.loc 1 8 1 is_stmt 0\n\tnop\n\t.loc 1 6 1\n\tmovl\t$1, %edi\n\tjmp\tg\n",
+         {{2, 6, 8}}},
         {"inline assembly is code of its line, whatever stands in it",
          CALL + "\t.loc 1 3 1\n#APP\n# 3 \"t.c\" 1\n\tjmp 1f\n1:\n#NO_APP\n\t.loc 1 4 1\n\tnop\n",
          {{2, 3, 4}}},
@@ -119,6 +136,23 @@ TEST(LltccRegions, LinesBelongToTheCodeThatRunsWithThem)
         SCOPED_TRACE(one.what);
         EXPECT_EQ(probe_lines(function(one.body)), one.probes);
     }
+}
+
+TEST(LltccRegions, ALineEndsBlocksOnlyInItsFunction)
+{
+    const std::string other = "\t.type\tg, @function\ng:\n\t.loc 1 3 1\n" + CALL + "\tret\n";
+    EXPECT_EQ(probe_lines(function(CALL + "\t.loc 1 3 1\n\tnop\n\t.loc 1 5 1\n\tret\n") + other),
+              (std::vector<Lines>{{2, 3, 5}, {3}}));
+}
+
+TEST_F(LltccSource, TheStackIsClearedInFrontOfATailCallNotBehindIt)
+{
+    write_file("t.c", "\n\ng(); g();\n}\n");
+    const std::string body = CALL + "\t.loc 1 3 1\n\tje\t.L2\n\t.loc 1 3 6\n" + CALL +
+                             "\tnop\n\t.loc 1 4 1\n\tpopq\t%rbx\n\t.loc 1 3 6\n\tjmp\tg\n" +
+                             ".L2:\n" + CALL + "\tret\n";
+    EXPECT_EQ(probe_lines("\t.file 1 \"t.c\"\n" + function(body)),
+              (std::vector<Lines>{{2, 3}, {3}}));
 }
 
 TEST(LltccRegions, MangledNamesTellTheWordAtTheDefinition)
@@ -161,6 +195,17 @@ TEST(LltccRegions, WithoutDebugInformationAMarkOnlyStandsInForCode)
                  "\t.loc 1 7 1\n\tret\n.L2:\n\t.loc 1 6 1\n" + CALL + "\tret\n");
     EXPECT_EQ(probe_lines(text, Marks::stand_in), (std::vector<Lines>{{2, 3, 5}, {4, 7}, {6}}));
     EXPECT_EQ(probe_lines(text, Marks::count), (std::vector<Lines>{{2, 3, 4, 5}, {4, 7}, {6}}));
+
+    const std::string inlined =
+        function(CALL + "\t.loc 1 9 1 is_stmt 1\n\t.loc 1 3 1 is_stmt 0\n" +
+                 "\tje\t.L2\n\t.loc 1 3 2\n" + CALL + "\tret\n.L2:\n" + CALL + "\tret\n");
+    EXPECT_EQ(probe_lines(inlined, Marks::stand_in), (std::vector<Lines>{{2, 3, 9}, {3}}))
+        << "the mark of the call that was inlined is not the end of the block";
+
+    const std::string moved = function(CALL + "\t.loc 1 4 1 is_stmt 1\n.L2:\n\t.loc 1 4 2" +
+                                       " is_stmt 0\n\taddl\t$1, %eax\n.L3:\n" + CALL + "\tret\n");
+    EXPECT_EQ(probe_lines(moved, Marks::stand_in), (std::vector<Lines>{{2, 4}}))
+        << "code without a probe takes no line from the block that has its mark";
 }
 
 TEST(LltccRegions, EachFunctionHasAFirstCounterAndOtherProbesWithoutLinesVanish)

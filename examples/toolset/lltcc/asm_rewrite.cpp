@@ -75,9 +75,10 @@ struct Increment {
 std::string count(const AsmText& text, const Region& region, const Rewriting& how,
                   std::size_t index)
 {
-    const bool follows_call = is_probe(region) || region.probe == Region::Probe::after;
-    const std::string code = follows_call ? count_at_call(text.machine, how, index)
-                                          : count_anywhere(text.machine, how, index);
+    const bool at_call = is_probe(region) || region.probe == Region::Probe::after ||
+                         region.probe == Region::Probe::entry;
+    const std::string code = at_call ? count_at_call(text.machine, how, index)
+                                     : count_anywhere(text.machine, how, index);
     return text.intel_syntax ? "\t.att_syntax prefix\n" + code + "\t.intel_syntax noprefix\n"
                              : code;
 }

@@ -10,15 +10,11 @@
 #include "asm_syntax.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cstdlib>
 
 namespace
 {
-
-/// File, line, column and discriminator of a line directive.
-using Location = std::array<int, 4>;
 
 class Scanner
 {
@@ -66,6 +62,9 @@ private:
         if (m_function_names.count(std::string(label)) != 0) {
             m_out.functions.push_back({std::string(label.substr(0, label.find('.'))), {0, 0}});
             open_region();
+            if (label.find(".cold") == label.npos) {
+                m_out.regions.back().probe = Region::Probe::entry;
+            }
         } else if (is_jump_target(label) && !m_out.functions.empty()) {
             open_region();
             m_at_target = true;
@@ -91,16 +90,11 @@ private:
     void read_location(std::string_view line)
     {
         const auto word = directive_words(line);
-        const auto number = [&](std::size_t i) {
-            return i < word.size() ? std::atoi(word[i].c_str()) : 0;
-        };
-        const auto split = std::find(word.begin(), word.end(), "discriminator");
-        const Location location{
-            number(1), number(2), number(3),
-            split == word.end() || split + 1 == word.end() ? 0 : std::atoi((split + 1)->c_str())};
+        const Location location = location_of(word);
         // For code without a location the compiler repeats the last one when debug information
         // needs a view number there.
         const bool repeated = location == m_location && m_at_line == SourceLine{0, 0};
+        m_at_copy = m_at_copy && location == m_location;
         m_location = location;
         const auto mark = std::find(word.begin(), word.end(), "is_stmt");
         if (mark != word.end() && mark + 1 != word.end()) {
@@ -148,26 +142,44 @@ private:
     {
         const std::size_t blank = std::min(line.find_first_of(" \t"), line.size());
         const std::string_view mnemonic = line.substr(0, blank);
+        const std::string_view operand = trimmed(line.substr(blank));
         if (line.find(PROBE) != line.npos) {
-            read_probe(probe_form(m_out.machine, mnemonic, trimmed(line.substr(blank))));
+            read_probe(probe_form(m_out.machine, mnemonic, operand));
             return;
         }
         if (m_at_target && mnemonic == "nop") {
             m_out.regions.back().probe = Region::Probe::nop;
         }
-        if (!is_landing_mark(mnemonic)) {
+        const Flow flow = flow_of(m_out.machine, mnemonic);
+        const bool tail_call = is_tail_call(m_out.machine, mnemonic, operand);
+        m_at_copy = is_copy(m_out.machine, mnemonic, operand) ||
+                    (m_at_copy && flow == Flow::end && !tail_call);
+        if (m_at_copy && m_has_marks && !at_entry()) {
+            note_copy();
+        } else if (!is_landing_mark(mnemonic)) {
             note_instruction();
         }
-        if (m_open && may_not_return(m_out.machine, mnemonic, trimmed(line.substr(blank)))) {
-            go_on(Region::Probe::after);
-            return;
+        if (m_open && tail_call) {
+            forget_braces();
         }
-        const Flow flow = flow_of(m_out.machine, mnemonic);
-        if (flow == Flow::branch) {
+        if (m_open && may_not_return(m_out.machine, mnemonic, operand)) {
+            open_region();
+            m_out.regions.back().probe = Region::Probe::after;
+        } else if (flow == Flow::branch) {
             open_region();
         } else if (flow == Flow::end) {
             m_open = false;
         }
+    }
+
+    /// In front of a tail call the stack is cleared at the function's closing brace, which the
+    /// source has behind the call.
+    void forget_braces()
+    {
+        std::vector<Trace>& traces = m_traces.back();
+        traces.erase(std::remove_if(traces.begin(), traces.end(),
+                                    [](const Trace& t) { return t.kind == Trace::Kind::brace; }),
+                     traces.end());
     }
 
     void read_probe(Region::Probe form)
@@ -175,7 +187,7 @@ private:
         if (m_out.functions.empty()) {
             throw NotInstrumentable("a probe outside of any function");
         }
-        if (!m_open || m_out.regions.back().probe != Region::Probe::none) {
+        if (!m_open || (m_out.regions.back().probe != Region::Probe::none && !at_entry())) {
             go_on(form); // the location in front of the probe is the new block's
         }
         note_instruction();
@@ -185,7 +197,8 @@ private:
     }
 
     /// Begins a region behind the line just read. The compiler gives code a location of its own
-    /// behind a label; code without one has none, not that of the code above.
+    /// behind a label; code without one has none, not that of the code above. Behind a call it is
+    /// what takes the result, a part of the call.
     void open_region()
     {
         if (m_open) {
@@ -198,6 +211,8 @@ private:
         m_out.regions.back().function = static_cast<int>(m_out.functions.size()) - 1;
         m_traces.emplace_back();
     }
+
+    bool at_entry() const { return m_open && m_out.regions.back().probe == Region::Probe::entry; }
 
     /// Begins a region that is reached only from the code above, with its location.
     void go_on(Region::Probe form)
@@ -213,13 +228,20 @@ private:
 
     void note_instruction()
     {
+        note_copy();
+        if (m_open && m_at_line.second > 0) {
+            m_traces.back().push_back(trace(Trace::Kind::code));
+        }
+    }
+
+    /// The optimiser copies a value (`return 0`, `i = 0`) to where several ways meet, with the
+    /// location of one of them. A statement of its own has its mark besides.
+    void note_copy()
+    {
         m_at_target = false;
         if (m_open) {
             note_marks();
             note_place();
-            if (m_at_line.second > 0) {
-                m_traces.back().push_back(trace(Trace::Kind::code));
-            }
         }
     }
 
@@ -254,6 +276,7 @@ private:
     SourceLine m_at_line{0, 0};               ///< of the next instruction
     bool m_at_brace = false;
     bool m_is_mark = true;
+    bool m_at_copy = false;   ///< only copies since the last location
     bool m_at_target = false; ///< no instruction since the label
     bool m_open = false;      ///< code that can run is being read
     bool m_inline = false;

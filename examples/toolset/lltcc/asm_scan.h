@@ -29,6 +29,8 @@ struct Region {
         call,  ///< a call, to be replaced by an increment
         tail,  ///< a jump instead of call and return
         after, ///< none, but the region goes on behind a call that may not return
+        entry, ///< none, but the beginning of a function: its first block had no code yet when the
+               ///< compiler placed its probes, as a loop's `i = 0` becomes some only later
         nop,   ///< none, but a jump target that begins with a nop: without optimisation that keeps
                ///< the line of a jump (`break`) that the compiler made part of the jumps before it
     };

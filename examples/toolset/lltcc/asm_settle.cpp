@@ -1,10 +1,10 @@
 // The rules are those by which gcov counts the blocks of a program, so that both say the same:
 //
-// - A block counts for the line that it ends in, its largest one. A line in which no block ends
-//   takes every block that has something of it. (`if (a) fail();` in one line: the code behind it
-//   begins with a mark of that line, but ends elsewhere.)
+// - A block counts for the line that it ends in, its largest one. A line in which no block of the
+//   function ends takes every block that has something of it. (`if (a) fail();` in one line: the
+//   code behind it begins with a mark of that line, but ends elsewhere.)
 // - The mark of a statement without code counts when the user asked for debug information; if not,
-//   only for a line that has no code anywhere.
+//   only for a line that no block has code of, and no block ends in it.
 // - A region without a probe is no block: the compiler made it later, to copy values. It counts
 //   only for lines that nothing else in its function stands for.
 #include "asm_settle.h"
@@ -22,13 +22,13 @@ bool is_block(const Region& region)
     return region.probe != Region::Probe::none;
 }
 
-/// The lines that have code somewhere.
-Lines lines_with_code(const std::vector<Traces>& traces)
+/// The lines that blocks have code of.
+Lines lines_with_code(const AsmText& text, const std::vector<Traces>& traces)
 {
     Lines out;
-    for (const Traces& region : traces) {
-        for (const Trace& trace : region) {
-            if (trace.kind == Trace::Kind::code) {
+    for (std::size_t i = 0; i < traces.size(); ++i) {
+        for (const Trace& trace : traces[i]) {
+            if (is_block(text.regions[i]) && trace.kind == Trace::Kind::code) {
                 out.insert(trace.line);
             }
         }
@@ -36,11 +36,18 @@ Lines lines_with_code(const std::vector<Traces>& traces)
     return out;
 }
 
-/// The largest line of the last source file in the traces; 0 without any.
-SourceLine end_of(const Traces& traces)
+/// The largest line of the last source file in the traces; 0 without any. A mark that only stands
+/// in for code ends no block that has some.
+SourceLine end_of(const Traces& traces, Marks marks)
 {
+    const bool has_code = std::any_of(traces.begin(), traces.end(), [](const Trace& trace) {
+        return trace.kind != Trace::Kind::mark;
+    });
     SourceLine end{0, 0};
     for (const Trace& trace : traces) {
+        if (trace.kind == Trace::Kind::mark && marks == Marks::stand_in && has_code) {
+            continue;
+        }
         end = end.first == trace.line.first ? std::max(end, trace.line) : trace.line;
     }
     return end;
@@ -90,9 +97,9 @@ void keep_orphans(AsmText& text)
 
 void settle_lines(AsmText& text, const std::vector<Traces>& all, Marks marks)
 {
-    const Lines with_code = lines_with_code(all);
+    const Lines with_code = lines_with_code(text, all);
     std::vector<Traces> counting(all.size());
-    Lines ends;
+    std::set<std::pair<int, SourceLine>> ends;
     for (std::size_t i = 0; i < all.size(); ++i) {
         std::copy_if(all[i].begin(), all[i].end(), std::back_inserter(counting[i]),
                      [&](const Trace& trace) {
@@ -100,14 +107,14 @@ void settle_lines(AsmText& text, const std::vector<Traces>& all, Marks marks)
                                 with_code.count(trace.line) == 0;
                      });
         if (is_block(text.regions[i])) {
-            ends.insert(end_of(counting[i]));
+            ends.insert({text.regions[i].function, end_of(counting[i], marks)});
         }
     }
     for (std::size_t i = 0; i < all.size(); ++i) {
-        const SourceLine end = end_of(counting[i]);
+        const SourceLine end = end_of(counting[i], marks);
         for (const Trace& trace : counting[i]) {
             if (trace.kind != Trace::Kind::brace &&
-                (trace.line == end || ends.count(trace.line) == 0)) {
+                (trace.line == end || ends.count({text.regions[i].function, trace.line}) == 0)) {
                 text.regions[i].lines.insert(trace.line);
             }
         }

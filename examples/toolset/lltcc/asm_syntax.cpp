@@ -77,6 +77,16 @@ std::vector<std::string> directive_words(std::string_view line)
     return out;
 }
 
+Location location_of(const std::vector<std::string>& words)
+{
+    const auto number = [&](std::size_t i) {
+        return i < words.size() ? std::atoi(words[i].c_str()) : 0;
+    };
+    const auto split = std::find(words.begin(), words.end(), "discriminator");
+    return {number(1), number(2), number(3),
+            number(static_cast<std::size_t>(split - words.begin()) + 1)};
+}
+
 bool is_jump_target(std::string_view label)
 {
     if (begins_with(label, ".LBB")) {
@@ -139,6 +149,28 @@ Flow flow_of(Machine machine, std::string_view mnemonic)
                                                   "bpl", "bvs", "bvc", "bhi",  "bls", "bge", "blt",
                                                   "bgt", "ble", "cbz", "cbnz", "tbz", "tbnz"});
     return conditional ? Flow::branch : Flow::on;
+}
+
+bool is_copy(Machine machine, std::string_view mnemonic, std::string_view operand)
+{
+    if (machine == Machine::aarch64) {
+        return is_one_of(mnemonic, {"mov", "fmov"});
+    }
+    const std::size_t comma = std::min(operand.find(','), operand.size());
+    if (is_one_of(mnemonic, {"xor", "xorl", "pxor", "xorps"})) {
+        return comma < operand.size() &&
+               trimmed(operand.substr(comma + 1)) == operand.substr(0, comma);
+    }
+    const bool in_memory = operand.find_first_of("([") != operand.npos;
+    return (!in_memory || begins_with(operand, ".LC")) && begins_with(mnemonic, "mov") &&
+           !begins_with(mnemonic, "movz") && !begins_with(mnemonic, "movs");
+}
+
+bool is_tail_call(Machine machine, std::string_view mnemonic, std::string_view operand)
+{
+    const bool jumps =
+        machine == Machine::x86_64 ? is_one_of(mnemonic, {"jmp", "jmpq"}) : mnemonic == "b";
+    return jumps && !begins_with(operand, ".L") && !begins_with(operand, "*");
 }
 
 bool may_not_return(Machine machine, std::string_view mnemonic, std::string_view operand)

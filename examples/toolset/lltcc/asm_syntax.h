@@ -5,6 +5,7 @@
 
 #include "commonfunc/text.h"
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +16,12 @@ std::string_view trimmed(std::string_view line);
 /// The words of a directive, between blanks and commas. A quoted word stands without its quotes,
 /// its escapes resolved.
 std::vector<std::string> directive_words(std::string_view line);
+
+/// File, line, column and discriminator of a line directive.
+using Location = std::array<int, 4>;
+
+/// The location in the words of a line directive; what they do not give is 0.
+Location location_of(const std::vector<std::string>& words);
 
 /// A label that code can jump to: `.L` and a digit (GCC), `.LBB` with an underscore (clang), or a
 /// name of the programmer's. The other labels of the compilers mark debug information.
@@ -32,6 +39,12 @@ enum class Flow { on, branch, end };
 
 /// Whether the code goes on behind the instruction, only there or elsewhere too.
 Flow flow_of(Machine machine, std::string_view mnemonic);
+
+/// Whether the instruction only sets a register, to a constant or to another register.
+bool is_copy(Machine machine, std::string_view mnemonic, std::string_view operand);
+
+/// Whether the instruction jumps to another function, instead of call and return.
+bool is_tail_call(Machine machine, std::string_view mnemonic, std::string_view operand);
 
 /// Whether the instruction calls a function that may end the program or jump out of it. Only
 /// functions that the compilers themselves know to return are taken for safe.

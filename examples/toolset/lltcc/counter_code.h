@@ -5,9 +5,10 @@
 
 #include <string>
 
-/// Counts probe `index` at the place of a call, or right behind one: registers that a call may
-/// change, and the flags, are free. Counters stay at their largest value once they reach it, so
-/// that what ran never looks as if it had not. `index` also makes local labels unique.
+/// Counts probe `index` at the place of a call, right behind one, or where a function begins: the
+/// flags and the registers for code between caller and callee are free. Counters stay at their
+/// largest value once they reach it, so that what ran never looks as if it had not. `index` also
+/// makes local labels unique.
 std::string count_at_call(Machine machine, const Rewriting& how, std::size_t index);
 
 /// The same in the middle of other code: every register and flag keeps its value.
