@@ -145,6 +145,15 @@ TEST(LltccRegions, ALineEndsBlocksOnlyInItsFunction)
               (std::vector<Lines>{{2, 3, 5}, {3}}));
 }
 
+TEST(LltccRegions, ABlockOfClangCountsForAllItsLines)
+{
+    const std::string text = function(CALL + "\t.loc 1 3 1\n\tnop\n\t.loc 1 5 1\n\tje\t.L2\n" +
+                                      "\t.loc 1 3 1\n" + CALL + "\tret\n.L2:\n" + CALL + "\tret\n");
+    EXPECT_EQ(probe_lines(text), (std::vector<Lines>{{2, 5}, {3}}));
+    EXPECT_EQ(probe_lines(text + "\t.ident\t\"clang version 14\"\n"),
+              (std::vector<Lines>{{2, 3, 5}, {3}}));
+}
+
 TEST_F(LltccSource, TheStackIsClearedInFrontOfATailCallNotBehindIt)
 {
     write_file("t.c", "\n\ng(); g();\n}\n");

@@ -288,6 +288,8 @@ AsmText scan_assembly(std::string_view text, SourceFiles& files, Marks marks)
 {
     AsmText out;
     out.machine = machine_of(text);
+    const std::string_view ident = text.substr(std::min(text.rfind("\t.ident\t"), text.size()));
+    out.has_long_blocks = ident.substr(0, ident.find('\n')).find("clang") != ident.npos;
     const bool has_marks = text.find(" is_stmt 0") != text.npos;
     settle_lines(out, Scanner(out, files, has_marks).read(text), marks);
     return out;

@@ -50,7 +50,8 @@ struct Function {
 struct AsmText {
     Machine machine = Machine::none; ///< none: the text holds no probe
     bool intel_syntax = false;
-    std::string main_name; ///< the source, as the `.file` directive without number says
+    bool has_long_blocks = false; ///< clang: probes were placed when blocks had been joined
+    std::string main_name;        ///< the source, as the `.file` directive without number says
     std::vector<std::string_view> text;
     std::vector<Function> functions;
     std::vector<Region> regions; ///< in the order of the text

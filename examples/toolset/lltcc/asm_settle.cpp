@@ -2,7 +2,8 @@
 //
 // - A block counts for the line that it ends in, its largest one. A line in which no block of the
 //   function ends takes every block that has something of it. (`if (a) fail();` in one line: the
-//   code behind it begins with a mark of that line, but ends elsewhere.)
+//   code behind it begins with a mark of that line, but ends elsewhere.) clang's blocks say so much
+//   less by their ends that each counts for all its lines.
 // - The mark of a statement without code counts when the user asked for debug information; if not,
 //   only for a line that no block has code of, and no block ends in it.
 // - A region without a probe is no block: the compiler made it later, to copy values. It counts
@@ -106,7 +107,7 @@ void settle_lines(AsmText& text, const std::vector<Traces>& all, Marks marks)
                          return trace.kind != Trace::Kind::mark || marks == Marks::count ||
                                 with_code.count(trace.line) == 0;
                      });
-        if (is_block(text.regions[i])) {
+        if (is_block(text.regions[i]) && !text.has_long_blocks) {
             ends.insert({text.regions[i].function, end_of(counting[i], marks)});
         }
     }
