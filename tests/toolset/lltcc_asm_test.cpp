@@ -196,6 +196,14 @@ TEST(LltccRegions, AFunctionWithoutProbesStaysAsItIs)
     EXPECT_EQ(probe_lines(text), std::vector<Lines>{{2}});
 }
 
+TEST(LltccRegions, WhatASanitizerAddsHasNoLines)
+{
+    const std::string text = function(CALL + "\tret\n") +
+                             "\t.type\t_sub_I_00099_0, @function\n_sub_I_00099_0:\n" +
+                             "\t.loc 1 9 1\n" + CALL + "\tcall\t__asan_init@PLT\n\tret\n";
+    EXPECT_EQ(probe_lines(text), (std::vector<Lines>{{2}, {}}));
+}
+
 TEST(LltccRegions, WithoutDebugInformationAMarkOnlyStandsInForCode)
 {
     const std::string text =

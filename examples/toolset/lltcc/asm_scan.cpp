@@ -89,6 +89,9 @@ private:
 
     void read_location(std::string_view line)
     {
+        if (!m_out.functions.empty() && is_sanitizer_start(m_out.functions.back().symbol)) {
+            return; // stands at the end of the file, whatever line that is
+        }
         const auto word = directive_words(line);
         const Location location = location_of(word);
         // For code without a location the compiler repeats the last one when debug information

@@ -128,6 +128,11 @@ std::string name_in_source(std::string_view symbol)
     return std::string(name);
 }
 
+bool is_sanitizer_start(std::string_view symbol)
+{
+    return begins_with(symbol, "_sub_I_") || begins_with(symbol, "_sub_D_");
+}
+
 bool is_landing_mark(std::string_view mnemonic)
 {
     return begins_with(mnemonic, "endbr") || mnemonic == "bti" || begins_with(mnemonic, "paci");

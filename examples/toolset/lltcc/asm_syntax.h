@@ -32,6 +32,9 @@ bool is_jump_target(std::string_view label);
 /// told, as for members of template instances and local classes.
 std::string name_in_source(std::string_view symbol);
 
+/// A function that GCC adds to a source to start or end a sanitizer (-fsanitize=address).
+bool is_sanitizer_start(std::string_view symbol);
+
 /// An instruction that has to stand first where an indirect jump may land.
 bool is_landing_mark(std::string_view mnemonic);
 
