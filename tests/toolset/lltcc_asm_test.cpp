@@ -196,6 +196,14 @@ TEST(LltccRegions, AFunctionWithoutProbesStaysAsItIs)
     EXPECT_EQ(probe_lines(text), std::vector<Lines>{{2}});
 }
 
+TEST(LltccRegions, WhereBlocksEndIsTheFunctionsOwnAffair)
+{
+    const std::string text = function(CALL + "\t.loc 1 3 1\n\tnop\n\t.loc 1 4 1\n\tret\n") +
+                             "\t.type\tg, @function\ng:\n\t.loc 1 2 1\n" + CALL +
+                             "\t.loc 1 3 1\n\tje\t.L2\n\t.loc 1 4 1\n" + CALL + ".L2:\n\tret\n";
+    EXPECT_EQ(probe_lines(text), (std::vector<Lines>{{2, 3, 4}, {2, 3}, {4}}));
+}
+
 TEST(LltccRegions, WhatASanitizerAddsHasNoLines)
 {
     const std::string text = function(CALL + "\tret\n") +
