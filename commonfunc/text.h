@@ -1,8 +1,10 @@
 // Small pure operations on text, shared by every room.
 #pragma once
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -17,6 +19,12 @@ bool equals_nocase(const char* a, const char* b);
 constexpr bool begins_with(std::string_view text, std::string_view start)
 {
     return text.substr(0, start.size()) == start;
+}
+
+/// True when the text is one of these.
+inline bool is_one_of(std::string_view text, std::initializer_list<std::string_view> list)
+{
+    return std::find(list.begin(), list.end(), text) != list.end();
 }
 
 /// True when `needle` (ASCII, lower or upper case) occurs in `text` without regard to case.

@@ -27,17 +27,17 @@ public:
     {
         const std::string_view word = first_word(line);
         if (word == ".section" || word == ".pushsection") {
-            m_in_debug = line.find(".debug_") != line.npos;
-            return m_in_debug;
+            in_debug_ = line.find(".debug_") != line.npos;
+            return in_debug_;
         }
         if (word == ".text" || word == ".data" || word == ".bss" || word == ".popsection" ||
             word == ".previous") {
-            m_in_debug = false;
+            in_debug_ = false;
         }
         if (word == ".loc" || (word == ".file" && is_numbered(line))) {
             return true;
         }
-        return m_in_debug && (word.empty() || word.back() == ':' || is_data(word));
+        return in_debug_ && (word.empty() || word.back() == ':' || is_data(word));
     }
 
 private:
@@ -56,7 +56,7 @@ private:
         return std::find(DATA.begin(), DATA.end(), word) != DATA.end() || word == ".p2align";
     }
 
-    bool m_in_debug = false;
+    bool in_debug_ = false;
 };
 
 /// Whether a probe of the compiler's stands at the region's place.

@@ -20,7 +20,7 @@ class Scanner
 {
 public:
     Scanner(AsmText& out, SourceFiles& files, bool has_marks)
-        : m_out(out), m_files(files), m_has_marks(has_marks)
+        : out_(out), files_(files), has_marks_(has_marks)
     {
     }
 
@@ -29,21 +29,21 @@ public:
     {
         for (std::size_t from = 0; from < text.size();) {
             const std::size_t end = std::min(text.find('\n', from), text.size());
-            m_out.text.push_back(text.substr(from, end - from));
+            out_.text.push_back(text.substr(from, end - from));
             from = end + 1;
-            read_line(trimmed(m_out.text.back()));
+            read_line(trimmed(out_.text.back()));
         }
-        return std::move(m_traces);
+        return std::move(traces_);
     }
 
 private:
     void read_line(std::string_view line)
     {
         if (begins_with(line, "#APP") || begins_with(line, "//APP")) {
-            m_inline = true;
+            inline_ = true;
         } else if (begins_with(line, "#NO_APP") || begins_with(line, "//NO_APP")) {
-            m_inline = false;
-        } else if (m_inline) {
+            inline_ = false;
+        } else if (inline_) {
             note_instruction();
         } else if (!line.empty() && line[0] != '#' && !begins_with(line, "//")) {
             const std::size_t colon = line.find(':');
@@ -59,15 +59,15 @@ private:
 
     void read_label(std::string_view label)
     {
-        if (m_function_names.count(std::string(label)) != 0) {
-            m_out.functions.push_back({std::string(label.substr(0, label.find('.'))), {0, 0}});
+        if (function_names_.count(std::string(label)) != 0) {
+            out_.functions.push_back({std::string(label.substr(0, label.find('.'))), {0, 0}});
             open_region();
             if (label.find(".cold") == label.npos) {
-                m_out.regions.back().probe = Region::Probe::entry;
+                out_.regions.back().probe = Region::Probe::entry;
             }
-        } else if (is_jump_target(label) && !m_out.functions.empty()) {
+        } else if (is_jump_target(label) && !out_.functions.empty()) {
             open_region();
-            m_at_target = true;
+            at_target_ = true;
         }
     }
 
@@ -80,28 +80,28 @@ private:
         } else if (begins_with(line, ".type")) {
             const auto word = directive_words(line);
             if (word.size() >= 3 && word[2].find("function") != std::string::npos) {
-                m_function_names.insert(word[1]);
+                function_names_.insert(word[1]);
             }
         } else if (begins_with(line, ".intel_syntax")) {
-            m_out.intel_syntax = true;
+            out_.intel_syntax = true;
         }
     }
 
     void read_location(std::string_view line)
     {
-        if (!m_out.functions.empty() && is_sanitizer_start(m_out.functions.back().symbol)) {
+        if (!out_.functions.empty() && is_sanitizer_start(out_.functions.back().symbol)) {
             return; // stands at the end of the file, whatever line that is
         }
         const auto word = directive_words(line);
         const Location location = location_of(word);
         // For code without a location the compiler repeats the last one when debug information
         // needs a view number there.
-        const bool repeated = location == m_location && m_at_line == SourceLine{0, 0};
-        m_at_copy = m_at_copy && location == m_location;
-        m_location = location;
+        const bool repeated = location == location_ && at_line_ == SourceLine{0, 0};
+        at_copy_ = at_copy_ && location == location_;
+        location_ = location;
         const auto mark = std::find(word.begin(), word.end(), "is_stmt");
         if (mark != word.end() && mark + 1 != word.end()) {
-            m_is_mark = *(mark + 1) == "1";
+            is_mark_ = *(mark + 1) == "1";
         }
         if (!repeated) {
             note_location(location);
@@ -112,32 +112,31 @@ private:
     {
         const auto [file, line, column, discriminator] = location;
         (void)discriminator;
-        const char begin = m_files.character(file, line, column);
-        m_at_line = {file, line};
-        m_at_brace = begin == '}';
-        if (!m_out.functions.empty() && m_out.functions.back().line.second == 0) {
+        const char begin = files_.character(file, line, column);
+        at_line_ = {file, line};
+        at_brace_ = begin == '}';
+        if (!out_.functions.empty() && out_.functions.back().line.second == 0) {
             // C functions begin at their brace (for clang: in its line), maybe below the name.
-            Function& function = m_out.functions.back();
-            const int named =
-                begin == '{' || column == 0
-                    ? m_files.line_of_name(file, line, name_in_source(function.symbol))
-                    : 0;
-            m_at_line.second = named != 0 ? named : line;
-            function.line = m_at_line;
+            Function& function = out_.functions.back();
+            const int named = begin == '{' || column == 0
+                                  ? files_.line_of_name(file, line, name_in_source(function.symbol))
+                                  : 0;
+            at_line_.second = named != 0 ? named : line;
+            function.line = at_line_;
         }
-        if (m_has_marks && m_is_mark && line > 0 && begin != ';') {
-            m_marks.push_back(trace(Trace::Kind::mark));
+        if (has_marks_ && is_mark_ && line > 0 && begin != ';') {
+            marks_.push_back(trace(Trace::Kind::mark));
         }
     }
 
     void read_file(const std::vector<std::string>& word)
     {
         if (word.size() == 2) {
-            m_out.main_name = word[1];
+            out_.main_name = word[1];
         } else if (word.size() > 2 && std::isdigit(static_cast<unsigned char>(word[1][0])) != 0) {
             const bool has_directory = word.size() >= 4 && word[3] != "md5";
-            m_files.add(std::atoi(word[1].c_str()), has_directory ? word[2] : "",
-                        has_directory ? word[3] : word[2]);
+            files_.add(std::atoi(word[1].c_str()), has_directory ? word[2] : "",
+                       has_directory ? word[3] : word[2]);
         }
     }
 
@@ -147,31 +146,31 @@ private:
         const std::string_view mnemonic = line.substr(0, blank);
         const std::string_view operand = trimmed(line.substr(blank));
         if (line.find(PROBE) != line.npos) {
-            read_probe(probe_form(m_out.machine, mnemonic, operand));
+            read_probe(probe_form(out_.machine, mnemonic, operand));
             return;
         }
-        if (m_at_target && mnemonic == "nop") {
-            m_out.regions.back().probe = Region::Probe::nop;
+        if (at_target_ && mnemonic == "nop") {
+            out_.regions.back().probe = Region::Probe::nop;
         }
-        const Flow flow = flow_of(m_out.machine, mnemonic);
-        const bool tail_call = is_tail_call(m_out.machine, mnemonic, operand);
-        m_at_copy = is_copy(m_out.machine, mnemonic, operand) ||
-                    (m_at_copy && flow == Flow::end && !tail_call);
-        if (m_at_copy && m_has_marks && !at_entry()) {
+        const Flow flow = flow_of(out_.machine, mnemonic);
+        const bool tail_call = is_tail_call(out_.machine, mnemonic, operand);
+        at_copy_ = is_copy(out_.machine, mnemonic, operand) ||
+                   (at_copy_ && flow == Flow::end && !tail_call);
+        if (at_copy_ && has_marks_ && !at_entry()) {
             note_copy();
         } else if (!is_landing_mark(mnemonic)) {
             note_instruction();
         }
-        if (m_open && tail_call) {
+        if (open_ && tail_call) {
             forget_braces();
         }
-        if (m_open && may_not_return(m_out.machine, mnemonic, operand)) {
+        if (open_ && may_not_return(out_.machine, mnemonic, operand)) {
             open_region();
-            m_out.regions.back().probe = Region::Probe::after;
+            out_.regions.back().probe = Region::Probe::after;
         } else if (flow == Flow::branch) {
             open_region();
         } else if (flow == Flow::end) {
-            m_open = false;
+            open_ = false;
         }
     }
 
@@ -179,7 +178,7 @@ private:
     /// source has behind the call.
     void forget_braces()
     {
-        std::vector<Trace>& traces = m_traces.back();
+        std::vector<Trace>& traces = traces_.back();
         traces.erase(std::remove_if(traces.begin(), traces.end(),
                                     [](const Trace& t) { return t.kind == Trace::Kind::brace; }),
                      traces.end());
@@ -187,16 +186,16 @@ private:
 
     void read_probe(Region::Probe form)
     {
-        if (m_out.functions.empty()) {
+        if (out_.functions.empty()) {
             throw NotInstrumentable("a probe outside of any function");
         }
-        if (!m_open || (m_out.regions.back().probe != Region::Probe::none && !at_entry())) {
+        if (!open_ || (out_.regions.back().probe != Region::Probe::none && !at_entry())) {
             go_on(form); // the location in front of the probe is the new block's
         }
         note_instruction();
-        m_out.regions.back().probe = form;
-        m_out.regions.back().at = m_out.text.size() - 1;
-        m_open = form == Region::Probe::call;
+        out_.regions.back().probe = form;
+        out_.regions.back().at = out_.text.size() - 1;
+        open_ = form == Region::Probe::call;
     }
 
     /// Begins a region behind the line just read. The compiler gives code a location of its own
@@ -204,36 +203,36 @@ private:
     /// what takes the result, a part of the call.
     void open_region()
     {
-        if (m_open) {
+        if (open_) {
             note_marks();
         }
-        m_marks.clear();
-        m_at_line = {0, 0};
-        m_open = true;
-        m_out.regions.emplace_back();
-        m_out.regions.back().function = static_cast<int>(m_out.functions.size()) - 1;
-        m_traces.emplace_back();
+        marks_.clear();
+        at_line_ = {0, 0};
+        open_ = true;
+        out_.regions.emplace_back();
+        out_.regions.back().function = static_cast<int>(out_.functions.size()) - 1;
+        traces_.emplace_back();
     }
 
-    bool at_entry() const { return m_open && m_out.regions.back().probe == Region::Probe::entry; }
+    bool at_entry() const { return open_ && out_.regions.back().probe == Region::Probe::entry; }
 
     /// Begins a region that is reached only from the code above, with its location.
     void go_on(Region::Probe form)
     {
-        const SourceLine line = m_at_line;
+        const SourceLine line = at_line_;
         std::vector<Trace> marks;
-        marks.swap(m_marks);
+        marks.swap(marks_);
         open_region();
-        m_at_line = line;
-        m_marks.swap(marks);
-        m_out.regions.back().probe = form;
+        at_line_ = line;
+        marks_.swap(marks);
+        out_.regions.back().probe = form;
     }
 
     void note_instruction()
     {
         note_copy();
-        if (m_open && m_at_line.second > 0) {
-            m_traces.back().push_back(trace(Trace::Kind::code));
+        if (open_ && at_line_.second > 0) {
+            traces_.back().push_back(trace(Trace::Kind::code));
         }
     }
 
@@ -241,8 +240,8 @@ private:
     /// location of one of them. A statement of its own has its mark besides.
     void note_copy()
     {
-        m_at_target = false;
-        if (m_open) {
+        at_target_ = false;
+        if (open_) {
             note_marks();
             note_place();
         }
@@ -250,39 +249,39 @@ private:
 
     void note_marks()
     {
-        if (!m_marks.empty()) {
+        if (!marks_.empty()) {
             note_place();
-            m_traces.back().insert(m_traces.back().end(), m_marks.begin(), m_marks.end());
-            m_marks.clear();
+            traces_.back().insert(traces_.back().end(), marks_.begin(), marks_.end());
+            marks_.clear();
         }
     }
 
     void note_place()
     {
-        if (m_out.regions.back().at == 0) {
-            m_out.regions.back().at = m_out.text.size() - 1;
+        if (out_.regions.back().at == 0) {
+            out_.regions.back().at = out_.text.size() - 1;
         }
     }
 
     Trace trace(Trace::Kind kind) const
     {
-        return {m_at_line, m_at_brace ? Trace::Kind::brace : kind};
+        return {at_line_, at_brace_ ? Trace::Kind::brace : kind};
     }
 
-    AsmText& m_out;
-    SourceFiles& m_files;
-    const bool m_has_marks; ///< the compiler marks beginnings of statements
-    std::set<std::string> m_function_names;
-    std::vector<std::vector<Trace>> m_traces; ///< of the regions
-    std::vector<Trace> m_marks;               ///< since the last instruction
-    Location m_location{};                    ///< as last written
-    SourceLine m_at_line{0, 0};               ///< of the next instruction
-    bool m_at_brace = false;
-    bool m_is_mark = true;
-    bool m_at_copy = false;   ///< only copies since the last location
-    bool m_at_target = false; ///< no instruction since the label
-    bool m_open = false;      ///< code that can run is being read
-    bool m_inline = false;
+    AsmText& out_;
+    SourceFiles& files_;
+    const bool has_marks_; ///< the compiler marks beginnings of statements
+    std::set<std::string> function_names_;
+    std::vector<std::vector<Trace>> traces_; ///< of the regions
+    std::vector<Trace> marks_;               ///< since the last instruction
+    Location location_{};                    ///< as last written
+    SourceLine at_line_{0, 0};               ///< of the next instruction
+    bool at_brace_ = false;
+    bool is_mark_ = true;
+    bool at_copy_ = false;   ///< only copies since the last location
+    bool at_target_ = false; ///< no instruction since the label
+    bool open_ = false;      ///< code that can run is being read
+    bool inline_ = false;
 };
 
 } // namespace

@@ -13,11 +13,6 @@ bool is_digit(char c)
     return c >= '0' && c <= '9';
 }
 
-bool is_one_of(std::string_view word, std::initializer_list<std::string_view> list)
-{
-    return std::find(list.begin(), list.end(), word) != list.end();
-}
-
 /// The operand of a call of the probe: direct, through the linkage table or through the offset
 /// table, in both syntaxes of x86-64.
 bool is_probe_operand(std::string_view operand)

@@ -3,6 +3,7 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/response_file.h"
+#include "examples/toolset/common/source_name.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -10,11 +11,6 @@
 
 namespace
 {
-
-bool is_one_of(std::string_view word, std::initializer_list<std::string_view> list)
-{
-    return std::find(list.begin(), list.end(), word) != list.end();
-}
 
 /// Options whose value is the next word.
 bool takes_value(std::string_view word)
@@ -65,18 +61,6 @@ bool takes_value(std::string_view word)
                             "--include"});
 }
 
-std::string suffix_of(const std::string& name)
-{
-    const std::string base = base_name(name);
-    const std::size_t dot = base.rfind('.');
-    return dot == base.npos ? "" : base.substr(dot + 1);
-}
-
-bool is_source(const std::string& suffix)
-{
-    return is_one_of(suffix, {"c", "i", "ii", "cc", "cp", "cxx", "cpp", "CPP", "c++", "C", "tcc"});
-}
-
 bool is_compilable_language(std::string_view language)
 {
     return is_one_of(language, {"none", "c", "c++", "cpp-output", "c++-cpp-output"});
@@ -112,7 +96,7 @@ bool matters_to_stub(std::string_view word)
 class Reader
 {
 public:
-    explicit Reader(CompileCommand& out) : m_out(out) {}
+    explicit Reader(CompileCommand& out) : out_(out) {}
 
     void read(const Words& words)
     {
@@ -130,17 +114,17 @@ private:
         if (word == "-" || word.empty() || word[0] != '-') {
             read_input(word);
         } else if (word == "-x") {
-            m_language = value;
+            language_ = value;
         } else if (begins_with(word, "-x")) {
-            m_language = word.substr(2);
+            language_ = word.substr(2);
         } else if (word == "-c") {
-            m_compiles = true;
+            compiles_ = true;
         } else if (is_one_of(word, {"-E", "-S", "-M", "-MM", "-fsyntax-only", "-emit-llvm"})) {
             give_up(word + " makes no object");
         } else if (begins_with(word, "-flto")) {
-            m_out.has_lto = true;
+            out_.has_lto = true;
         } else if (word == "-fno-lto") {
-            m_out.has_lto = false;
+            out_.has_lto = false;
         } else if (begins_with(word, "-fsanitize-coverage")) {
             give_up("the command has a " + word + " of its own");
         } else if (is_one_of(word, {"-m32", "-mx32", "-m16"})) {
@@ -156,22 +140,22 @@ private:
             const std::size_t equals = word.rfind('=');
             const std::size_t start = std::string(option).size();
             if (begins_with(word, option) && equals >= start) {
-                m_out.path_maps.emplace_back(word.substr(start, equals - start),
-                                             word.substr(equals + 1));
+                out_.path_maps.emplace_back(word.substr(start, equals - start),
+                                            word.substr(equals + 1));
             }
         }
         if (begins_with(word, "-g") && !begins_with(word, "-gno-") && !begins_with(word, "-gz") &&
             !begins_with(word, "-grecord")) {
-            m_out.has_debug_info = word.back() != '0';
+            out_.has_debug_info = word.back() != '0';
         }
         if (begins_with(word, "-O")) {
-            m_out.optimizes = word != "-O0";
+            out_.optimizes = word != "-O0";
         }
         if (is_one_of(word, {"-target", "-isysroot", "--sysroot", "-arch", "-B"})) {
-            m_out.kept.push_back(word);
-            m_out.kept.push_back(value);
+            out_.kept.push_back(word);
+            out_.kept.push_back(value);
         } else if (matters_to_stub(word) && !takes_value(word)) {
-            m_out.kept.push_back(word);
+            out_.kept.push_back(word);
         }
     }
 
@@ -180,12 +164,12 @@ private:
         const std::string suffix = suffix_of(word);
         if (word == "-") {
             give_up("the source comes from standard input");
-        } else if (!is_compilable_language(m_language)) {
-            give_up("language " + m_language);
-        } else if (m_language != "none" || is_source(suffix)) {
-            m_out.sources.push_back(word);
+        } else if (!is_compilable_language(language_)) {
+            give_up("language " + language_);
+        } else if (language_ != "none" || names_source(word)) {
+            out_.sources.push_back(word);
         } else if (is_one_of(suffix, {"s", "S", "sx"})) {
-            m_assembly = word;
+            assembly_ = word;
         } else if (suffix.size() > 0 && suffix[0] == 'h') {
             give_up("'" + word + "' becomes a precompiled header");
         }
@@ -193,28 +177,28 @@ private:
 
     void decide()
     {
-        const std::string kind = kind_of(m_out.kept[0]);
-        m_out.is_clang = kind == "clang" || kind == "clang++";
-        if (!m_out.is_clang && !is_one_of(kind, {"gcc", "g++", "cc", "c++", "c89", "c99"})) {
-            give_up("'" + m_out.kept[0] + "' is no compiler that it knows");
-        } else if (!m_compiles) {
+        const std::string kind = kind_of(out_.kept[0]);
+        out_.is_clang = kind == "clang" || kind == "clang++";
+        if (!out_.is_clang && !is_one_of(kind, {"gcc", "g++", "cc", "c++", "c89", "c99"})) {
+            give_up("'" + out_.kept[0] + "' is no compiler that it knows");
+        } else if (!compiles_) {
             give_up("no -c");
-        } else if (m_out.sources.empty()) {
-            give_up(m_assembly.empty() ? "no source" : "'" + m_assembly + "' is assembly");
+        } else if (out_.sources.empty()) {
+            give_up(assembly_.empty() ? "no source" : "'" + assembly_ + "' is assembly");
         }
     }
 
     void give_up(const std::string& why)
     {
-        if (m_out.why_plain.empty()) {
-            m_out.why_plain = why;
+        if (out_.why_plain.empty()) {
+            out_.why_plain = why;
         }
     }
 
-    CompileCommand& m_out;
-    std::string m_language = "none";
-    std::string m_assembly;
-    bool m_compiles = false;
+    CompileCommand& out_;
+    std::string language_ = "none";
+    std::string assembly_;
+    bool compiles_ = false;
 };
 
 } // namespace

@@ -14,8 +14,8 @@ struct CompileCommand {
     bool has_debug_info = false;
     bool optimizes = false;
     bool has_lto = false; ///< the code is made only at the link
-    Words sources; ///< as written
-    Words kept;    ///< compiler and the options that matter to a stub of the same module
+    Words sources;        ///< as written
+    Words kept;           ///< compiler and the options that matter to a stub of the same module
     std::vector<std::pair<std::string, std::string>> path_maps; ///< real and recorded prefix
 };
 

@@ -1,5 +1,5 @@
 // The array's address comes from the global offset table, because the array is in another object.
-// Only the registers are used that every call between modules may change anyway (r11; x16, x17),
+// Only the registers are used that every call between modules may change anyway (r11; x15 to x17),
 // so that even a function without a frame of the compiler's own stays whole.
 //
 // Two threads that count at once may lose one count, but never make a counter smaller than one of

@@ -43,6 +43,8 @@ std::string assembler_directory()
     return "";
 }
 
+/// The assembler that the compiler would run without us: asked each time, for it depends on the
+/// compiler and its options (-B, --target).
 std::string real_assembler(const Words& command)
 {
     Words query = command;
@@ -59,7 +61,8 @@ constexpr const char* GCC_PROBES = "-fsanitize-coverage=trace-pc";
 /// The optimisation level stays the user's. Left out of it are only passes that would let the
 /// report say something else than the source: those that let two places share one piece of code and
 /// so one probe, those that move code to where it runs although its line does not, and inlining
-/// behind the point where gcov counts (small functions are inlined before it, and stay so).
+/// behind the point where gcov counts (small functions are inlined before it, and stay so). Whether
+/// one is still needed shows tests/toolset/compare_gcov.sh.
 constexpr const char* GCC_OPTIMIZING[] = {
     // joining equal code
     "-fno-crossjumping", "-fno-ipa-icf", "-fno-tree-tail-merge", "-fno-code-hoisting",

@@ -27,15 +27,15 @@ constexpr int NAME_LINES = 40;
 
 void SourceFiles::add(int number, const std::string& directory, const std::string& name)
 {
-    m_files[number].directory = directory;
-    m_files[number].name = name;
+    files_[number].directory = directory;
+    files_[number].name = name;
 }
 
 const std::string& SourceFiles::path(int number)
 {
     static const std::string none;
-    const auto file = m_files.find(number);
-    if (file == m_files.end()) {
+    const auto file = files_.find(number);
+    if (file == files_.end()) {
         return none;
     }
     if (file->second.path.empty()) {
@@ -46,10 +46,10 @@ const std::string& SourceFiles::path(int number)
 
 std::string SourceFiles::resolve(const File& file) const
 {
-    const auto compile = m_files.find(0);
+    const auto compile = files_.find(0);
     std::string path = joined(file.directory, file.name);
-    path = joined(compile != m_files.end() ? compile->second.directory : "", path);
-    for (auto map = m_maps.rbegin(); map != m_maps.rend(); ++map) {
+    path = joined(compile != files_.end() ? compile->second.directory : "", path);
+    for (auto map = maps_.rbegin(); map != maps_.rend(); ++map) {
         const auto& [real, recorded] = *map;
         const std::string candidate = real + path.substr(std::min(recorded.size(), path.size()));
         if (path.compare(0, recorded.size(), recorded) == 0 &&
@@ -67,7 +67,7 @@ SourceFiles::File* SourceFiles::readable(int number)
     if (name.empty()) {
         return nullptr;
     }
-    File& file = m_files[number];
+    File& file = files_[number];
     if (!file.is_read) {
         file.is_read = true;
         read_whole_file(name, file.text);

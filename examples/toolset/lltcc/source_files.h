@@ -12,7 +12,7 @@ using PathMaps = std::vector<std::pair<std::string, std::string>>;
 class SourceFiles
 {
 public:
-    explicit SourceFiles(PathMaps maps) : m_maps(std::move(maps)) {}
+    explicit SourceFiles(PathMaps maps) : maps_(std::move(maps)) {}
 
     /// Notes a directive; number 0 is the source itself, with the directory of the compile.
     void add(int number, const std::string& directory, const std::string& name);
@@ -41,6 +41,6 @@ private:
     /// The file with its text read; null for a number without a directive.
     File* readable(int number);
 
-    PathMaps m_maps;
-    std::map<int, File> m_files;
+    PathMaps maps_;
+    std::map<int, File> files_;
 };

@@ -3,6 +3,7 @@
 #include "examples/toolset/lltld/link_command.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "examples/toolset/common/source_name.h"
 #include "examples/toolset/lltld/link_file.h"
 
 #include <algorithm>
@@ -32,11 +33,6 @@ struct Wanted {
 /// Scripts may name scripts; a ring of them ends here.
 constexpr std::size_t MAX_WANTED = 10000;
 
-bool is_one_of(const std::string& text, std::initializer_list<const char*> list)
-{
-    return std::find(list.begin(), list.end(), text) != list.end();
-}
-
 bool ends_with(const std::string& text, const std::string& end)
 {
     return text.size() >= end.size() &&
@@ -49,15 +45,6 @@ bool names_linker(const std::string& tool)
     const std::string name = base_name(tool);
     return begins_with(name, "ld.") || ends_with(name, "-ld") || name.find("-ld.") != name.npos ||
            is_one_of(name, {"ld", "lld", "gold", "mold"});
-}
-
-bool is_source(const std::string& path)
-{
-    const std::size_t dot = base_name(path).rfind('.');
-    return dot != std::string::npos &&
-           is_one_of(base_name(path).substr(dot),
-                     {".c", ".C", ".cc", ".cp", ".cpp", ".cxx", ".c++", ".CPP"}) &&
-           QMRFileExists(path.c_str()) != 0;
 }
 
 Arguments arguments_of(const std::vector<std::string>& command)
@@ -201,7 +188,8 @@ private:
             input.is_word = false;
             link_.link_only.push_back(argument.position);
         }
-        if (!link_.is_linker && is_source(input.path)) {
+        if (!link_.is_linker && names_source(input.path) &&
+            QMRFileExists(input.path.c_str()) != 0) {
             link_.sources.push_back(input);
         } else if (add_input(input)) {
             link_.link_only.push_back(argument.position);

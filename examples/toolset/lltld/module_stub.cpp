@@ -56,7 +56,8 @@ bool adapt_compile_command()
            replace_file(compile_command_path(), command) == Writing::done;
 }
 
-/// The definition of a symbol's counter array, as bytes; empty when its size is not known.
+/// The definition of a symbol's counter array, as bytes; empty when its size is not known. 8 bytes
+/// per probe hold the widest element that a stub declares.
 std::string plain_array(const std::string& symbol)
 {
     _SOURCEFILE_TAB table;

@@ -14,6 +14,7 @@
 #include <string.h>
 #include <unistd.h>
 
+/* Any port will do: nothing is bound. */
 unsigned short g_TUSKSockBindPort __attribute__((weak)) = 60000;
 
 static int target_state;

@@ -1,0 +1,10 @@
+// Which files a compiler driver takes for sources that can be instrumented.
+#pragma once
+
+#include <string>
+
+/// The text behind the last '.' of the file's name; empty without one.
+std::string suffix_of(const std::string& path);
+
+/// True for the suffixes of C and C++, also preprocessed.
+bool names_source(const std::string& path);
