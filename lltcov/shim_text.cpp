@@ -44,11 +44,10 @@ constexpr char PLAIN_CASE[] = R"SH([ "$on" != 0 ] || exec "$real" "$@"
 constexpr char WRAPPED_CASE[] =
     R"SH(# Behind the others on PATH: drivers of the user's own choice come first.
 export PATH="$PATH:${wrapper%/*}" LLTWRAPPER_EXACT_STATUS="${LLTWRAPPER_EXACT_STATUS:-1}"
-if [ -z "$LLTWRAPPER_LOG" ]; then
-    log=${qmr_current_prj_path:-}
-    log=${log%/*.prj}/LLTTEMP/build.log
-    [ -d "${log%/*}" ] || log=/dev/null
-    export LLTWRAPPER_LOG="$log"
+project=${qmr_current_prj_path:-}
+project=${project%/*.prj}
+if [ -z "$LLTWRAPPER_LOG" ] && [ -d "$project/LLTTEMP" ]; then
+    export LLTWRAPPER_LOG="$project/LLTTEMP/build.log"
 fi
 )SH";
 

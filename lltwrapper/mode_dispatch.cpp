@@ -107,6 +107,10 @@ int run_link()
 int run_archive()
 {
     if (!bring_archive_up_to_date()) {
+        if (env_is_filled("LLTWRAPPER_LOG")) {
+            warn("the archiver was not run: the log '%s' ends with the reason",
+                 env_text("LLTWRAPPER_LOG").c_str());
+        }
         return 1;
     }
     std::printf("lltar cmd:\n %s \n", strLLTAR.c_str());
