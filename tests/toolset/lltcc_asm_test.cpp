@@ -1,22 +1,15 @@
-// Assembly in, regions and counters out. The texts are cut from what the compilers write.
-#include "examples/toolset/lltcc/asm_rewrite.h"
+// Assembly in, regions with their lines out.
 #include "examples/toolset/lltcc/asm_syntax.h"
-#include "examples/toolset/lltcc/counter_code.h"
 #include "tests/fixture.h"
+#include "tests/toolset/lltcc_asm_text.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 namespace
 {
-
-std::string function(const std::string& body)
-{
-    return "\t.file\t\"t.c\"\n\t.text\n\t.type\tf, @function\nf:\n\t.loc 1 2 1\n" + body;
-}
 
 using Lines = std::set<int>;
 
@@ -36,36 +29,26 @@ std::vector<Lines> probe_lines(const std::string& text, Marks marks = Marks::cou
     return out;
 }
 
-std::string rewritten(const std::string& text, Counters counters, bool drop_debug_info = false)
+struct RegionCase {
+    const char* what;
+    std::string body;
+    std::vector<Lines> probes;
+};
+
+void expect_probes(const std::vector<RegionCase>& cases)
 {
-    SourceFiles files({});
-    const AsmText read = scan_assembly(text, files, Marks::count);
-    Rewriting how;
-    how.array = "A";
-    how.counters = counters;
-    how.drop_debug_info = drop_debug_info;
-    return rewrite(read, choose_probes(read), how);
+    for (const RegionCase& one : cases) {
+        EXPECT_EQ(probe_lines(function(one.body)), one.probes) << one.what;
+    }
 }
 
-bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
-}
-
-const std::string CALL = "\tcall\t__sanitizer_cov_trace_pc@PLT\n";
-
-using LltccCounterCode = TestDir;
 using LltccSource = TestDir;
 
 } // namespace
 
 TEST(LltccRegions, LinesBelongToTheCodeThatRunsWithThem)
 {
-    const struct {
-        const char* what;
-        std::string body;
-        std::vector<Lines> probes;
-    } CASES[] = {
+    expect_probes({
         {"prologue and body share a probe",
          CALL + "\t.loc 1 3 1\n\tmovl\t$1, %eax\n\tret\n",
          {{2, 3}}},
@@ -102,6 +85,12 @@ TEST(LltccRegions, LinesBelongToTheCodeThatRunsWithThem)
          CALL + "\t.loc 1 4 1\n\tje\t.L2\n\t.loc 1 3 1\n" + CALL +
              "\t.loc 1 4 1\n\tnop\n\t.loc 1 9 1\n\tret\n.L2:\n\t.loc 1 3 1\n" + CALL + "\tret\n",
          {{2, 4}, {9}, {3}}},
+    });
+}
+
+TEST(LltccRegions, CodeThatSaysNothingAboutALineIsNotItsCode)
+{
+    expect_probes({
         {"the mark of a statement without code counts",
          CALL + "\tnop\n\t.loc 1 3 1 is_stmt 1\n\t.loc 1 4 1 is_stmt 0\n\tnop\n",
          {{2, 3, 4}}},
@@ -131,11 +120,7 @@ TEST(LltccRegions, LinesBelongToTheCodeThatRunsWithThem)
         {"inline assembly is code of its line, whatever stands in it",
          CALL + "\t.loc 1 3 1\n#APP\n# 3 \"t.c\" 1\n\tjmp 1f\n1:\n#NO_APP\n\t.loc 1 4 1\n\tnop\n",
          {{2, 3, 4}}},
-    };
-    for (const auto& one : CASES) {
-        SCOPED_TRACE(one.what);
-        EXPECT_EQ(probe_lines(function(one.body)), one.probes);
-    }
+    });
 }
 
 TEST(LltccRegions, ALineEndsBlocksOnlyInItsFunction)
@@ -196,14 +181,6 @@ TEST(LltccRegions, AFunctionWithoutProbesStaysAsItIs)
     EXPECT_EQ(probe_lines(text), std::vector<Lines>{{2}});
 }
 
-TEST(LltccRegions, WhereBlocksEndIsTheFunctionsOwnAffair)
-{
-    const std::string text = function(CALL + "\t.loc 1 3 1\n\tnop\n\t.loc 1 4 1\n\tret\n") +
-                             "\t.type\tg, @function\ng:\n\t.loc 1 2 1\n" + CALL +
-                             "\t.loc 1 3 1\n\tje\t.L2\n\t.loc 1 4 1\n" + CALL + ".L2:\n\tret\n";
-    EXPECT_EQ(probe_lines(text), (std::vector<Lines>{{2, 3, 4}, {2, 3}, {4}}));
-}
-
 TEST(LltccRegions, WhatASanitizerAddsHasNoLines)
 {
     const std::string text = function(CALL + "\tret\n") +
@@ -239,91 +216,4 @@ TEST(LltccRegions, EachFunctionHasAFirstCounterAndOtherProbesWithoutLinesVanish)
                              "\t.type\tg, @function\ng:\n" + CALL + "\tret\n";
     EXPECT_EQ(probe_lines(text), (std::vector<Lines>{{2}, {}}));
     EXPECT_FALSE(contains(rewritten(text, Counters::words), "__sanitizer"));
-}
-
-TEST(LltccCounters, EveryFormOfAProbeIsReplaced)
-{
-    const struct {
-        const char* probe;
-        bool returns; ///< the probe was a jump, so a return follows the count
-    } CASES[] = {
-        {"\tcall\t__sanitizer_cov_trace_pc", false},
-        {"\tcall\t__sanitizer_cov_trace_pc@PLT", false},
-        {"\tcallq\t__sanitizer_cov_trace_pc@PLT", false},
-        {"\tcall\t*__sanitizer_cov_trace_pc@GOTPCREL(%rip)", false},
-        {"\tcall\t[QWORD PTR __sanitizer_cov_trace_pc@GOTPCREL[rip]]", false},
-        {"\tjmp\t__sanitizer_cov_trace_pc", true},
-        {"\tjmp\t*__sanitizer_cov_trace_pc@GOTPCREL(%rip)", true},
-        {"\tjmp\t__sanitizer_cov_trace_pc@PLT                # TAILCALL", true},
-        {"\tbl\t__sanitizer_cov_trace_pc", false},
-        {"\tb\t__sanitizer_cov_trace_pc", true},
-    };
-    for (const auto& one : CASES) {
-        SCOPED_TRACE(one.probe);
-        const std::string text =
-            rewritten(function(std::string(one.probe) + "\n"), Counters::words);
-        EXPECT_FALSE(contains(text, "__sanitizer"));
-        EXPECT_EQ(contains(text, "\tret\n"), one.returns);
-        EXPECT_TRUE(contains(text, "A@GOTPCREL(%rip)") || contains(text, ":got:A"));
-    }
-}
-
-TEST(LltccCounters, AnUnknownFormIsRefused)
-{
-    SourceFiles files({});
-    for (const char* probe :
-         {"\tmovabsq\t$__sanitizer_cov_trace_pc@PLTOFF, %rax\n", "\tje\t__sanitizer_cov_trace_pc\n",
-          "\tcall\t__sanitizer_cov_trace_pc_guard\n"}) {
-        SCOPED_TRACE(probe);
-        EXPECT_THROW(scan_assembly(function(probe), files, Marks::count), NotInstrumentable);
-        EXPECT_THROW(scan_assembly(function(CALL + probe), files, Marks::count), NotInstrumentable);
-    }
-}
-
-TEST(LltccCounters, CountersLieWhereTheModeSays)
-{
-    std::string body;
-    for (int i = 0; i < 34; ++i) {
-        body += CALL;
-    }
-    EXPECT_TRUE(contains(rewritten(function(body), Counters::words), "adcl\t$0, 132(%r11)"));
-    EXPECT_TRUE(contains(rewritten(function(body), Counters::bytes), "adcb\t$0, 33(%r11)"));
-    EXPECT_TRUE(contains(rewritten(function(body), Counters::bits), "orl\t$2, 4(%r11)"));
-}
-
-// The flags are those that code can branch on: carry, parity, adjust, zero, sign, overflow.
-TEST_F(LltccCounterCode, CodeAroundACounterKeepsRegistersAndFlags)
-{
-#ifndef __x86_64__
-    GTEST_SKIP() << "the code is for x86-64";
-#endif
-    for (const Counters counters : {Counters::bits, Counters::bytes, Counters::words}) {
-        const Rewriting how = {"A", counters};
-        write_file("try.s", "\t.globl try\ntry:\tpushq %rdi\n\tpopfq\n\tmovl $42, %eax\n"
-                            "\tmovl $43, %r11d\n\tmovq $44, -8(%rsp)\n" +
-                                count_anywhere(Machine::x86_64, how, 3) +
-                                "\tmovq -8(%rsp), %rcx\n\tpushfq\n\tpopq %rdx\n"
-                                "\taddq %r11, %rcx\n\taddq %rcx, %rax\n\tshlq $16, %rax\n"
-                                "\torq %rdx, %rax\n\tret\n"
-                                "\t.section .note.GNU-stack,\"\",@progbits\n");
-        write_file("main.c", "unsigned A[8]; extern unsigned long try(unsigned long);\n"
-                             "int main(void) { for (unsigned long f = 0; f < 4096; f++)\n"
-                             "if ((f & ~0x8d5ul) == 0 && (try(f | 0x202) & ~0x202ul) !=\n"
-                             "((42 + 43 + 44ul) << 16 | f)) return 1;\n"
-                             "return A[0] + A[3] == 0 ? 2 : 0; }\n");
-        EXPECT_EQ(std::system("cc main.c try.s -o main && ./main"), 0);
-    }
-}
-
-TEST(LltccCounters, OnlyUnwantedDebugInformationGoes)
-{
-    const std::string text = function(CALL + "\tret\n") +
-                             "\t.section\t.debug_str,\"MS\",@progbits,1\n.LASF0:\n"
-                             "\t.string\t\"__sanitizer_cov_trace_pc\"\n\t.ident\t\"C\"\n"
-                             "\t.section\t.rodata\n\t.string\t\"kept\"\n";
-    const std::string bare = rewritten(text, Counters::words, true);
-    EXPECT_FALSE(contains(bare, ".loc") || contains(bare, ".LASF0") || contains(bare, "debug_str"));
-    EXPECT_TRUE(contains(bare, ".ident") && contains(bare, "\"kept\"") &&
-                contains(bare, ".file\t\"t.c\""));
-    EXPECT_TRUE(contains(rewritten(text, Counters::words), "\"__sanitizer_cov_trace_pc\""));
 }
