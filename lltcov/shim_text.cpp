@@ -54,7 +54,8 @@ fi
 /// Sets `step` when the call compiles or links, `rewrite` when a word cannot stand as it is.
 constexpr char SCAN_COMPILER[] = R"SH(
 case $PWD/ in
-    */CMakeFiles/CMakeScratch/* | */CMakeFiles/CMakeTmp/*) exec "$real" "$@" ;;
+    */CMakeFiles/CMakeScratch/* | */CMakeFiles/CMakeTmp/* | */CMakeFiles/_CMakeLTOTest-* | \
+        */CMakeFiles/*/CompilerId*) exec "$real" "$@" ;;
 esac
 step='' input='' list='' rewrite='' option=''
 for word; do
