@@ -172,6 +172,9 @@ int run_clean(const Arguments& arguments)
 {
     const CommandLine line(arguments, {"--gone", "--all", "--dry-run"}, {"--project"});
     line.refuse_operands();
+    if (line.has("--gone") && line.has("--all")) {
+        throw UsageError("choose one of --gone and --all");
+    }
     const std::string root = project_root(line);
     if (type_of(root + "/LLTTEMP") == 0 && modules_of(root).empty()) {
         warn("'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name "

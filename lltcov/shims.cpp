@@ -45,15 +45,21 @@ std::string find_wrapper()
     return find_program(directories, "lltwrapper");
 }
 
-/// False with a message when the file cannot be written, or is something else than a shim: the
-/// directory of the real tools must never be overwritten.
-bool write_shim(const std::string& path, const std::string& text)
+/// False with a message when something else than a shim is there: the directory of the real tools
+/// must never be overwritten.
+bool is_free_for_shim(const std::string& path)
 {
     struct stat info = {};
     if (::lstat(path.c_str(), &info) == 0 && (!S_ISREG(info.st_mode) || !is_shim(path))) {
         warn("'%s' is no shim and stays; choose an empty directory", path.c_str());
         return false;
     }
+    return true;
+}
+
+/// False with a message when the file cannot be written.
+bool write_shim(const std::string& path, const std::string& text)
+{
     return replace_file(path, text) == Writing::done && ::chmod(path.c_str(), 0755) == 0;
 }
 
@@ -91,6 +97,12 @@ int run_shims(const Arguments& arguments)
         warn("no %s", wrapper.empty() ? "lltwrapper beside lltcov and on PATH; install it"
                                       : "compiler on PATH; set PATH");
         return 1;
+    }
+    // All or none: a directory of other programs shall not get some of the shims.
+    for (const auto& [name, real] : tools) {
+        if (!is_free_for_shim(directory + "/" + name)) {
+            return 1;
+        }
     }
     for (const auto& [name, real] : tools) {
         if (!write_shim(directory + "/" + name, shim_text(kind_of_tool(name), real, wrapper))) {

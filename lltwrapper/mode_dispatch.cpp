@@ -107,10 +107,10 @@ int run_link()
 int run_archive()
 {
     if (!bring_archive_up_to_date()) {
-        if (env_is_filled("LLTWRAPPER_LOG")) {
-            warn("the archiver was not run: the log '%s' ends with the reason",
-                 env_text("LLTWRAPPER_LOG").c_str());
-        }
+        const std::string log = env_text("LLTWRAPPER_LOG");
+        warn("nothing is archived, the coverage work failed: %s (%s%s tells why)",
+             beginning_of(pOriginalCmd).c_str(), log.empty() ? "standard output" : "the log ",
+             log.c_str());
         return 1;
     }
     std::printf("lltar cmd:\n %s \n", strLLTAR.c_str());

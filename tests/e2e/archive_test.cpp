@@ -119,6 +119,7 @@ TEST_F(ArchiveStep, AFailureKeepsTheArchiverFromRunningButAMissingStubDoesNot)
     EXPECT_EQ(archive("a.o"), 1);
     const std::string end = "\033[0;32;31mTUSK_FATAL:TidyCoverageDB error\n\033[m";
     EXPECT_EQ(out.find(end) + end.size(), out.size()) << out;
+    EXPECT_NE(err.find("lltwrapper: nothing is archived"), err.npos) << err;
     answer("test ! -e libm.a && touch T/codemeasure/obj/before/a_1");
     EXPECT_EQ(archive("a.o"), 0); // whatever the archiver says of the missing stub
     EXPECT_TRUE(std::regex_search(err, std::regex("^lltwrapper: .*\nar: " + stub))) << err;

@@ -33,6 +33,7 @@ TEST_F(CommandLineOfLltcov, HelpIsAnAnswerAndAWrongCallATwo)
         {"export --lcov r.info", 2, "", "lltcov: what is 'r.info'? The report's file goes behind"},
         {"export --lcov -o", 2, "", "lltcov: option '-o' needs a value\n"},
         {"export --lcov --json", 2, "", "lltcov: choose one format\n"},
+        {"clean --gone --all", 2, "", "lltcov: choose one of --gone and --all\n"},
         {"status --project=nowhere", 2, "",
          "lltcov: the project's folder 'nowhere' does not exist"},
         {"status --project=.", 1, "MODULE", ""},

@@ -239,6 +239,7 @@ TEST_F(Shims, ReplaceNothingButShims)
         EXPECT_EQ(run(std::string("exec home/lltcov shims ") + place), 1);
         EXPECT_NE(out.find("is no shim and stays"), out.npos) << out;
         EXPECT_TRUE(fs::is_symlink(std::string(place) + "/gcc"));
+        EXPECT_FALSE(fs::exists(std::string("other/ar"))); // all or none
     }
     EXPECT_EQ(run("exec home/lltcov shims"), 2);
     EXPECT_EQ(run("exec home/lltcov shims a:b"), 2);
