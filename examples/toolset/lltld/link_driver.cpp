@@ -162,8 +162,10 @@ int link_module(const LinkCommand& link, const LinkCoverage& coverage, const std
     if (!coverage.objects.empty()) {
         stub = make_stub(coverage.objects);
         if (stub.empty()) {
-            return link_without_coverage(link, coverage, true,
-                                         "its stub could not be made, see above");
+            const std::string log = env_text("LLTWRAPPER_LOG");
+            const std::string reason =
+                "its stub could not be made, see " + (log.empty() ? "above" : "'" + log + "'");
+            return link_without_coverage(link, coverage, true, reason.c_str());
         }
     }
     return link_with_coverage(link, coverage, stub, runtime);
