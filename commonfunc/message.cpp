@@ -88,14 +88,19 @@ void log_output()
     if (path.empty()) {
         return;
     }
+    const int saved = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (saved < 0) {
+        return; // it is closed: nobody reads it
+    }
     const int log = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (log < 0) {
+        ::close(saved);
         warn("cannot open the log '%s': %s; set LLTWRAPPER_LOG to a file that can be written",
              path.c_str(), std::strerror(errno));
         return;
     }
     std::fflush(stdout);
-    saved_output = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    saved_output = saved;
     ::dup2(log, STDOUT_FILENO);
     ::close(log);
 }

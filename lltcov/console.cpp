@@ -70,6 +70,15 @@ void Findings::print() const
     }
 }
 
+bool finish_output()
+{
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
+        return true;
+    }
+    warn("standard output cannot be written; make room there");
+    return false;
+}
+
 Progress::Progress(std::string what, std::size_t total) : what_(std::move(what)), total_(total)
 {
     next_ = ::isatty(STDERR_FILENO) != 0 ? seconds() + 0.5 : 0;

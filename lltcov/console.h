@@ -38,6 +38,9 @@ private:
     bool has_problems_ = false;
 };
 
+/// Flushes standard output. False, after a warning, when something could not be written there.
+bool finish_output();
+
 /// A line on a terminal at standard error that says how far long work is; nothing elsewhere.
 class Progress
 {

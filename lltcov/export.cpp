@@ -53,12 +53,8 @@ bool write_report(const CommandLine& line, const std::string& text)
     if (!file.empty() && file != "-") {
         return replace_file(file, text) == Writing::done;
     }
-    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() &&
-        std::fflush(stdout) == 0) {
-        return true;
-    }
-    warn("the report cannot be written to standard output; make room there");
-    return false;
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    return finish_output();
 }
 
 } // namespace

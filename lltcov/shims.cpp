@@ -83,7 +83,7 @@ void report(const std::map<std::string, std::string>& tools, const std::string& 
 int run_shims(const Arguments& arguments)
 {
     const CommandLine line(arguments, {}, {});
-    if (line.operands().size() != 1) {
+    if (line.operands().size() != 1 || line.operands()[0].empty()) {
         throw UsageError("shims needs one directory");
     }
     if (line.operands()[0].find(':') != std::string::npos) {

@@ -118,7 +118,7 @@ int run_status(const Arguments& arguments)
     const ProjectData data = read_project_data(line, findings);
     const std::vector<Row> rows = rows_of(data, findings);
     line.has("--json") ? print_json(rows, data.root) : print_table(rows, data.root);
-    std::fflush(stdout);
+    const bool is_written = finish_output();
     findings.print();
-    return findings.has_problems() ? 1 : 0;
+    return is_written && !findings.has_problems() ? 0 : 1;
 }

@@ -37,6 +37,8 @@ cp main.c plain.c
 gcc -DHIT\(i\)= -c plain.c -o plain.o
 echo 'int other(void) { return 0; }' > other.c
 gcc -fPIC -c other.c
+echo 'const char *format = "extern int g_QMRCovData_%s[];";' > format.c
+gcc -c format.c
 instrumented main 2
 instrumented beta 40 -O2
 
@@ -66,6 +68,7 @@ while IFS='|' read -r name of_main of_beta command; do
     check_row "$name" "$of_main" "$of_beta" "$command"
 done <<'ROWS'
 direct|1 0|1*3 0*37|gcc main.o beta.o -o direct
+texts|1 0|1*3 0*37|gcc main.o beta.o format.o -o texts
 behind|1 0|1*3 0*37|gcc -o behind -L. main.o -lbeta -Wl,--as-needed -lm
 static|1 0|1*3 0*37|gcc -static -o static main.o libbeta.a
 group|1 0|1*3 0*37|gcc -o group -Wl,--start-group libbeta.a main.o -Wl,--end-group

@@ -98,7 +98,8 @@ void leave_records(const std::string& area, const Record& record)
     }
     std::string object;
     if (read_whole_file(record.object, object) != Reading::done) {
-        fail("read", record.object);
+        throw std::runtime_error("cannot read '" + record.object +
+                                 "', which was just made: do two builds run at once?");
     }
     write_whole(area + "/obj/before/" + record.symbol, object);
     write_whole(area + "/ini/" + record.symbol + ".ini",

@@ -6,6 +6,27 @@
 #include "commonfunc/Caddis_func.h"
 
 #include <algorithm>
+#include <cctype>
+
+namespace
+{
+
+constexpr std::size_t MAX_SYMBOL_LENGTH = 31;
+
+/// A text among the object's data can begin like the name of an array.
+bool is_no_symbol(const CoverageSymbol& symbol)
+{
+    const auto is_part = [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; };
+    return symbol.name.size() > MAX_SYMBOL_LENGTH ||
+           !std::all_of(symbol.name.begin(), symbol.name.end(), is_part);
+}
+
+void keep_symbols(std::vector<CoverageSymbol>& found)
+{
+    found.erase(std::remove_if(found.begin(), found.end(), is_no_symbol), found.end());
+}
+
+} // namespace
 
 LinkCoverage find_coverage(const LinkCommand& link)
 {
@@ -18,7 +39,10 @@ LinkCoverage find_coverage(const LinkCommand& link)
     };
     for (const LinkInput& input : link.objects) {
         ScannedObject object;
-        if (scan_object(absolute_path(input.path), object) && !object.symbols.empty()) {
+        if (scan_object(absolute_path(input.path), object)) {
+            keep_symbols(object.symbols);
+        }
+        if (!object.symbols.empty()) {
             add(input, std::move(object));
         }
     }
@@ -30,6 +54,7 @@ LinkCoverage find_coverage(const LinkCommand& link)
             continue;
         }
         ArchiveCoverage archive = read_archive(input.path);
+        keep_symbols(archive.unregistered.symbols);
         coverage.has_twins = coverage.has_twins || archive.has_twins;
         for (const auto& [module, build] : archive.modules) {
             coverage.has_twins = !coverage.modules.insert(module).second || coverage.has_twins;
