@@ -33,6 +33,7 @@ struct ModuleData {
     std::size_t dumps = 0;            ///< runs that are counted
 };
 
+/// A project. Objects and modules refer to each other by index.
 struct ProjectData {
     std::string root; ///< absolute path of the project
     std::vector<ModuleData> modules;

@@ -17,11 +17,13 @@ enum class SystemHeaders { shown, left_out };
 class CoverageMaker
 {
 public:
+    /// Keeps references to data and findings.
     CoverageMaker(const ProjectData& data, SystemHeaders system_headers, Findings& findings)
         : data_(data), system_headers_(system_headers), findings_(findings)
     {
     }
 
+    /// The coverage of the objects with these indexes.
     Coverage coverage_of(const std::vector<std::size_t>& objects);
 
 private:

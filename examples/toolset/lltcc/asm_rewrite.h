@@ -6,9 +6,10 @@
 #include <string>
 #include <vector>
 
-/// How a counter is kept; `counters_of` says it for a stub mode.
+/// How a counter is kept: a bit of a 32-bit word, 8 bits, or 32 bits.
 enum class Counters { bits, bytes, words };
 
+/// The counters of a stub mode, which its stubs declare room for.
 Counters counters_of(int stub_mode);
 
 /// True in the stub modes whose stub only declares the arrays: the object defines its own.
@@ -18,6 +19,7 @@ bool object_defines_array(int stub_mode);
 /// These are all with lines, and the first of each function, which counts its calls.
 std::vector<std::size_t> choose_probes(const AsmText& text);
 
+/// What the rewritten text counts into.
 struct Rewriting {
     std::string array; ///< symbol of the counter array
     Counters counters;

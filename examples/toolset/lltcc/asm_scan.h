@@ -17,6 +17,7 @@ struct NotInstrumentable : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// The target, as the probes' form tells it.
 enum class Machine { none, x86_64, aarch64 };
 
 /// A source line: number of the `.file` directive and line number.
@@ -41,6 +42,7 @@ struct Region {
     std::set<SourceLine> lines;
 };
 
+/// A function of the text.
 struct Function {
     std::string symbol; ///< assembler name, without suffixes of clones and cold parts
     SourceLine line{0, 0};

@@ -38,6 +38,7 @@ bool is_sanitizer_start(std::string_view symbol);
 /// An instruction that has to stand first where an indirect jump may land.
 bool is_landing_mark(std::string_view mnemonic);
 
+/// Where code goes on behind an instruction.
 enum class Flow { on, branch, end };
 
 /// Whether the code goes on behind the instruction, only there or elsewhere too.

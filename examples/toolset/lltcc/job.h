@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+/// One compile.
 struct Job {
     std::string area; ///< LLTTEMP/codemeasure of the project, absolute
     int stub_mode = 1;
@@ -21,4 +22,6 @@ inline constexpr const char* JOB_VARIABLE = "LLTCC_JOB";
 
 /// One line per item: its name, a blank, its value.
 std::string to_text(const Job& job);
+
+/// The job of such a text; unknown items are left out.
 Job job_from(const std::string& text);

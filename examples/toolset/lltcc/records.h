@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 
+/// An instrumented source and its object.
 struct Record {
     std::string symbol; ///< the name under which everything is filed
     std::string source; ///< absolute paths

@@ -9,9 +9,11 @@
 /// Pairs of a real path prefix and the one that the compiler was told to record instead.
 using PathMaps = std::vector<std::pair<std::string, std::string>>;
 
+/// The files by their numbers; read when something of their text is asked for.
 class SourceFiles
 {
 public:
+    /// The directives may hold recorded prefixes of these maps.
     explicit SourceFiles(PathMaps maps) : maps_(std::move(maps)) {}
 
     /// Notes a directive; number 0 is the source itself, with the directory of the compile.

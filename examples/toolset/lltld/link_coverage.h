@@ -16,6 +16,7 @@ struct LinkedLibrary {
     std::set<std::string> symbols; ///< coverage symbols
 };
 
+/// What has to do with coverage among the inputs.
 struct LinkCoverage {
     std::vector<ScannedObject> objects;   ///< what the link's own stub has to register
     std::set<std::string> modules;        ///< stubs in static libraries

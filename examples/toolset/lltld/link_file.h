@@ -13,6 +13,7 @@ enum class FileKind {
     text,    ///< anything else: source, linker script
 };
 
+/// The kind of the file, which is opened for that.
 FileKind kind_of(const std::string& path);
 
 /// The file that "-lNAME" means: in the first of the directories that has one, libNAME.so unless

@@ -5,6 +5,7 @@
 
 #include <stddef.h>
 
+/* Where text goes. */
 struct out {
     char* data;  /* the buffer */
     size_t size; /* its bytes */
