@@ -103,7 +103,7 @@ static void* count_and_dump(void* unused)
     return unused;
 }
 
-static void own_handler(int number)
+__attribute__((unused)) static void own_handler(int number)
 {
     (void)number;
     hit(4);
@@ -193,7 +193,6 @@ int main(int argc, char** argv)
         close(1);
         close(2);
     }
-    (void)own_handler;
     return 0;
 }
 #endif
