@@ -139,11 +139,11 @@ private:
         data_.modules.push_back(std::move(entry));
     }
 
-    /// True when the library is a file that was copied from the module's output.
+    /// True when the library is a copy of the module's output, or was filled from it.
     bool is_copy(const ModuleData& module, const LinkedLibrary& library) const
     {
         return module.buid == library.buid &&
-               std::all_of(library.symbols.begin(), library.symbols.end(),
+               std::any_of(library.symbols.begin(), library.symbols.end(),
                            [&](const std::string& symbol) {
                                const auto known = data_.object_of_symbol.find(symbol);
                                return known != data_.object_of_symbol.end() &&

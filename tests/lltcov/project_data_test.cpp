@@ -178,10 +178,10 @@ TEST_F(ProjectDataTest, ALibraryWhoseWorkAreaAnotherOneTookCountsWithTheBuildTha
         EXPECT_EQ(findings_.has_problems(), row.kind != nullptr) << row.list;
         EXPECT_EQ(said(row.kind == nullptr ? "" : row.kind).empty(), row.kind == nullptr);
     }
-    // A copy of the library that has the work area is no other library.
+    // A copy of the library that has the work area, or one that it went into, is no other library.
     Findings findings;
     write_file(dir + "/prog_exe/codemeasure/libraries.txt",
-               head + dir + "/old.a\narea " + area + "\nbuid Q1\nsymbol S\n");
+               head + dir + "/old.a\narea " + area + "\nbuid Q1\nsymbol OLD\nsymbol S\n");
     EXPECT_EQ(read_modules(dir, findings).modules.size(), 1U);
 }
 
