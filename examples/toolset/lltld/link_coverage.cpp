@@ -21,6 +21,7 @@ bool is_no_symbol(const CoverageSymbol& symbol)
            !std::all_of(symbol.name.begin(), symbol.name.end(), is_part);
 }
 
+/// Leaves only names that a compiler driver gives.
 void keep_symbols(std::vector<CoverageSymbol>& found)
 {
     found.erase(std::remove_if(found.begin(), found.end(), is_no_symbol), found.end());
