@@ -6,7 +6,7 @@
 #include "commonfunc/file_tree.h"
 #include "lltcov/dump_file.h"
 #include "lltcov/project.h"
-#include "lltcov/text_lines.h"
+#include "commonfunc/text_lines.h"
 
 #include <algorithm>
 #include <climits>

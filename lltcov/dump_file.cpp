@@ -2,7 +2,7 @@
 // Runs of equal counts stay runs, so that a few bytes cannot ask for gigabytes.
 #include "lltcov/dump_file.h"
 
-#include "lltcov/text_lines.h"
+#include "commonfunc/text_lines.h"
 
 namespace
 {

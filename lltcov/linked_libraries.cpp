@@ -1,7 +1,7 @@
 // Each library begins with its own line; the lines behind it tell about it.
 #include "lltcov/linked_libraries.h"
 
-#include "lltcov/text_lines.h"
+#include "commonfunc/text_lines.h"
 
 std::vector<LinkedLibrary> read_linked_libraries(std::string_view text)
 {

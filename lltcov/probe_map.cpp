@@ -1,7 +1,7 @@
 // Paths repeat on every line, so that they are kept once and named by their index.
 #include "lltcov/probe_map.h"
 
-#include "lltcov/text_lines.h"
+#include "commonfunc/text_lines.h"
 
 #include <algorithm>
 #include <tuple>

@@ -4,7 +4,7 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "lltcov/linked_libraries.h"
-#include "lltcov/text_lines.h"
+#include "commonfunc/text_lines.h"
 #include "lltld/source_tab.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "lltcov/project_data.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "lltcov/text_lines.h"
+#include "commonfunc/text_lines.h"
 
 #include <algorithm>
 #include <map>

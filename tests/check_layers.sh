@@ -23,7 +23,8 @@ keep_out() {
     done
 }
 
-keep_out commonfunc lltld lltwrapper lltcov tests
+keep_out commonfunc contract lltld lltwrapper lltcov tests
+keep_out contract lltld lltwrapper lltcov tests
 keep_out lltld lltwrapper lltcov tests
 keep_out lltwrapper lltcov tests
 keep_out lltcov tests

@@ -2,7 +2,7 @@
 // the line that is wrong.
 #include "lltcov/dump_file.h"
 #include "lltcov/probe_map.h"
-#include "lltcov/text_lines.h"
+#include "commonfunc/text_lines.h"
 
 #include <gtest/gtest.h>
 

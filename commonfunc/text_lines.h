@@ -31,6 +31,9 @@ public:
     /// What is left of the line, without the blank before it.
     std::string_view rest_of_line() const { return line_; }
 
+    /// What is left of the text behind the line.
+    std::string_view rest_of_text() const { return rest_; }
+
     /// The next field as a number of at most `largest`; throws `FormatError`, which calls it
     /// `what`, for anything but decimal digits and for a larger one.
     std::uint64_t number(const char* what, std::uint64_t largest);

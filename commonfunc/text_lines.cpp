@@ -1,6 +1,6 @@
 // Fields are views into the text: a test suite leaves thousands of dumps, and copies would be most
 // of the work. Nothing in a number is taken on trust: files are cut, mixed up or written by others.
-#include "lltcov/text_lines.h"
+#include "commonfunc/text_lines.h"
 
 namespace
 {

@@ -1,0 +1,46 @@
+// An assembly text in which the compiler counts, taken apart: what its counters are, and the text
+// without the compiler's own tables, such that the counters can be put into one array of our own.
+#pragma once
+
+#include "contract/record.h"
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Why a source is compiled without coverage after all; a text for the user.
+class NotInstrumentable : public std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
+/// A part of the text, and the place in the array that stands behind it.
+struct TextPiece {
+    static constexpr std::uint32_t NONE = UINT32_MAX;
+
+    std::string_view text;
+    std::uint32_t offset = NONE; ///< bytes from the array's start, or NONE
+};
+
+/// The text with its counters taken out. `pieces` are views into the text that was read.
+struct CounterText {
+    std::vector<TextPiece> pieces;
+    /// What the text says of the record: functions with their counters, size of the array, and for
+    /// gcc version and checksum.
+    Record record;
+};
+
+/// Bytes to which stubs align arrays: no counter may want more.
+inline constexpr std::uint32_t ARRAY_ALIGNMENT = 64;
+
+/// Takes apart a text of `gcc -fprofile-arcs -ftest-coverage -fprofile-info-section`. Throws
+/// `NotInstrumentable` when something in it is not understood.
+CounterText read_gcc_text(std::string_view text);
+
+/// The same for `clang -fprofile-instr-generate -fcoverage-mapping`.
+CounterText read_clang_text(std::string_view text);
+
+/// The text with "ARRAY+OFFSET" where the counters stood; `array` is the whole name.
+std::string with_array(const CounterText& text, const std::string& array);
