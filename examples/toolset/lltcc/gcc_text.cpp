@@ -160,9 +160,12 @@ private:
     void read_common(std::string_view name, std::string_view rest)
     {
         const std::size_t comma = rest.rfind(',');
+        if (comma == 0 || comma == rest.npos) {
+            refuse(name);
+        }
         CounterDefinition& definition = parts_.definitions[name];
         definition.size = number_of(rest.substr(1, comma - 1));
-        definition.alignment = comma == 0 ? 8 : number_of(rest.substr(comma + 1));
+        definition.alignment = number_of(rest.substr(comma + 1));
     }
 
     /// The data after a label: bytes of counters, or the words of a table.
