@@ -8,10 +8,9 @@
 void add_run(std::vector<std::uint64_t>& counts, const DumpedSource& source)
 {
     auto place = counts.begin();
-    for (const CountRun& run : source.runs) {
-        for (const auto end = place + run.times; place != end; ++place) {
-            *place = sum_of_counts(*place, run.count);
-        }
+    for (const std::uint64_t count : source.counters) {
+        *place = sum_of_counts(*place, count);
+        ++place;
     }
 }
 

@@ -46,7 +46,7 @@ struct SourceCoverage {
 /// By absolute path.
 using Coverage = std::map<std::string, SourceCoverage>;
 
-/// Adds a run's counts to those of the probes; `counts` has one per probe of `source`.
+/// Adds a run's counts to those of the probes; `counts` has one per counter of `source`.
 void add_run(std::vector<std::uint64_t>& counts, const DumpedSource& source);
 
 /// Adds an object to the coverage: for each line the largest count of its probes in each function,

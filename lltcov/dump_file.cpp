@@ -1,5 +1,5 @@
-// Counts are believed only when they fit the width of their counters and the number of probes.
-// Runs of equal counts stay runs, so that a few bytes cannot ask for gigabytes.
+// The sizes in the header are believed only when they fit the size of the file, so that a few bytes
+// cannot ask for gigabytes.
 #include "lltcov/dump_file.h"
 
 #include "commonfunc/text_lines.h"
@@ -7,84 +7,116 @@
 namespace
 {
 
-/// The largest count by COUNTERBYTES.
-std::uint64_t largest_count(const TextLines& lines, std::string_view counter_bytes)
-{
-    const std::uint64_t bytes = lines.number_of(counter_bytes, "counter width", 4);
-    if (bytes != 0 && bytes != 1 && bytes != 4) {
-        lines.fail("counters of " + std::to_string(bytes) + " bytes are not known");
-    }
-    return bytes == 4 ? UINT32_MAX : bytes == 1 ? UINT8_MAX : 1;
-}
+constexpr std::size_t WORD = 8;
+constexpr std::uint64_t MAX_BYTES = std::uint64_t{1} << 31; ///< of all arrays
 
-void read_counts(TextLines& lines, std::uint64_t largest, DumpedSource& source)
+class Reader
 {
-    std::uint64_t probes = 0;
-    for (std::string_view word = lines.word(); !word.empty(); word = lines.word()) {
-        const bool is_run = word.find('*') != word.npos;
-        const std::string_view count = split_off(word, '*');
-        const std::uint64_t times = is_run ? lines.number_of(word, "number", MAX_PROBES) : 1;
-        probes += times;
-        source.runs.push_back(
-            {lines.number_of(count, "count", largest), static_cast<std::uint32_t>(times)});
-    }
-    if (probes != source.probes || !lines.rest_of_line().empty()) {
-        lines.fail("there are not " + std::to_string(source.probes) + " counts");
-    }
-}
+public:
+    explicit Reader(std::string_view bytes) : lines_(bytes) {}
 
-/// file INDEX SYMBOL.EXTENSION PROBES COUNTERBYTES, and the counts in the next line.
-DumpedSource read_source(TextLines& lines)
-{
-    DumpedSource source;
-    lines.number("index", INT32_MAX);
-    std::string_view fields = lines.rest_of_line();
-    const std::size_t width_at = fields.rfind(' ');
-    const std::size_t probes_at = width_at == 0 ? fields.npos : fields.rfind(' ', width_at - 1);
-    if (width_at == fields.npos || probes_at == fields.npos) {
-        lines.fail("a name and two numbers are missing");
+    Dump read()
+    {
+        if (!lines_.next() || lines_.rest_of_line() != "lltcov 2") {
+            throw FormatError(1, "this is no dump file of format 2");
+        }
+        while (lines_.next()) {
+            const std::string_view key = lines_.word();
+            if (key == "counts") {
+                read_counts();
+                return std::move(dump_);
+            }
+            read_line(key);
+        }
+        lines_.fail("the file is cut behind this line");
     }
-    const std::string_view name = fields.substr(0, probes_at);
-    source.symbol = name.substr(0, name.rfind('.'));
-    const std::string_view probes = fields.substr(probes_at + 1, width_at - probes_at - 1);
-    source.probes =
-        static_cast<std::uint32_t>(lines.number_of(probes, "number of probes", MAX_PROBES));
-    const std::uint64_t largest = largest_count(lines, fields.substr(width_at + 1));
-    if (!lines.next()) {
-        lines.fail("the counts are missing behind this line");
+
+private:
+    /// Lines of other keys belong to later versions.
+    void read_line(std::string_view key)
+    {
+        if (key == "module") {
+            dump_.module = lines_.rest_of_line();
+        } else if (key == "buid") {
+            dump_.buid = lines_.rest_of_line();
+        } else if (key == "area") {
+            dump_.area = lines_.rest_of_line();
+        } else if (key == "test") {
+            dump_.test = lines_.rest_of_line();
+        } else if (key == "order") {
+            order_ = lines_.rest_of_line();
+            if (order_ != "little" && order_ != "big") {
+                lines_.fail("the byte order is not known");
+            }
+        } else if (key == "file") {
+            read_source();
+        }
     }
-    read_counts(lines, largest, source);
-    return source;
-}
+
+    /// file INDEX SYMBOL.EXTENSION BYTES
+    void read_source()
+    {
+        lines_.number("index", INT32_MAX);
+        const std::string_view fields = lines_.rest_of_line();
+        const std::size_t at = fields.rfind(' ');
+        if (at == fields.npos) {
+            lines_.fail("a name and a size are missing");
+        }
+        const std::string_view name = fields.substr(0, at);
+        const std::uint64_t bytes =
+            lines_.number_of(fields.substr(at + 1), "size", MAX_BYTES - WORD - bytes_);
+        if (bytes % WORD != 0) {
+            lines_.fail("an array does not hold whole counters");
+        }
+        dump_.sources.push_back({name.substr(0, name.rfind('.')), {}});
+        sizes_.push_back(bytes);
+        bytes_ += bytes;
+    }
+
+    void read_counts()
+    {
+        const std::uint64_t size = lines_.number("size", MAX_BYTES);
+        if (dump_.area.empty() || order_.empty()) {
+            lines_.fail("there is no work area or no byte order before this line");
+        }
+        if (size != bytes_ + WORD) {
+            lines_.fail("the arrays do not add up to " + std::to_string(size) + " bytes");
+        }
+        std::string_view rest = lines_.rest_of_text();
+        if (rest.size() != size || !lines_.rest_of_line().empty()) {
+            lines_.fail("there are not " + std::to_string(size) + " bytes behind this line");
+        }
+        dump_.runs = next_word(rest);
+        for (std::size_t i = 0; i < sizes_.size(); ++i) {
+            std::vector<std::uint64_t>& counters = dump_.sources[i].counters;
+            counters.reserve(sizes_[i] / WORD);
+            for (std::size_t left = sizes_[i] / WORD; left > 0; --left) {
+                counters.push_back(next_word(rest));
+            }
+        }
+    }
+
+    std::uint64_t next_word(std::string_view& rest) const
+    {
+        std::uint64_t word = 0;
+        for (std::size_t i = 0; i < WORD; ++i) {
+            const std::size_t place = order_ == "big" ? WORD - 1 - i : i;
+            word |= static_cast<std::uint64_t>(static_cast<unsigned char>(rest[i])) << 8 * place;
+        }
+        rest.remove_prefix(WORD);
+        return word;
+    }
+
+    TextLines lines_;
+    Dump dump_;
+    std::string_view order_;
+    std::vector<std::uint64_t> sizes_; ///< bytes of the arrays
+    std::uint64_t bytes_ = 0;          ///< of all arrays so far
+};
 
 } // namespace
 
-Dump read_dump(std::string_view text)
+Dump read_dump(std::string_view bytes)
 {
-    Dump dump;
-    TextLines lines(text);
-    if (!lines.next() || lines.rest_of_line() != "lltcov 1") {
-        throw FormatError(1, "this is no dump file of format 1");
-    }
-    while (lines.next()) {
-        const std::string_view key = lines.word();
-        if (key == "module") {
-            dump.module = lines.rest_of_line();
-        } else if (key == "buid") {
-            dump.buid = lines.rest_of_line();
-        } else if (key == "area") {
-            dump.area = lines.rest_of_line();
-        } else if (key == "file") {
-            dump.sources.push_back(read_source(lines));
-        } else if (key == "end") {
-            if (lines.next()) {
-                lines.fail("there is more behind the end");
-            }
-            if (dump.area.empty()) {
-                lines.fail("the file names no work area");
-            }
-            return dump;
-        }
-    }
-    lines.fail("the file is cut behind this line");
+    return bytes.empty() ? Dump{} : Reader(bytes).read();
 }

@@ -17,6 +17,8 @@
 namespace
 {
 
+constexpr std::int32_t MAX_PROBES = 1 << 24;
+
 constexpr const char* DAMAGED = "damaged records";
 constexpr const char* REBUILD = "; build it again through lltwrapper";
 
@@ -190,7 +192,7 @@ private:
             object.source_mtime = own.empty() ? copied[0].mtime : own[0].mtime;
         }
         std::string text;
-        if (record.instnum < 0 || record.instnum > static_cast<std::int32_t>(MAX_PROBES)) {
+        if (record.instnum < 0 || record.instnum > MAX_PROBES) {
             findings_.add(DAMAGED, "'" + module.area + "/db/.tab' gives '" + symbol + "' " +
                                        std::to_string(record.instnum) + " probes" + REBUILD);
         } else if (read_whole_file(path, text) != Reading::done) {

@@ -126,10 +126,10 @@ private:
                      "'" + path + "' counts '" + std::string(source.symbol) + "', which " +
                          module.module.name +
                          " has no record of: left out; build and run it again");
-            } else if (data_.objects[object->second].counts.size() != source.probes) {
+            } else if (data_.objects[object->second].counts.size() != source.counters.size()) {
                 findings_.add("damaged dumps", "'" + path + "' gives '" +
                                                    std::string(source.symbol) + "' " +
-                                                   std::to_string(source.probes) +
+                                                   std::to_string(source.counters.size()) +
                                                    " probes, its record another number" + AGAIN);
                 return;
             } else {

@@ -8,8 +8,7 @@ TEST(Coverage, RunsAddUpAndStayAtTheLargestCount)
 {
     std::vector<std::uint64_t> counts = {5, MAX_COUNT - 1, 0};
     DumpedSource run;
-    run.probes = 3;
-    run.runs = {{2, 2}, {7, 1}};
+    run.counters = {2, 2, 7};
     add_run(counts, run);
     EXPECT_EQ(counts, (std::vector<std::uint64_t>{7, MAX_COUNT, 7}));
     EXPECT_EQ(sum_of_counts(MAX_COUNT, MAX_COUNT), MAX_COUNT);
