@@ -1,8 +1,7 @@
-// The readers of dump files and probe maps: what is sound is read, anything else is refused with
-// the line that is wrong.
+// The reader of dump files: what is sound is read, anything else is refused with the line that is
+// wrong.
 #include "commonfunc/text_lines.h"
 #include "lltcov/dump_file.h"
-#include "lltcov/probe_map.h"
 
 #include <gtest/gtest.h>
 
@@ -124,48 +123,4 @@ TEST(DumpFile, ThatIsNotSoundIsRefusedWithItsLine)
     for (std::size_t length = 1; length < sound.size(); ++length) {
         EXPECT_THROW(read_dump(std::string_view(sound).substr(0, length)), FormatError) << length;
     }
-}
-
-TEST(ProbeMap, IsReadByPathLineAndFunction)
-{
-    const ProbeMap map = read_probe_map("lltprobes 1\nsource /s/a b.c\nobject /o/a.o\n"
-                                        "probe 0 12,13 f /s/a b.c\nprobe 0 7 f /s/i.h\n"
-                                        "probe 2 13 g /s/a b.c\nnovelty\nprobe 3 12 f /s/a b.c\n"
-                                        "function g 20 /s/a b.c\nfunction h 30 /s/i.h\n",
-                                        4);
-    EXPECT_EQ(map.source, "/s/a b.c");
-    EXPECT_EQ(map.object, "/o/a.o");
-    EXPECT_EQ(map.paths, (std::vector<std::string>{"/s/a b.c", "/s/i.h"}));
-    std::string lines;
-    for (const MappedLine& line : map.lines) {
-        lines += std::to_string(line.path) + ":" + std::to_string(line.line) + " f" +
-                 std::to_string(line.function) + "\n";
-    }
-    EXPECT_EQ(lines, "0:12 f0\n0:12 f0\n0:13 f0\n0:13 f1\n1:7 f0\n");
-    ASSERT_EQ(map.functions.size(), 2U);
-    EXPECT_EQ(map.functions[0].symbol, "g");
-    EXPECT_EQ(map.functions[0].probe, 2U);
-    EXPECT_TRUE(map.functions[0].has_probe);
-    EXPECT_FALSE(map.functions[1].has_probe);
-}
-
-TEST(ProbeMap, ThatIsNotSoundIsRefusedWithItsLine)
-{
-    const std::string head = "lltprobes 1\nsource /a.c\n";
-    const std::vector<Refused> cases = {
-        {"empty", "", 1, "no probe map"},
-        {"other version", "lltprobes 9\n", 1, "format 1"},
-        {"no source", "lltprobes 1\nobject /a.o\n", 2, "no source"},
-        {"cut in a line", head + "probe 0 1 f /a", 3, "cut"},
-        {"beyond the probes", head + "probe 3 1 f /a.c\n", 3, "from 0 to 2"},
-        {"order", head + "probe 1 1 f /a.c\nprobe 0 1 f /a.c\n", 4, "behind a later one"},
-        {"no lines", head + "probe 0  f /a.c\n", 3, "line number ''"},
-        {"line 0", head + "probe 0 4,0 f /a.c\n", 3, "line 0"},
-        {"huge line", head + "probe 0 2147483648 f /a.c\n", 3, "line number"},
-        {"no path", head + "probe 0 1 f\n", 3, "path"},
-        {"function without a line", head + "function f /a.c\n", 3, "line number '/a.c'"},
-    };
-    expect_refusals(cases, head + "probe 2 1,5 f /a.c\nfunction f 1 /a.c\n",
-                    [](const std::string& text) { read_probe_map(text, 3); });
-    EXPECT_THROW(read_probe_map(head + "probe 0 1 f /a.c\n", 0), FormatError);
 }
