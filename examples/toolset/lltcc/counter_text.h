@@ -44,3 +44,6 @@ CounterText read_clang_text(std::string_view text);
 
 /// The text with "ARRAY+OFFSET" where the counters stood; `array` is the whole name.
 std::string with_array(const CounterText& text, const std::string& array);
+
+/// What clang needs for that, ended by a null pointer.
+extern const char* const CLANG_OPTIONS[];
