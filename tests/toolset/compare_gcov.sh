@@ -18,19 +18,12 @@ work=$(mktemp -d /tmp/compare_gcov.XXXXXX)
 trap 'rm -rf "$work"' EXIT
 # shellcheck source=examples/projects.sh
 . "$tests/../../examples/projects.sh"
-# shellcheck source=tests/toolset/verdicts.sh
-. "$tests/verdicts.sh"
+# shellcheck source=tests/toolset/against_gcov.sh
+. "$tests/against_gcov.sh"
 
 skip() {
     echo "skipped: $*"
     exit 77
-}
-
-logged() {
-    "$@" >"$work/log" 2>&1 && return
-    tail -n 40 "$work/log" >&2
-    echo "FAILED: $*" >&2
-    exit 1
 }
 
 # Compilers that measure coverage while LLT_WRAP is on, as the shims of lltcov do.
@@ -48,9 +41,7 @@ make_gcov_shims() {
 
 # build SHIMS, each time in the same folder, as paths appear in the reports
 build() {
-    rm -rf "$work/tree"
-    cp -a "$work/source" "$work/tree"
-    cd "$work/tree"
+    fresh_tree "$work/source"
     PATH=$work/$1:$PATH LLT_WRAP=0 logged configure_project "$project"
     PATH=$work/$1:$PATH LLT_WRAP=1 logged build_project "$project"
 }

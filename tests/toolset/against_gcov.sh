@@ -1,10 +1,51 @@
 # shellcheck shell=bash
-# What gcov and lltcov say of a project, as sorted rows that can be compared. To be sourced.
-# Fields are separated by tabs; files are those below the project's folder, relative to it:
+# Builds a program with `gcc --coverage` and through lltwrapper and the tool set, and compares what
+# gcov and lltcov say of it. To be sourced, with `work` set to a temporary folder, `toolset` to
+# examples/toolset and the programs first on PATH.
+# Verdicts are sorted rows. Fields are separated by tabs; files are those below the project's folder,
+# relative to it:
 #     line FILE LINE COUNT            added up over functions and objects
 #     start FILE FUNCTION LINE        assembler name
 #     function FILE FUNCTION COUNT
 #     branches FILE LINE COUNT...     a row for each function that has branches in the line
+
+# logged COMMAND...: quiet while all is well
+logged() {
+    "$@" >"$work/log" 2>&1 && return
+    tail -n 40 "$work/log" >&2
+    echo "FAILED: $*" >&2
+    return 1
+}
+
+# fresh_tree SOURCE: in the same place each time, as its path appears in the reports
+fresh_tree() {
+    rm -rf "$work/tree"
+    cp -a "$1" "$work/tree"
+    cd "$work/tree" || return
+}
+
+# with_gcov SOURCE COMMANDS [PREFIX [OPTIONS]]: runs shell commands that build and test a copy of the
+# folder by $CC, $CXX and $AR, the compilers of that prefix with these options; leaves gcov.rows
+with_gcov() {
+    fresh_tree "$1"
+    CC="${3:-}gcc --coverage ${4:-}" CXX="${3:-}g++ --coverage ${4:-}" AR=${3:-}ar \
+        logged bash -ec "$2" || return
+    gcov_verdicts "$work/tree" "${3:-}gcov" >"$work/gcov.rows"
+}
+
+# with_lltcov SOURCE COMMANDS [PREFIX [OPTIONS]]: the same with the tool set; leaves lltcov.rows
+with_lltcov() {
+    fresh_tree "$1"
+    (
+        export LLT_PROJECT=$work/tree
+        # shellcheck source=examples/toolset/TUSK_INIT.SH
+        . "$toolset/TUSK_INIT.SH"
+        CC="lltwrapper ${3:-}gcc ${4:-}" CXX="lltwrapper ${3:-}g++ ${4:-}" \
+            AR="lltwrapper -artool ${3:-}ar -arsuffix .a ${3:-}ar" logged bash -ec "$2" &&
+            logged lltcov export --lcov -o "$work/report.info"
+    ) || return
+    tracefile_verdicts "$work/tree" <"$work/report.info" >"$work/lltcov.rows"
+}
 
 # gcov_verdicts ROOT [GCOV]: of all notes below ROOT, also of objects that never ran
 gcov_verdicts() {
