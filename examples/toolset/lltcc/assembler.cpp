@@ -12,8 +12,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <sstream>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -61,24 +59,6 @@ std::string content_of_path(const std::string& path)
     std::string text = content_of(file);
     ::close(file);
     return text;
-}
-
-/// The program that the compiler would run: the first in its own list of folders, then on PATH,
-/// that is not this one.
-std::string real_assembler()
-{
-    struct stat own = {};
-    ::stat("/proc/self/exe", &own);
-    std::istringstream folders(env_text("COMPILER_PATH") + ":" + env_text("PATH"));
-    for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string path = (folder.empty() ? "." : folder) + "/as";
-        struct stat info = {};
-        if (::access(path.c_str(), X_OK) == 0 && ::stat(path.c_str(), &info) == 0 &&
-            (info.st_dev != own.st_dev || info.st_ino != own.st_ino)) {
-            return path;
-        }
-    }
-    throw NotInstrumentable("the compiler's assembler is not found");
 }
 
 bool object_defines_array(int stub_mode)
@@ -136,7 +116,7 @@ int assemble(const HandedOver& job, const AssemblerCall& call)
     const std::string input = head_and_record(record, record_file) +
                               with_array(counters, "g_QMRCovData_" + record.symbol);
     Words command = call.options;
-    command.insert(command.begin(), job.assembler.empty() ? real_assembler() : job.assembler);
+    command.insert(command.begin(), job.assembler);
     std::string errors;
     if (run_program(command, {&input, nullptr, &errors}) != 0) {
         throw NotInstrumentable("the assembler does not take the counters");

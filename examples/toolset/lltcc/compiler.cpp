@@ -16,7 +16,7 @@ namespace
 {
 
 /// Part of every answer's name: another one asks all compilers again.
-constexpr const char* FORMAT_VERSION = "compiler 1";
+constexpr const char* FORMAT_VERSION = "compiler 2";
 
 /// The program that a shell would run.
 std::string program_of(const std::string& word)
@@ -111,6 +111,17 @@ Words query_of(const CompileCommand& command)
     return words;
 }
 
+/// The assembler by its path, or as a name to be found through PATH.
+std::string assembler_of(Words query)
+{
+    query.emplace_back("-print-prog-name=as");
+    std::string answer;
+    std::string unused;
+    run_program(query, {nullptr, &answer, &unused});
+    answer.erase(answer.find_last_not_of("\r\n") + 1);
+    return answer.empty() ? "as" : answer;
+}
+
 Compiler ask(const Words& query, const std::string& program)
 {
     std::string answer;
@@ -123,20 +134,14 @@ Compiler ask(const Words& query, const std::string& program)
         }
     }
     Compiler compiler = read_answer(answer);
+    const std::string real = resolved(program);
     if (compiler.kind == Compiler::Kind::gcc) {
-        compiler.reader = beside(program, "gcov");
-        if (compiler.reader.empty()) {
-            compiler.reader = beside(resolved(program), "gcov");
-        }
+        const std::string reader = beside(program, "gcov");
+        compiler.reader = reader.empty() ? beside(real, "gcov") : reader;
     } else if (compiler.kind == Compiler::Kind::clang) {
-        const std::string real = resolved(program);
         compiler.reader = real.substr(0, real.rfind('/'));
-        Words words = query;
-        words.emplace_back("-print-prog-name=as");
-        std::string unused;
-        run_program(words, {nullptr, &compiler.assembler, &unused});
-        compiler.assembler.erase(compiler.assembler.find_last_not_of("\r\n") + 1);
     }
+    compiler.assembler = assembler_of(query);
     return compiler;
 }
 

@@ -13,7 +13,7 @@ struct Compiler {
     int major = 0;         ///< of its version
     std::string headers;   ///< regular expressions, ";" between them: its own include folders
     std::string reader;    ///< gcc: its gcov; clang: folder of LLVM's tools; empty when not found
-    std::string assembler; ///< clang: the program it takes for its assembler
+    std::string assembler; ///< the program that it takes for its assembler
 };
 
 /// The compiler of the command. The answer is kept in the area (LLTTEMP/codemeasure) until the

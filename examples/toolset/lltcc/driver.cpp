@@ -72,6 +72,9 @@ Words options_of(const Compilation& compilation)
     options.push_back("-specs=" + compilation.tools + "/gcc.specs");
     // A precompiled header made without counters is not used, which is no error.
     options.emplace_back("-Wno-invalid-pch");
+    if (compilation.compiler.major == 11) {
+        options.emplace_back("-fno-toplevel-reorder"); // else it drops the tables
+    }
     if (env_int("TimerPolicy") == 1 || env_int("SignalPolicy") == 1) {
         // Counts are read while loops run, so no loop may keep its counter in a register.
         options.emplace_back("-fno-tree-loop-im");

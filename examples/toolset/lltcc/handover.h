@@ -16,7 +16,7 @@ class Handover
 {
 public:
     /// `begun` is what is known of the source already; `headers` are the compiler's own (regular
-    /// expressions), `assembler` its assembler, when it cannot be found otherwise.
+    /// expressions), `assembler` its assembler.
     Handover(const Record& begun, const std::string& headers, const std::string& assembler);
     ~Handover();
     Handover(const Handover&) = delete;
@@ -39,7 +39,7 @@ struct HandedOver {
     Record begun;
     std::string notes;     ///< path of the file with the compiler's notes
     std::string trouble;   ///< path of the file that takes the reason of a failure
-    std::string assembler; ///< empty: to be found as the compiler does
+    std::string assembler; ///< that the compiler would run
 };
 
 /// What this process was handed; throws `std::runtime_error` when it was called by something else.
