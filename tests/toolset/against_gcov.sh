@@ -1,4 +1,5 @@
 # shellcheck shell=bash
+# shellcheck disable=SC2154 # work and toolset are those of the sourcing script
 # Builds a program with `gcc --coverage` and through lltwrapper and the tool set, and compares what
 # gcov and lltcov say of it. To be sourced, with `work` set to a temporary folder, `toolset` to
 # examples/toolset and the programs first on PATH.
