@@ -4,9 +4,9 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/text_lines.h"
 #include "lltcov/dump_file.h"
 #include "lltcov/project.h"
-#include "commonfunc/text_lines.h"
 
 #include <algorithm>
 #include <climits>
@@ -109,7 +109,8 @@ private:
             const std::string named(read_dump(text).area);
             const std::string area = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
             const bool is_ours = is_inside(named[0] == '/' ? area : path, root_);
-            const bool is_gone = areas_.count(area) != 0 || type_of(area + "/.prj") == 0;
+            const bool is_gone =
+                !named.empty() && (areas_.count(area) != 0 || type_of(area + "/.prj") == 0);
             return is_ours && (scope_ != Scope::gone || is_gone);
         } catch (const FormatError&) {
             return is_inside(path, root_) && scope_ != Scope::gone;

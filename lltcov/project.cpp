@@ -76,7 +76,7 @@ bool is_dump(const std::string& name)
 
 bool is_unfinished_dump(const std::string& name)
 {
-    return ::fnmatch(".?*.[0-9]*.[0-9]*.tmp", name.c_str(), 0) == 0;
+    return ::fnmatch(".?*.lltcov.tmp", name.c_str(), 0) == 0;
 }
 
 bool is_inside(const std::string& path, const std::string& folder)

@@ -36,7 +36,7 @@ Counting wanted_counting();
 bool is_dump(const std::string& name);
 
 /// True for the name of a dump that was being written when its program died
-/// (".MODULE.PID.BUID.COUNTER.tmp").
+/// (".NAME.lltcov.tmp").
 bool is_unfinished_dump(const std::string& name);
 
 /// True for a path below the folder, both absolute and without "." and "..".

@@ -118,7 +118,7 @@ root=$PWD
 sed "s|^area .*|area /elsewhere/libtwice/codemeasure|" "$dump" >llt_result/foreign.1.0.lltcov
 cp "$dump" "$tmp/target" && ln -s "$tmp/target" llt_result/link.1.0.lltcov
 echo 'cut' >llt_result/cut.1.0.lltcov
-: >llt_result/.libtwice.1.Q1121104110.2.tmp
+: >llt_result/.libtwice.Q1121104110.1a2b.2.lltcov.tmp
 : >llt_result/notes.txt
 mkdir -p linked/codemeasure real && cp libtwice/codemeasure/.prj linked/codemeasure
 mv linked "$tmp/linked" && ln -s "$tmp/linked" linked

@@ -84,8 +84,14 @@ rsp|1 0|1*3 0*37|gcc @words.rsp -Wl,-E -Wl,-S
 wl|1 0|1*3 0*37|gcc -o wl main.o -Wl,beta.o
 xlinker|1 0|1*3 0*37|gcc -o xlinker main.o -Xlinker beta.o
 gcsections|1 0|1*3 0*37|gcc -o gcsections -Wl,--gc-sections -s main.o beta.o
-lld|1 0|1*3 0*37|gcc -fuse-ld=gold -o lld main.o libbeta.a
 ROWS
+for linker in bfd gold lld; do
+    if gcc "-fuse-ld=$linker" -Wl,--version > /dev/null 2>&1; then
+        check_row "by_$linker" "1 0" "1*3 0*37" "gcc -fuse-ld=$linker -o by_$linker main.o libbeta.a"
+    else
+        echo "skipped: the linker $linker is not installed"
+    fi
+done
 
 # a relocatable link stays as it is, and its result is an input like any other
 link part gcc -r -nostdlib main.o beta.o -o part.o
@@ -147,25 +153,42 @@ link libgone gcc -shared other.o libbye.a -Wl,-u,beta -o libgone.so
 check_row goes "1 0" "" "gcc main.o ./libgone.so -o goes"
 expect "late destructors count" "1*2" "$(counts libbye bye)"
 
-# exec ends a program without destructors
+# Fork and exec, as the compiler has them called.
 source_of execs <<'C'
 #include <unistd.h>
+#include <sys/wait.h>
+extern int __gcov_fork(void), __gcov_execl(const char *, char *, ...);
 int main(void)
 {
-    int unused[9] = {0};
-    execlp("/nowhere", "", "", "", "", "", "", "", "", (char *)0);
-    HIT(unused[8]);
-    return execl("/bin/sh", "sh", "-c", "test $6 = six", "0", "1", "2", "3", "4", "5", "six", (char *)0);
+    HIT(0);
+    if (__gcov_fork() == 0) {
+        HIT(1);
+        return 0;
+    }
+    wait(0);
+    __gcov_execl("/nowhere", "", "", "", "", "", "", "", "", (char *)0);
+    HIT(2);
+    return __gcov_execl("/bin/sh", "sh", "-c", "test $6 = six", "0", "1", "2", "3", "4", "5", "six", (char *)0);
 }
 C
-instrumented execs 1
-rm -rf llt_result
-link execs gcc execs.o -o execs && ./execs
-expect "exec dumps before" 1 "$(counts execs_exe execs)"
-echo 'int puts(const char *); int execl(void) { return puts("fake") < 0; }' > fake.c
+instrumented execs 3
+for how in dynamic static; do
+    rm -rf llt_result
+    # shellcheck disable=SC2046
+    link "execs_$how" gcc $([ $how = dynamic ] || echo -static) execs.o -o "execs_$how" && "./execs_$how"
+    expect "$how: the new program ends well" 0 $?
+    expect "$how: fork and exec dump before" "1*3" "$(counts "execs_${how}_exe" execs)"
+    rm -rf llt_result
+    # shellcheck disable=SC2046
+    LLTCOV_RUNTIME=/nowhere link plain_execs gcc $([ $how = dynamic ] || echo -static) execs.o -o "plain_$how" &&
+        "./plain_$how"
+    expect "$how: they work without the runtime" 0 $?
+    expect "$how: and count nothing" "" "$(counts '*' execs)"
+done
+echo 'int puts(const char *); int execv(void) { return puts("fake") < 0; }' > fake.c
 gcc -w -fno-builtin -c fake.c
 link fakes gcc -o fakes execs.o fake.o
-expect "a test's own exec" fake "$(./fakes)"
+expect "a test's own exec" "fake fake" "$(./fakes | xargs)"
 
 # the coverage side fails, the link does not
 check_plain() {

@@ -1,5 +1,7 @@
 /* Registers counters as a generated stub does and ends in the way that its first argument names.
  * MODE: stub mode. With PLUGIN defined it is the shared library that "plugin" loads. */
+#include "runtime_program.h"
+
 #include "lltcov_rt.h"
 
 #include <dlfcn.h>
@@ -19,12 +21,23 @@
 #else
 #define NAME "program"
 #endif
-#if MODE == 2
-static unsigned char counters[40];
-#else
-static unsigned int counters[40];
-#endif
-static unsigned int second[3];
+
+/* The unit of sizes: 32 bits, bytes, or bits. */
+#define UNITS(bytes) (MODE == 0 ? (bytes)*8 : MODE == 2 ? (bytes) : (bytes) / 4)
+
+static unsigned long long counters[40];
+static unsigned long long second[3];
+static unsigned long long flags[4]; /* the last two join by "or" */
+
+pid_t __gcov_fork(void);
+void __gcov_dump(void);
+void __gcov_reset(void);
+
+static int add(void* module, unsigned int index, const char* name, void* array, unsigned int size,
+               unsigned int units)
+{
+    return QMR_AddCoverageBuf(module, index, (char*)name, array, size, units);
+}
 
 __attribute__((constructor)) static void start(void)
 {
@@ -39,11 +52,13 @@ __attribute__((constructor)) static void start(void)
     if ((value = getenv("TEST_ROOT")) != NULL) {
         TUSK_CovSetlltcovRootpath(value);
     }
-    void* module = QMR_CreateCoverageListExt(NAME "-m", "area/" NAME "/codemeasure", 2, MODE + 1);
-    const unsigned int size = MODE == 2 ? 40 : MODE == 0 ? 8 : 160;
-    if (!QMR_AddCoverageBuf(module, 0, (char*)"first.c", (unsigned int*)counters, size, 40) ||
-        !QMR_AddCoverageBuf(module, 1, (char*)"second.c", second, 12, 3) ||
-        !QMR_AddCoverageBuf(module, 2, (char*)"twice.c", second, 12, 3) ||
+    void* module = QMR_CreateCoverageListExt(NAME "-m", "area/" NAME "/codemeasure", 3, MODE + 1);
+    if (!add(module, 0, "first.c", counters, sizeof counters, UNITS(320)) ||
+        !add(module, 1, "second.c", second, 24, UNITS(24)) ||
+        !add(module, 2, "twice.c", second, 24, UNITS(24)) ||
+        add(module, 3, "larger_than_stated.c", flags, 31, UNITS(32)) ||
+        add(module, 4, "half_a_counter.c", flags, 32, UNITS(28)) ||
+        !add(module, 5, "flags.c:16", flags, 32, UNITS(32)) ||
         !QMRInit(0, (char*)"{\"projectname\":\"a \\\"b\\\"\",\"buid\":\"Q1\"}") ||
         QMRGetTargetState() != 0 || !ZKT_ServerInit(g_TUSKSockBindPort)) {
         abort();
@@ -55,13 +70,9 @@ __attribute__((destructor)) static void end(void)
     QMR_DumpModuleCovdata((char*)NAME "_m");
 }
 
-static void hit(int probe)
+void hit(int probe)
 {
-#if MODE == 0
-    counters[probe / 32] |= 1U << probe % 32;
-#else
     ++counters[probe];
-#endif
 }
 
 #ifdef PLUGIN
@@ -72,7 +83,7 @@ void run_plugin(void)
 }
 #else
 
-/* Runs behind `end`, which is declared later. */
+/* Runs after `end`, which is declared later. */
 __attribute__((destructor(102))) static void late(void)
 {
     if (getenv("TEST_LATE") != NULL) {
@@ -80,18 +91,62 @@ __attribute__((destructor(102))) static void late(void)
     }
 }
 
-static void end_child(int by_exit)
+static void end_child(pid_t child, const char* how)
 {
-    const pid_t child = fork();
     if (child == 0) {
         hit(1);
-        if (by_exit == 2) {
+        if (strcmp(how, "dump") == 0) {
             lltcov_dump();
         }
-        by_exit == 1 ? exit(0) : _exit(0);
+        strcmp(how, "exit") == 0 ? exit(0) : _exit(0);
     }
     waitpid(child, NULL, 0);
     hit(2);
+}
+
+static void by_fork(char** argv)
+{
+    end_child(fork(), argv[2]);
+}
+
+static void by_gcov_fork(char** argv)
+{
+    end_child(__gcov_fork(), argv[2]);
+}
+
+static void by_daemon(char** argv)
+{
+    if (fork() != 0) {
+        _exit(0);
+    }
+    hit(5);
+}
+
+static void by_vfork(char** argv)
+{
+    if (vfork() == 0) {
+        _exit(0);
+    }
+    hit(2);
+}
+
+static void without_end(char** argv)
+{
+    _exit(0);
+}
+
+static void dump_twice(char** argv)
+{
+    lltcov_dump();
+    hit(2);
+    _exit(lltcov_dump() ? 0 : 1);
+}
+
+static void reset(char** argv)
+{
+    __gcov_dump();
+    __gcov_reset();
+    hit(0);
 }
 
 static void* count_and_dump(void* unused)
@@ -103,95 +158,110 @@ static void* count_and_dump(void* unused)
     return unused;
 }
 
-__attribute__((unused)) static void own_handler(int number)
-{
-    (void)number;
-    hit(4);
-}
-
-static void load_plugin(const char* path, int unload)
-{
-    void* handle = dlopen(path, RTLD_NOW);
-    void (*run)(void);
-    *(void**)&run = dlsym(handle, "run_plugin");
-    run();
-    if (unload) {
-        dlclose(handle);
-    }
-    lltcov_dump();
-}
-
-static void run_threads(void)
+static void run_threads(char** argv)
 {
     pthread_t threads[8];
     for (int i = 0; i < 8; ++i) {
         pthread_create(&threads[i], NULL, count_and_dump, NULL);
     }
     for (int i = 0; i < 50; ++i) {
-        end_child(0);
+        end_child(fork(), "_exit");
     }
     for (int i = 0; i < 8; ++i) {
         pthread_join(threads[i], NULL);
     }
 }
 
+/* Says after each dump that it is done, until it is killed. */
+static void dump_for_ever(char** argv)
+{
+    while (lltcov_dump() && write(1, ".", 1) == 1) {
+        hit(0);
+    }
+}
+
+static void set_flags(char** argv)
+{
+    ++flags[0];
+    flags[2] |= (unsigned int)atoi(argv[2]);
+    lltcov_dump();
+    flags[3] |= 8;
+}
+
+void* load_plugin(const char* path)
+{
+    void* handle = dlopen(path, RTLD_NOW);
+    void (*run)(void);
+    *(void**)&run = dlsym(handle, "run_plugin");
+    run();
+    return handle;
+}
+
+static void unload(char** argv)
+{
+    dlclose(load_plugin(argv[2]));
+    lltcov_dump();
+}
+
+static void keep_loaded(char** argv)
+{
+    load_plugin(argv[2]);
+    lltcov_dump();
+    _exit(0);
+}
+
+static void raise_signal(char** argv)
+{
+    raise(atoi(argv[2]));
+    _exit(0);
+}
+
+static void wait_for_timer(char** argv)
+{
+    if (argv[2] != NULL && fork() != 0) {
+        _exit(0);
+    }
+    hit(6);
+    usleep(1700000);
+    _exit(0);
+}
+
+static void reopen(char** argv)
+{
+    fclose(freopen("data", "w", stderr));
+    fopen("data", "w");
+}
+
+static void close_all(char** argv)
+{
+    close(0);
+    close(1);
+    close(2);
+}
+
+static const struct {
+    const char* name;
+    action* run;
+} ACTIONS[] = {
+    {"_exit", without_end},     {"arrived", arrived},
+    {"closed", close_all},      {"daemon", by_daemon},
+    {"dump__exit", dump_twice}, {"endless", dump_for_ever},
+    {"exec", by_exec},          {"flags", set_flags},
+    {"fork", by_fork},          {"gcov_fork", by_gcov_fork},
+    {"hidden", keep_loaded},    {"hidden_exec", exec_from_loaded},
+    {"plugin", unload},         {"raise", raise_signal},
+    {"reopened", reopen},       {"reset", reset},
+    {"threads", run_threads},   {"vfork", by_vfork},
+    {"vfork_exec", vfork_exec}, {"wait", wait_for_timer},
+};
+
 int main(int argc, char** argv)
 {
-    const char* how = argv[1];
     hit(0);
-    if (strcmp(how, "fork_exit") == 0) {
-        end_child(1);
-    } else if (strcmp(how, "fork__exit") == 0) {
-        end_child(0);
-    } else if (strcmp(how, "fork_dump") == 0) {
-        end_child(2);
-    } else if (strcmp(how, "daemon") == 0) {
-        if (fork() != 0) {
-            _exit(0);
+    for (size_t i = 0; argc > 1 && i < sizeof ACTIONS / sizeof *ACTIONS; ++i) {
+        if (strcmp(argv[1], ACTIONS[i].name) == 0) {
+            ACTIONS[i].run(argv);
         }
-        hit(5);
-    } else if (strcmp(how, "vfork") == 0) {
-        if (vfork() == 0) {
-            _exit(0);
-        }
-        hit(2);
-    } else if (strcmp(how, "_exit") == 0) {
-        _exit(0);
-    } else if (strcmp(how, "dump__exit") == 0) {
-        lltcov_dump();
-        hit(2);
-        _exit(lltcov_dump() ? 0 : 1);
-    } else if (strcmp(how, "reset") == 0) {
-        lltcov_dump();
-        lltcov_reset();
-        hit(0);
-    } else if (strcmp(how, "exec") == 0) {
-        lltcov_dump();
-        execl(argv[0], argv[0], "exit", (char*)NULL);
-    } else if (strcmp(how, "threads") == 0) {
-        run_threads();
-    } else if (strcmp(how, "plugin") == 0) {
-        load_plugin(argv[2], 1);
-    } else if (strcmp(how, "hidden") == 0) {
-        load_plugin(argv[2], 0);
-        _exit(0);
-    } else if (strcmp(how, "raise") == 0) {
-        raise(atoi(argv[2]));
-        _exit(0);
-    } else if (strcmp(how, "wait") == 0) {
-        if (argc > 2 && fork() != 0) {
-            _exit(0);
-        }
-        hit(6);
-        usleep(1700000);
-        _exit(0);
-    } else if (strcmp(how, "reopened") == 0) {
-        fclose(freopen("data", "w", stderr));
-        fopen("data", "w");
-    } else if (strcmp(how, "closed") == 0) {
-        close(0);
-        close(1);
-        close(2);
     }
     return 0;
 }

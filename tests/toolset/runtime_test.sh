@@ -1,4 +1,4 @@
-#!/bin/sh
+#!/bin/bash
 # usage: runtime_test.sh RUNTIME_SOURCE_DIR RUNTIME_BINARY_DIR
 # Programs that end in every way, and what their dump files add up to.
 set -u
@@ -11,33 +11,46 @@ passed=0 failed=0
 build() { # build OUTPUT OPTION...
     output=$1
     shift
-    ${CC:-cc} -std=gnu99 -O1 -Wall -Wextra -I"$sources" "$here/runtime_program.c" "$@" -o "$output" ||
-        exit 2
+    ${CC:-cc} -std=gnu99 -O1 -Wall -Wextra -Wno-unused-parameter -I"$sources" \
+        "$here/runtime_program.c" "$@" -o "$output" || exit 2
 }
-build static "$binaries/liblltcov_rt.a" -ldl -pthread
-build shared -L"$binaries" -Wl,-rpath,"$binaries" -llltcov_rt -ldl -pthread
-build bits -DMODE=0 "$binaries/liblltcov_rt.a" -ldl -pthread
-build bytes -DMODE=2 "$binaries/liblltcov_rt.a" -ldl -pthread
+exec_part=$here/runtime_exec.c
+build static "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
+build static_norelro "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread -Wl,-z,norelro
+build shared "$exec_part" -L"$binaries" -Wl,-rpath,"$binaries" -llltcov_rt -ldl -pthread
+build bits -DMODE=0 "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
+build bytes -DMODE=2 "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
 build plugin.so -DPLUGIN -fPIC -shared "$binaries/liblltcov_rt.a"
 echo '{ global: run_plugin; local: *; };' > hidden.map
-build hidden.so -DPLUGIN -fPIC -shared -Wl,--version-script=hidden.map,--gc-sections \
-    "$binaries/liblltcov_rt.a"
+hidden() { # hidden OUTPUT OPTION...
+    build "$1" -DPLUGIN -fPIC -shared -Wl,--version-script=hidden.map,--gc-sections "${@:2}" \
+        "$binaries/liblltcov_rt.a"
+}
+hidden hidden.so
+hidden hidden_norelro.so -Wl,-z,norelro
 
-# "PROBE=SUM ..." over all dump files of the module, and the number of files; a file without its
-# last line makes it "torn"
+# The counts of a file, one a line, the number of processes first; nothing of a file whose size
+# does not fit its header.
+words() {
+    local size
+    size=$(sed -n '/^counts /{s///p;q}' "$1")
+    [ "$(stat -c %s "$1")" = $(($(sed '/^counts /q' "$1" | wc -c) + ${size:-1})) ] || return
+    tail -c "$size" "$1" | od -An -v -w8 -tu8 --endian="$(sed -n '/^order /{s///p;q}' "$1")"
+}
+
+# "PROBE=SUM ..." of first.c over all dump files of the module, and the number of processes; a file
+# that is not whole makes it "torn"
 sums() {
-    find root -name '*.lltcov' -exec awk -v module="$1" '
-        FNR == 1 { torn += open; open = 1; ours = 0; first = 0 }
-        $0 == "end" { open = 0 }
-        $1 == "module" && $2 == module { ours = 1; ++files }
-        ours && first { first = 0; probe = 0
-            for (i = 1; i <= NF; ++i) { n = split($i, run, "*"); times = n > 1 ? run[2] : 1
-                while (times-- > 0) sum[probe++] += run[1] }
-            if (probe != 40) torn = 1 }
-        $1 == "file" && $3 == "first.c" { first = 1 }
-        END { if (open || torn) printf "torn "
+    for file in root/"$1".*.lltcov; do
+        [ ! -s "$file" ] || echo new "$(words "$file" | tr '\n' ' ')"
+    done | awk '{ torn += NF != 49; runs += $2; for (i = 3; i < 43; ++i) sum[i - 3] += $i }
+        END { if (torn) printf "torn "
             for (i = 0; i < 40; ++i) if (sum[i] > 0) printf "%d=%d ", i, sum[i]
-            print "in " files + 0 }' {} + 2> /dev/null
+            print "of " runs + 0 }'
+}
+
+files() { # files [PATTERN]
+    find root -type f -name "${1:-*.lltcov}" | wc -l
 }
 
 expect() { # expect WHAT EXPECTED ACTUAL
@@ -54,53 +67,93 @@ while IFS='|' read -r expected status environment arguments; do
     for program in static shared; do
         rm -rf root
         # shellcheck disable=SC2086
-        env LLTCOV_ROOT=root $environment ./$program $arguments < /dev/null
+        { env LLTCOV_ROOT=root $environment ./$program $arguments < /dev/null; } 2> messages
         expect "$program $environment $arguments: status" "$status" $?
         [ "${arguments#wait*daemon}" = "$arguments" ] || sleep 2
         [ "$arguments" != daemon ] || sleep 0.3
         expect "$program $environment $arguments" "$expected" "$(sums program-m)"
     done
 done <<'ROWS'
-0=1 in 1|0||exit
-0=1 9=1 in 1|0|TEST_LATE=1|exit
-|0||_exit
-0=1 2=1 in 1|0||dump__exit
-0=2 in 2|0||reset
-0=2 in 2|0||exec
-0=1 1=1 2=1 in 2|0||fork_exit
-0=1 2=1 in 1|0||fork__exit
-0=1 1=1 2=1 in 2|0||fork_dump
-0=1 5=1 in 2|0||daemon
-0=1 2=1 in 1|0||vfork
-0=1 2=50 3=1600 in 1|0||threads
-0=1 in 1|0||closed
-0=1 6=1 in 1|0|TEST_TIMER=1|wait
-0=1 6=1 in 2|0|TEST_TIMER=1|wait daemon
-|0|TEST_TIMER=0|wait
-0=1 in 1|0|TEST_SIGNAL=10|raise 10
-0=1 in 1|143|TEST_SIGNAL=15|raise 15
-0=1 in 1|139|TEST_SIGNAL=11|raise 11
-0=1 in 1|0||hidden ./hidden.so
-0=1 in 1|0||plugin ./plugin.so
+0=1 of 1|0||exit
+0=1 9=1 of 1|0|TEST_LATE=1|exit
+of 0|0||_exit
+0=1 2=1 of 1|0||dump__exit
+0=2 of 1|0||reset
+0=2 8=1 of 2|0||exec v
+0=2 8=1 of 2|0||exec vp
+0=2 8=1 of 2|0||exec ve
+0=2 8=1 of 2|0||exec l
+0=2 8=1 of 2|0||exec lp
+0=2 8=1 of 2|0||exec le
+0=1 2=1 of 1|0||exec nowhere
+0=1 1=1 2=1 of 2|0||fork exit
+0=1 2=1 of 1|0||fork _exit
+0=1 1=1 2=1 of 2|0||fork dump
+0=1 1=1 2=1 of 2|0||gcov_fork dump
+0=1 5=1 of 2|0||daemon
+0=1 2=1 of 1|0||vfork
+0=2 of 2|0||vfork_exec
+0=1 2=50 3=1600 of 1|0||threads
+0=1 of 1|0||closed
+0=1 6=1 of 1|0|TEST_TIMER=1|wait
+0=1 6=1 of 2|0|TEST_TIMER=1|wait daemon
+of 0|0|TEST_TIMER=0|wait
+0=1 of 1|0|TEST_SIGNAL=10|raise 10
+0=1 of 1|143|TEST_SIGNAL=15|raise 15
+0=1 of 1|139|TEST_SIGNAL=11|raise 11
+0=1 of 1|0||hidden ./hidden.so
+0=1 of 1|0||plugin ./plugin.so
 ROWS
-expect "a library's counts outlive it" "7=1 in 1" "$(sums plugin-m)"
+expect "a library's counts outlive it" "7=1 of 1" "$(sums plugin-m)"
 
-rm -rf root
-LLTCOV_ROOT=root ./static hidden ./hidden.so
-expect "a call reaches every copy of the runtime" "7=1 in 1" "$(sums plugin-m)"
+while read -r program arguments; do
+    rm -rf root
+    # shellcheck disable=SC2086
+    LLTCOV_ROOT=root ./$program $arguments
+    expect "$program $arguments reaches every copy of the runtime" "0=1 of 1 7=1 of 1" \
+        "$(sums program-m) $(sums plugin-m)"
+done <<'ROWS'
+static hidden ./hidden.so
+static hidden_exec ./hidden.so
+static hidden_exec ./hidden_norelro.so
+static_norelro hidden_exec ./hidden.so
+ROWS
 rm -rf root
 for how in exit _exit exit vfork; do LLTCOV_ROOT=root ./static $how; done
-expect "processes add up" "0=3 2=1 in 3" "$(sums program-m)"
+expect "processes add up" "0=3 2=1 of 3" "$(sums program-m)"
+expect "in one file" 1 "$(files)"
 for program in bits bytes; do
     rm -rf root
-    LLTCOV_ROOT=root ./$program fork_exit
-    expect "$program" "0=1 1=1 2=1 in 2" "$(sums program-m)"
+    LLTCOV_ROOT=root ./$program fork exit
+    expect "$program" "0=1 1=1 2=1 of 2" "$(sums program-m)"
 done
+
+# The last words of the file: one that adds up, one that nothing counts, two that join by "or".
+rm -rf root
+for how in 1 6 2; do LLTCOV_ROOT=root ./static flags $how; done
+expect "what joins by or" "3 0 7 8" "$(words root/program-m.* | tail -n 4 | xargs)"
+
+# Which names the compiler puts in the place of those functions is told by the compiler.
+cat > replaced.c <<'C'
+#include <unistd.h>
+int main(int n, char** v)
+{
+    if (fork()) execv("", v); else if (n == 1) execvp("", v); else if (n == 2) execve("", v, v);
+    if (n == 3) execl("", "", (char*)0); else if (n == 4) execlp("", "", (char*)0);
+    return execle("", "", (char*)0, v);
+}
+C
+${CC:-cc} -fprofile-arcs -c replaced.c -o replaced.o
+nm "$binaries/liblltcov_rt.a" 2> /dev/null | sed -n 's/.* W \(__gcov_.*\)/\1/p' | sort > ours
+if nm replaced.o | grep -q ' U __gcov_fork'; then # not every compiler replaces them
+    nm replaced.o | sed -n 's/.* U \(__gcov_\(fork\|exec.*\)\)$/\1/p' | sort > theirs
+    expect "the compiler's names" "7 " "$(wc -l < theirs) $(comm -23 theirs ours | xargs)"
+fi
 
 # where the root is
 rm -rf root area
 LLTCOV_ROOT='' TEST_ROOT="root/a b/c" ./static exit
-expect "the stub's root, with parents" "0=1 in 1" "$(sums program-m)"
+expect "the stub's root, with parents" 1 "$(find "root/a b/c" -name '*.lltcov' | wc -l)"
 (cd / && LLTCOV_ROOT='' TEST_ROOT="$work/root2" "$work/static" exit)
 expect "an absolute root" 1 "$(find root2 -name '*.lltcov' | wc -l)"
 ./static exit
@@ -120,23 +173,126 @@ expect "a root that is too long" \
 expect "files that may not grow" \
     "lltcov: coverage counts are lost: files may not grow so large (error 27),0," \
     "$(ulimit -f 0; lost root ./static exit)"
+rm -rf root
+(ulimit -n 4; LLTCOV_ROOT=root exec ./static exit)
+expect "one descriptor is left" "0=1 of 1" "$(sums program-m)"
 { { sleep 0.1; LLTCOV_ROOT=file/x ./static exit; echo $? >&3; } 2>&1 | :; } 3> status
 expect "nobody listens" 0 "$(cat status)"
 LLTCOV_ROOT=file/x ./static reopened
 expect "a standard error that became data" "0 data" "$(wc -c data)"
 
-# the whole file, byte for byte
+# the whole file, byte for byte: 40, 3 and 4 counters make 376 bytes, and 8 for the processes
 rm -rf root
+order=$(printf '\1\0' | od -An -tu2 | sed 's/ *1$/little/; s/ *256$/big/')
+header() { # header [TEST-LINE]
+    printf '%s\n' 'lltcov 2' 'module program-m' 'project a "b"' 'buid Q1' 'mode 1' \
+        'area area/program/codemeasure' "$@" "order $order" 'file 0 first.c 320' \
+        'file 1 second.c 24' 'file 5 flags.c:16 32' 'counts 384'
+}
 LLTCOV_ROOT=root ./static exit
-printf '%s\n' 'lltcov 1' 'module program-m' 'project a "b"' 'buid Q1' 'pid N' 'mode 1' \
-    'area area/program/codemeasure' 'file 0 first.c 40 4' '1 0*39' 'file 1 second.c 3 4' '0*3' \
-    end > expected
-sed 's/^pid [0-9]*$/pid N/' root/program-m.*.Q1.0.lltcov | cmp - expected
+{ header; printf '\1\0\0\0\0\0\0\0\1'; head -c 375 /dev/zero; } > expected
+[ "$order" != little ] || cmp root/program-m.Q1.*.0.lltcov expected
 expect "the file" 0 $?
-expect "nothing beside it" 1 "$(find root -type f | wc -l)"
-# shellcheck disable=SC2016
-LLTCOV_ROOT=root sh -c ': > root/.program-m.$$.Q1.0.tmp; exec ./static exit'
-expect "what a killed process left stays" "2 1" \
-    "$(cat root/*.lltcov | grep -c '^end$') $(find root -name '.*.tmp' | wc -l)"
+expect "nothing beside it" 1 "$(files '*')"
+LLTCOV_ROOT=root LLTCOV_TEST=$'one two\n' ./static exit
+LLTCOV_ROOT=root LLTCOV_TEST=other ./static exit
+LLTCOV_ROOT=root LLTCOV_TEST='' ./static exit
+expect "files by test" "0=4 of 4 in 3" "$(sums program-m) in $(files)"
+header 'test one two?' > expected
+expect "the test in the header" "yes" \
+    "$(for file in root/*; do sed '/^counts /q' "$file" | cmp -s - expected && echo yes; done)"
+
+# a hash that is known: FNV-1a of 64 bits over the header
+hash=$(header | od -An -v -tu1 -w1 | awk '{ print $1 }' | {
+    h=$((0xcbf29ce484222325))
+    while read -r byte; do h=$(((h ^ byte) * 0x100000001b3)); done
+    printf '%016x' $h
+})
+expect "the name" "root/program-m.Q1.$hash.0.lltcov" "$(ls root/program-m.Q1."$hash".*)"
+slot() { echo "root/program-m.Q1.$hash.$1.lltcov"; }
+
+# many at once
+rm -rf root
+seq 1000 | LLTCOV_ROOT=root xargs -P 64 -n 1 ./static exit
+expect "64 at once" "0=1000 of 1000" "$(sums program-m)"
+expect "in few files" yes "$([ "$(files)" -le 16 ] && echo yes || files)"
+expect "and nothing else" "$(files)" "$(files '*')"
+
+# Writers that are killed: each of their dumps that ended is there, and at most one more.
+rm -rf root
+for round in 1 2 3 4 5; do
+    for writer in 1 2 3 4 5 6 7 8; do
+        LLTCOV_ROOT=root timeout -s KILL "0.0$((round * writer + 10))" ./static endless \
+            > "done.$round.$writer" &
+    done
+    wait
+done 2> messages
+dumped=$(cat done.* | wc -c)
+total=$(sums program-m | sed -n 's/^0=\([0-9]*\) of .*/\1/p')
+expect "killed writers" yes "$([ "$total" -ge "$dumped" ] && [ "$total" -le $((dumped + 40)) ] &&
+    [ "$dumped" -gt 40 ] && echo yes || echo "$(sums program-m), $dumped were done")"
+LLTCOV_ROOT=root ./static exit
+expect "a run after them" "$((total + 1))" "$(sums program-m | sed 's/^0=\([0-9]*\) of .*/\1/')"
+rm -f "$(slot 0)"
+: > "root/.$(basename "$(slot 0)").tmp"
+LLTCOV_ROOT=root ./static exit
+expect "what a killed writer left is replaced" no "$([ -e "root/.$(basename "$(slot 0)").tmp" ] || echo no)"
+
+# A process that is stopped while it has a slot blocks nobody.
+milliseconds() {
+    local start
+    start=$(date +%s%N)
+    "$@"
+    echo $((($(date +%s%N) - start) / 1000000))
+}
+rm -rf root
+mkdir root
+holders=()
+hold() { # hold SLOT...
+    for held; do
+        (flock -x 9 && exec sleep 60) 9>> "$(slot "$held")" &
+        holders+=($!)
+        while flock -n "$(slot "$held")" true; do sleep 0.01; done
+        kill -STOP $!
+    done
+}
+export LLTCOV_ROOT=root
+hold 0
+time_taken=$(milliseconds ./static exit)
+expect "one slot is held: time" yes "$([ "$time_taken" -lt 500 ] && echo yes || echo "$time_taken ms")"
+expect "one slot is held" "0=1 of 1" "$(sums program-m)"
+expect "the next is taken" 1 "$(words "$(slot 1)" | head -n 1 | xargs)"
+hold 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15
+time_taken=$(milliseconds ./static exit)
+expect "all slots are held: time" yes "$([ "$time_taken" -lt 4000 ] && echo yes || echo "$time_taken ms")"
+expect "all slots are held" "0=2 of 2" "$(sums program-m)"
+{ kill -KILL "${holders[@]}"; wait; } 2> messages
+./static exit
+expect "a slot is free again" "0=3 of 3 in 17" "$(sums program-m) in $(files)"
+
+# Files that are damaged stay as they are.
+rm -rf root
+./static exit
+cp "$(slot 0)" whole
+for slot in 0 1 2 3; do head -c 400 whole > "$(slot $slot)"; done
+for slot in 4 5 6 7; do { cat whole; echo; } > "$(slot $slot)"; done
+for slot in 8 9 10 11; do sed 's/^mode 1/mode 2/' whole > "$(slot $slot)"; done
+for slot in 12 13; do mkdir "$(slot $slot)"; done
+: > outside
+for slot in 14 15; do ln -s ../outside "$(slot $slot)"; done
+cp -a root damaged
+./static dump__exit
+expect "16 damaged files: one of its own for each dump" "2" "$(files "*.$hash.*.*.lltcov")"
+mv root/*."$hash".*.*.lltcov .
+expect "damaged files stay" "" "$(diff -r --no-dereference root damaged)$(cat outside)"
+rm -rf root
+mkdir root
+mv program-m.* root
+expect "the files of its own" "0=1 2=1 of 1" "$(sums program-m)"
+rm -rf root
+mkdir root
+: > "$(slot 0)"
+./static exit
+expect "an empty file is a new one" "0=1 of 1 in 1" "$(sums program-m) in $(files)"
 printf '%d passed, %d failed\n' "$passed" "$failed"
 exit $((failed > 0))

@@ -9,6 +9,7 @@
 #include "examples/toolset/lltld/link_file.h"
 #include "examples/toolset/lltld/lost_records.h"
 #include "examples/toolset/lltld/module_stub.h"
+#include "examples/toolset/lltld/plain_functions.h"
 #include "examples/toolset/lltld/source_step.h"
 #include "lltld/counter_mode.h"
 
@@ -71,17 +72,13 @@ Words with_runtime(const LinkCommand& link, const LinkCoverage& coverage, const 
         add_input(link, stub, added);
     }
     // Inputs behind the runtime need it too, so it is taken whether it is needed yet or not.
-    added.insert(added.end(), {"-u", "QMR_CreateCoverageListExt", "-u", "__wrap_execv"});
+    added.insert(added.end(), {"-u", "QMR_CreateCoverageListExt"});
     const ArrayForm form = counter_mode(g_lxprj->stubmode).array;
     if (form == ArrayForm::char_extern || form == ArrayForm::word_extern) {
         // No member refers to an array of such a stub.
         for (const std::string& module : coverage.modules) {
             added.insert(added.end(), {"-u", "ZJ_Start_" + module});
         }
-    }
-    for (const char* function :
-         {"execl", "execlp", "execle", "execv", "execvp", "execve", "execvpe", "fexecve"}) {
-        added.push_back(linker_option(link, std::string("--wrap=") + function));
     }
     add_input(link, runtime, added);
     return with_words(link, coverage, added);
@@ -90,7 +87,7 @@ Words with_runtime(const LinkCommand& link, const LinkCoverage& coverage, const 
 /// Without coverage, but with everything that the inputs refer to.
 int link_plainly(const LinkCommand& link, const LinkCoverage& coverage, const Streams& streams = {})
 {
-    const std::string plain = make_plain_object(coverage.objects);
+    const std::string plain = make_plain_object(coverage.objects, plain_functions(link));
     Words added;
     add_input(link, plain, added);
     return plain.empty() ? 1 : run_program(with_words(link, coverage, added), streams);

@@ -73,19 +73,6 @@ std::string plain_array(const std::string& symbol)
     return line;
 }
 
-constexpr char PLAIN_HEAD[] =
-    "#ifdef __cplusplus\nextern \"C\" {\n#endif\n"
-    "#define PLAIN(name) __attribute__((weak, visibility(\"hidden\"))) void *name(void)"
-    " { return 0; }\n"
-    "PLAIN(QMR_CreateCoverageListExt)\nPLAIN(QMR_AddCoverageBuf)\nPLAIN(QMR_DumpModuleCovdata)\n"
-    "PLAIN(TUSK_CovSetTimerPolicy)\nPLAIN(TUSK_CovSetSignalPolicy)\n"
-    "PLAIN(TUSK_CovSetlltcovRootpath)\nPLAIN(TUSK_CovSetSupportVbsFlag)\n"
-    "PLAIN(TUSK_CovSetCompilePolicy)\nPLAIN(QMRGetTargetState)\nPLAIN(QMRSetTargetState)\n"
-    "PLAIN(QMRInit)\nPLAIN(ZKT_ServerInit)\nPLAIN(TUSK_UserAgentConfig)\nPLAIN(lltcov_dump)\n"
-    "PLAIN(lltcov_reset)\n"
-    "__attribute__((weak, visibility(\"hidden\"))) unsigned short g_TUSKSockBindPort;\n";
-constexpr char PLAIN_TAIL[] = "#ifdef __cplusplus\n}\n#endif\n";
-
 } // namespace
 
 bool load_settings()
@@ -144,9 +131,10 @@ std::string make_stub(const std::vector<ScannedObject>& objects)
     return made && QMRFileExists(stub.c_str()) != 0 ? stub : "";
 }
 
-std::string make_plain_object(const std::vector<ScannedObject>& objects)
+std::string make_plain_object(const std::vector<ScannedObject>& objects,
+                              const std::string& functions)
 {
-    std::string source = PLAIN_HEAD;
+    std::string source = functions;
     for (const ScannedObject& object : objects) {
         for (const CoverageSymbol& symbol : object.symbols) {
             const std::string line = plain_array(symbol.name);
@@ -163,7 +151,7 @@ std::string make_plain_object(const std::vector<ScannedObject>& objects)
         }
     }
     const std::string path = std::string(g_lxprj->szCovDictPath) + "/obj/plain_arrays";
-    if (replace_file(path + ".c", source + PLAIN_TAIL) != Writing::done) {
+    if (replace_file(path + ".c", source) != Writing::done) {
         return "";
     }
     // The recorded command may be what is wrong.

@@ -5,11 +5,10 @@
 #include "copies.h"
 #include "dump.h"
 #include "policy.h"
+#include "process.h"
 #include "registry.h"
-#include "report.h"
 
 #include <errno.h>
-#include <pthread.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
@@ -18,57 +17,7 @@
 unsigned short g_TUSKSockBindPort __attribute__((weak)) = 60000;
 
 static int target_state;
-static int is_set_up;
-static int is_exiting;
 static char next_root[PATH_MAX];
-static sigset_t fork_mask;
-
-/* --- the process: fork and exit */
-
-static void before_fork(void)
-{
-    registry_lock(&fork_mask);
-    dump_all_modules();
-}
-
-static void after_fork_in_parent(void)
-{
-    const sigset_t mask = fork_mask;
-    registry_unlock(&mask);
-}
-
-static void after_fork_in_child(void)
-{
-    const sigset_t mask = fork_mask;
-    registry_zero_counters();
-    registry_forget_files();
-    registry_unlock(&mask);
-    policy_restart_in_child();
-}
-
-/* Runs before the destructors of the program and its libraries, which still count. */
-static void note_exit(void)
-{
-    is_exiting = 1;
-}
-
-/* The last destructor of each image that was linked with the runtime, also where the copy of
- * another image keeps its modules. */
-__attribute__((destructor(101))) static void finish(void)
-{
-    policy_stop();
-    copies_dump();
-}
-
-static void set_up(void)
-{
-    if (!is_set_up) {
-        is_set_up = 1;
-        pthread_atfork(before_fork, after_fork_in_parent, after_fork_in_child);
-        atexit(note_exit);
-        report_prepare();
-    }
-}
 
 /* --- modules */
 
@@ -134,24 +83,51 @@ void* QMR_CreateCoverageListExt(const char* pModName, const char* covdbpath, uns
     sigset_t mask;
     const int saved = errno;
     choose_root(root, covdbpath);
-    set_up();
+    const char* test = secure_getenv("LLTCOV_TEST");
+    if (test != NULL && test[0] == '\0') {
+        test = NULL;
+    }
+    process_set_up();
     registry_lock(&mask);
-    struct module* module = registry_add_module(pModName, covdbpath, root, iClass - 1);
+    struct module* module = registry_add_module(pModName, covdbpath, root, test, iClass - 1);
     registry_unlock(&mask);
     errno = saved;
     return module;
+}
+
+/* How many bytes at the end of an array join by "or": N of "SYMBOL.EXTENSION:N", or 0. */
+static unsigned long long or_bytes_of(const char* name, unsigned long long size)
+{
+    const char* const extension = strrchr(name, '.');
+    const char* digit = extension != NULL ? strrchr(extension, ':') : NULL;
+    unsigned long long bytes = 0;
+    if (digit == NULL) {
+        return 0;
+    }
+    while (*++digit >= '0' && *digit <= '9' && bytes <= size) {
+        bytes = bytes * 10 + (unsigned int)(*digit - '0');
+    }
+    return *digit == '\0' && bytes <= size && bytes % sizeof(uint64_t) == 0 ? bytes : 0;
 }
 
 int QMR_AddCoverageBuf(void* pMod, unsigned int iFileId, char* pFileName, unsigned int* pCovBuf,
                        unsigned int iBufSize, unsigned int iInstSize)
 {
     struct module* module = pMod;
-    if (module == NULL || pCovBuf == NULL ||
-        size_of_array(width_of_mode(module->mode), iInstSize) > iBufSize) {
+    if (module == NULL || pCovBuf == NULL || module->is_complete) {
+        return 0;
+    }
+    const unsigned long long size = size_of_array(module->mode, iInstSize);
+    if (size > iBufSize || size % sizeof(uint64_t) != 0) {
         return 0;
     }
     const struct buffer buffer = {
-        .name = pFileName, .data = pCovBuf, .index = iFileId, .points = iInstSize};
+        .name = pFileName,
+        .data = (volatile uint64_t*)(void*)pCovBuf,
+        .words = (size_t)size / sizeof(uint64_t),
+        .or_words = (size_t)or_bytes_of(pFileName, size) / sizeof(uint64_t),
+        .index = iFileId,
+    };
     sigset_t mask;
     registry_lock(&mask);
     const int added = registry_add_buffer(module, &buffer);
@@ -184,10 +160,10 @@ int QMRInit(int iType, char* pProjName)
     sigset_t mask;
     registry_lock(&mask);
     for (struct module* module = registry_modules; module != NULL; module = module->next) {
-        if (module->buid == NULL) {
-            free(module->project);
+        if (!module->is_complete) {
             module->project = json_member(pProjName, "\"projectname\":\"");
             module->buid = json_member(pProjName, "\"buid\":\"");
+            module->is_complete = 1;
         }
     }
     registry_unlock(&mask);
@@ -211,7 +187,7 @@ void QMR_DumpModuleCovdata(char* modulename)
         next = module->next;
         if (same_name(module->name, modulename)) {
             dump_module(module);
-            if (!is_exiting) {
+            if (!process_is_exiting()) {
                 registry_remove_module(module);
             }
         }

@@ -1,6 +1,5 @@
-/* Symbols may be hidden, but the notes of an ELF image cannot: each copy leaves one of the owner
- * "lltcov", type 1, with the distances from the note's two words to its dump and reset functions.
- */
+/* Symbols may be hidden, but the data of an image cannot: each copy leaves a mark among those that
+ * the loader makes read-only when it has put the addresses in. */
 #include "copies.h"
 
 #include "dump.h"
@@ -9,68 +8,88 @@
 #include <stdint.h>
 #include <string.h>
 
-#define OWNER "lltcov"
+/* The mark of a copy. The magic bytes stand for this layout too. */
+struct mark {
+    unsigned char magic[16];
+    struct module** modules;
+    int (*dump)(void);
+    int (*reset)(void);
+    const struct mark* self; /* the last address that is put in */
+};
 
-__asm__(".pushsection .note.lltcov,\"a\",%note\n"
-        ".balign 4\n"
-        ".long 7, 8, 1\n"
-        ".asciz \"" OWNER "\"\n"
-        ".balign 4\n"
-        ".long this_copy_dump - .\n"
-        ".long this_copy_reset - .\n"
-        ".popsection\n");
+__attribute__((used, aligned(8))) static const struct mark this_copy = {
+    {0xb1, 0x6c, 'l', 'l', 't', 'c', 'o', 'v', 0x9e, 0x03, 0xf7, 0x4d, 0xd8, 0x25, 0xca, 2},
+    &registry_modules,
+    this_copy_dump,
+    this_copy_reset,
+    &this_copy,
+};
 
-enum { DUMP, RESET };
+enum action { DUMP, RESET };
 
 struct request {
-    int action;
+    enum action action;
     int done; /* 0 once a copy has failed */
 };
 
-static void call(const char* words, struct request* request)
+static void call(const struct mark* mark, struct request* request)
 {
-    const char* word = words + 4 * request->action;
-    int32_t distance;
-    memcpy(&distance, word, sizeof distance);
-    int (*function)(void) = (int (*)(void))((uintptr_t)word + (uintptr_t)(intptr_t)distance);
-    request->done = function() && request->done;
+    const int done = request->action == DUMP ? mark->dump() : mark->reset();
+    request->done = done && request->done;
 }
 
-static void read_notes(const char* at, size_t size, size_t alignment, struct request* request)
+/* Looks for marks from `at` to `end`. An image that is being loaded in this moment has no addresses
+ * in its mark yet, or no modules. */
+static void search(uintptr_t at, uintptr_t end, struct request* request)
 {
-    while (size >= 12) {
-        uint32_t head[3]; /* sizes of name and content, type */
-        memcpy(head, at, sizeof head);
-        const size_t content = 12 + ((head[0] + alignment - 1) & ~(alignment - 1));
-        const size_t whole = content + ((head[1] + alignment - 1) & ~(alignment - 1));
-        if (whole > size) {
-            return;
+    for (at = (at + 7) / 8 * 8; at < end && end - at >= sizeof(struct mark); at += 8) {
+        const struct mark* mark = (const struct mark*)at;
+        if (memcmp(mark->magic, this_copy.magic, sizeof mark->magic) == 0 && mark->self == mark &&
+            mark != &this_copy && *mark->modules != NULL) {
+            call(mark, request);
         }
-        if (head[0] == sizeof OWNER && head[2] == 1 && memcmp(at + 12, OWNER, sizeof OWNER) == 0) {
-            call(at + content, request);
-        }
-        at += whole;
-        size -= whole;
     }
 }
 
+typedef ElfW(Phdr) program_header;
+
+static const program_header* read_only_part(const struct dl_phdr_info* info)
+{
+    for (int i = 0; i < info->dlpi_phnum; ++i) {
+        if (info->dlpi_phdr[i].p_type == PT_GNU_RELRO) {
+            return &info->dlpi_phdr[i];
+        }
+    }
+    return NULL;
+}
+
+/* Searches what is read from the file into writable memory, and of that, where there is such a
+ * part, the one that is made read-only. */
 static int visit_image(struct dl_phdr_info* info, size_t size, void* request)
 {
     (void)size;
+    const program_header* const read_only = read_only_part(info);
     for (int i = 0; i < info->dlpi_phnum; ++i) {
-        const ElfW(Phdr)* part = &info->dlpi_phdr[i];
-        if (part->p_type == PT_NOTE) {
-            const uintptr_t address = (uintptr_t)info->dlpi_addr + (uintptr_t)part->p_vaddr;
-            read_notes((const char*)address, (size_t)part->p_memsz, part->p_align == 8 ? 8 : 4,
-                       request);
+        const program_header* const part = &info->dlpi_phdr[i];
+        if (part->p_type != PT_LOAD || (part->p_flags & PF_W) == 0) {
+            continue;
         }
+        uintptr_t start = (uintptr_t)part->p_vaddr;
+        uintptr_t end = start + (uintptr_t)part->p_filesz;
+        if (read_only != NULL) {
+            const uintptr_t first = (uintptr_t)read_only->p_vaddr;
+            const uintptr_t last = first + (uintptr_t)read_only->p_memsz;
+            start = start > first ? start : first;
+            end = end < last ? end : last;
+        }
+        search((uintptr_t)info->dlpi_addr + start, (uintptr_t)info->dlpi_addr + end, request);
     }
     return 0;
 }
 
 int copies_dump(void)
 {
-    struct request request = {DUMP, this_copy_dump()}; /* also where the notes were stripped off */
+    struct request request = {DUMP, this_copy_dump()};
     dl_iterate_phdr(visit_image, &request);
     return request.done;
 }
@@ -95,7 +114,6 @@ int this_copy_reset(void)
     sigset_t mask;
     registry_lock(&mask);
     registry_zero_counters();
-    registry_forget_files();
     registry_unlock(&mask);
     return 1;
 }

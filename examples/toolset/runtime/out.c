@@ -4,50 +4,15 @@
 
 #include <errno.h>
 #include <signal.h>
-#include <string.h>
 #include <time.h>
 #include <unistd.h>
 
-/* A write that fails may raise a signal that ends programs. All signals are blocked in here, so it
- * waits: it is taken back, for the program has not written anything. */
-static void take_back(int number)
-{
-    const int saved = errno;
-    const struct timespec at_once = {0, 0};
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, number);
-    sigtimedwait(&set, NULL, &at_once);
-    errno = saved;
-}
-
-void out_flush(struct out* out)
-{
-    size_t done = 0;
-    while (out->fd >= 0 && done < out->used && !out->failed) {
-        const ssize_t written = write(out->fd, out->data + done, out->used - done);
-        if (written > 0) {
-            done += (size_t)written;
-        } else if (written == 0 || errno != EINTR) {
-            out->failed = 1;
-            take_back(errno == EFBIG ? SIGXFSZ : SIGPIPE);
-        }
-    }
-    if (out->fd >= 0) {
-        out->used = 0;
-    }
-}
-
 static void out_byte(struct out* out, char byte)
 {
-    if (out->used == out->size && out->fd >= 0) {
-        out_flush(out);
-    }
     if (out->used < out->size) {
-        out->data[out->used++] = byte;
-    } else {
-        out->failed = 1;
+        out->data[out->used] = byte;
     }
+    ++out->used;
 }
 
 void out_text(struct out* out, const char* text)
@@ -79,5 +44,33 @@ void out_name(struct out* out, const char* name)
 int out_end(struct out* out)
 {
     out_byte(out, '\0');
-    return !out->failed;
+    return out->used <= out->size;
+}
+
+/* A write that fails may raise a signal that ends programs. All signals are blocked in here, so it
+ * waits: it is taken back, for the program has not written anything. */
+static void take_back(int number)
+{
+    const int saved = errno;
+    const struct timespec at_once = {0, 0};
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, number);
+    sigtimedwait(&set, NULL, &at_once);
+    errno = saved;
+}
+
+int write_all(int fd, const char* data, size_t size)
+{
+    while (size > 0) {
+        const ssize_t written = write(fd, data, size);
+        if (written > 0) {
+            data += written;
+            size -= (size_t)written;
+        } else if (written == 0 || errno != EINTR) {
+            take_back(errno == EFBIG ? SIGXFSZ : SIGPIPE);
+            return 0;
+        }
+    }
+    return 1;
 }

@@ -27,23 +27,22 @@ void registry_unlock(const sigset_t* mask)
     pthread_sigmask(SIG_SETMASK, mask, NULL);
 }
 
-/* A few stub modes register four bytes per probe although their arrays are smaller, so the layout
- * follows the mode and not the size that is stated. */
-enum width width_of_mode(int mode)
+unsigned long long size_of_array(int mode, unsigned int units)
 {
-    static const enum width WIDTHS[] = {
-        WIDTH_BIT,  WIDTH_WORD, WIDTH_BYTE, WIDTH_WORD, WIDTH_BIT,
-        WIDTH_WORD, WIDTH_BYTE, WIDTH_BIT,  WIDTH_WORD, WIDTH_BYTE,
-    };
-    return mode >= 0 && mode < (int)(sizeof WIDTHS / sizeof *WIDTHS) ? WIDTHS[mode] : WIDTH_WORD;
-}
-
-unsigned long long size_of_array(enum width width, unsigned int points)
-{
-    if (width == WIDTH_BIT) {
-        return ((unsigned long long)points + 31) / 32 * 4;
+    /* A few modes register four bytes per unit although their arrays are smaller, so the layout
+     * follows the mode and not the size that is stated. */
+    switch (mode) {
+    case 0:
+    case 4:
+    case 7:
+        return ((unsigned long long)units + 31) / 32 * 4;
+    case 2:
+    case 6:
+    case 9:
+        return units;
+    default:
+        return 4ULL * units;
     }
-    return (unsigned long long)points * width;
 }
 
 static char* copy_of(const char* text)
@@ -60,10 +59,13 @@ static void free_module(struct module* module)
     free(module->root);
     free(module->project);
     free(module->buid);
+    free(module->test);
+    image_release(&module->image);
     free(module);
 }
 
-struct module* registry_add_module(const char* name, const char* area, const char* root, int mode)
+struct module* registry_add_module(const char* name, const char* area, const char* root,
+                                   const char* test, int mode)
 {
     struct module* module = calloc(1, sizeof *module);
     if (module == NULL) {
@@ -72,9 +74,11 @@ struct module* registry_add_module(const char* name, const char* area, const cha
     module->name = copy_of(name);
     module->area = copy_of(area);
     module->root = copy_of(root);
+    module->test = test != NULL ? copy_of(test) : NULL;
     module->mode = mode;
     module->last = &module->first;
-    if (module->name == NULL || module->area == NULL || module->root == NULL) {
+    if (module->name == NULL || module->area == NULL || module->root == NULL ||
+        (test != NULL && module->test == NULL)) {
         free_module(module);
         return NULL;
     }
@@ -86,7 +90,7 @@ struct module* registry_add_module(const char* name, const char* area, const cha
     return module;
 }
 
-static struct buffer** slot_of(const void* data)
+static struct buffer** slot_of(const volatile void* data)
 {
     return &by_address[(uintptr_t)data / 4 % SLOTS];
 }
@@ -145,17 +149,18 @@ void registry_remove_module(struct module* module)
 void registry_zero_counters(void)
 {
     for (struct module* module = registry_modules; module != NULL; module = module->next) {
-        const enum width width = width_of_mode(module->mode);
         for (struct buffer* buffer = module->first; buffer != NULL; buffer = buffer->next) {
-            memset(buffer->data, 0, (size_t)size_of_array(width, buffer->points));
+            for (size_t i = 0; i < buffer->words; ++i) {
+                buffer->data[i] = 0;
+            }
         }
-        module->dumped_sum = 0;
+        module->image.has_dumped = 0;
     }
 }
 
-void registry_forget_files(void)
+void registry_forget_dumps(void)
 {
     for (struct module* module = registry_modules; module != NULL; module = module->next) {
-        module->file[0] = '\0';
+        module->image.is_counted = 0;
     }
 }

@@ -3,34 +3,35 @@
 #ifndef LLTCOV_REGISTRY_H
 #define LLTCOV_REGISTRY_H
 
+#include "image.h"
+
 #include <limits.h>
 #include <signal.h>
-
-/* How a counter array is laid out: COUNTERBYTES of the dump files. */
-enum width { WIDTH_BIT = 0, WIDTH_BYTE = 1, WIDTH_WORD = 4 };
 
 /* The counter array of one source. */
 struct buffer {
     struct buffer* next;      /* in the module */
     struct buffer* same_slot; /* in the table of addresses */
     char* name;               /* its name in the merged table */
-    void* data;               /* the array */
+    volatile uint64_t* data;  /* the array */
+    size_t words;             /* its counters */
+    size_t or_words;          /* those at its end, which two runs join by "or" */
     unsigned int index;       /* its number in the merged table */
-    unsigned int points;      /* number of probes */
 };
 
 /* A library or program that registered itself. */
 struct module {
     struct module* next;
     char* name;
-    char* area;                    /* work area */
-    char* root;                    /* where its dumps go */
-    char* project;                 /* null until it is known */
-    char* buid;                    /* likewise */
-    int mode;                      /* stub mode */
-    struct buffer *first, **last;  /* the arrays in order of registration */
-    unsigned long long dumped_sum; /* sum of all counts at the last dump, 0 before the first */
-    char file[PATH_MAX];           /* the dump file of this process, empty before the first */
+    char* area;                   /* work area */
+    char* root;                   /* where its dumps go */
+    char* project;                /* null until it is known */
+    char* buid;                   /* likewise */
+    char* test;                   /* name of the test that runs, or null */
+    int mode;                     /* stub mode */
+    int is_complete;              /* it will get no more arrays */
+    struct buffer *first, **last; /* the arrays in order of registration */
+    struct image image;           /* of its dump file */
 };
 
 /* Takes the lock; the signal mask to give back goes to `mask`. */
@@ -41,8 +42,9 @@ void registry_unlock(const sigset_t* mask);
 
 extern struct module* registry_modules;
 
-/* A new module at the end of the list, or null. */
-struct module* registry_add_module(const char* name, const char* area, const char* root, int mode);
+/* A new module at the end of the list, or null. `test` may be null. */
+struct module* registry_add_module(const char* name, const char* area, const char* root,
+                                   const char* test, int mode);
 
 /* Adds an array unless its address is known; 1, or 0 when there is no memory. */
 int registry_add_buffer(struct module* module, const struct buffer* buffer);
@@ -50,16 +52,13 @@ int registry_add_buffer(struct module* module, const struct buffer* buffer);
 /* Unlinks and frees the module. */
 void registry_remove_module(struct module* module);
 
-/* How the arrays of a stub mode are laid out. */
-enum width width_of_mode(int mode);
-
-/* Bytes of an array with so many probes. */
-unsigned long long size_of_array(enum width width, unsigned int points);
+/* Bytes of an array whose size is given in the unit of the stub mode. */
+unsigned long long size_of_array(int mode, unsigned int units);
 
 /* Sets every counter to zero. */
 void registry_zero_counters(void);
 
-/* The module has no dump file yet: for the child of a fork. */
-void registry_forget_files(void);
+/* Nothing of this process is in a dump file yet: for the child of a fork. */
+void registry_forget_dumps(void);
 
 #endif

@@ -1,5 +1,7 @@
 /* A test's output is compared with what is expected, so the runtime is silent; but counts that are
  * lost without a word would be reported as lines that did not run. */
+#define _FILE_OFFSET_BITS 64 /* large numbers of files on 32-bit machines */
+
 #include "report.h"
 
 #include "out.h"
@@ -54,7 +56,7 @@ void report_lost(const char* module, const char* root, int error)
         return;
     }
     is_reported = 1;
-    struct out out = {line, sizeof line, 0, STDERR_FILENO, 0};
+    struct out out = {line, sizeof line, 0};
     out_text(&out, "lltcov: coverage counts are lost: no dump file of ");
     out_name(&out, module);
     out_text(&out, " can be written in '");
@@ -64,5 +66,5 @@ void report_lost(const char* module, const char* root, int error)
     out_text(&out, " (error ");
     out_number(&out, (unsigned long long)error);
     out_text(&out, "); set LLTCOV_ROOT to a directory that the program can write\n");
-    out_flush(&out);
+    write_all(STDERR_FILENO, line, out.used < sizeof line ? out.used : sizeof line);
 }
