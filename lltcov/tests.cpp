@@ -31,9 +31,11 @@ Line line_of(const std::string& operand, const std::string& root)
 std::uint64_t count_of(const Coverage& coverage, const Line& line)
 {
     const auto source = coverage.find(line.first);
-    const auto count = source == coverage.end() ? decltype(source->second.lines.begin()){}
-                                                : source->second.lines.find(line.second);
-    return source == coverage.end() || count == source->second.lines.end() ? 0 : count->second;
+    if (source == coverage.end()) {
+        return 0;
+    }
+    const auto count = source->second.lines.find(line.second);
+    return count == source->second.lines.end() ? 0 : count->second;
 }
 
 int print_tests_of_line(const ProjectData& data, CoverageMaker& maker, const Line& line)
@@ -45,13 +47,15 @@ int print_tests_of_line(const ProjectData& data, CoverageMaker& maker, const Lin
         return 1;
     }
     Table table({"TEST", ">COUNT"});
+    bool is_reached = false;
     for (const std::string& test : data.tests) {
         const std::uint64_t count = count_of(maker.coverage_of_test(test, objects), line);
         if (count > 0) {
             table.add({test, std::to_string(count)});
+            is_reached = true;
         }
     }
-    table.print();
+    is_reached ? table.print() : warn("no test reaches '%s:%u'", line.first.c_str(), line.second);
     return 0;
 }
 
@@ -105,6 +109,8 @@ int run_tests(const Arguments& arguments)
     if (line.operands().size() > (line.has("--unique") ? 0U : 1U)) {
         throw UsageError("choose one line, or --unique");
     }
+    const bool has_line = !line.operands().empty();
+    const Line wanted = has_line ? line_of(line.operands()[0], project_root(line)) : Line();
     Findings findings;
     const ProjectData data = read_project_data(line, findings);
     if (data.tests.empty()) {
@@ -115,11 +121,9 @@ int run_tests(const Arguments& arguments)
         return 1;
     }
     CoverageMaker maker(data, Counting::lines, findings);
-    const int status =
-        !line.operands().empty()
-            ? print_tests_of_line(data, maker, line_of(line.operands()[0], data.root))
-        : line.has("--unique") ? print_unique(data, maker)
-                               : print_all(data, maker);
+    const int status = has_line               ? print_tests_of_line(data, maker, wanted)
+                       : line.has("--unique") ? print_unique(data, maker)
+                                              : print_all(data, maker);
     const bool is_written = finish_output();
     findings.print();
     return is_written && !findings.has_problems() ? status : 1;

@@ -64,11 +64,11 @@ rebuild() {
 }
 
 build > build.log 2>&1 || { cat build.log; exit 1; }
-expect_export 'before any run' 0 '0 of 11 lines hit (0.0 %), 0 of 3 functions, in 2 sources' \
+expect_export 'before any run' 0 '0 of 11 lines hit (0.0 %), 0 of 3 functions, 0 of 4 branches, in 2 sources' \
     'no run of this project'
 ./prog
 ./prog 1 2
-expect_export 'two runs' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, in 2 sources'
+expect_export 'two runs' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 branches, in 2 sources'
 expect 'tracefile' "$(sed "s|@|$work|" <<'INFO'
 TN:
 SF:@/lib.c
@@ -78,6 +78,10 @@ FNDA:0,never
 FNDA:4,twice
 FNF:2
 FNH:1
+BRDA:3,0,0,0
+BRDA:3,0,1,4
+BRF:2
+BRH:1
 DA:1,4
 DA:3,4
 DA:4,0
@@ -93,6 +97,10 @@ FN:2,main
 FNDA:2,main
 FNF:1
 FNH:1
+BRDA:5,0,0,4
+BRDA:5,0,1,2
+BRF:2
+BRH:2
 DA:2,2
 DA:4,2
 DA:5,6
@@ -112,44 +120,74 @@ if command -v xmllint > /dev/null; then
         "$(xmllint --nonet --xpath 'string(//class[1]/@filename)' report.xml)$(
             xmllint --nonet --xpath 'string(//class[2]/@filename)' report.xml)"
 fi
-expect 'status' 'liblib 1 1 3/6 50.0 1/2 50.0 2 liblib.a
-prog_exe 1 1 5/5 100.0 1/1 100.0 2 prog
-total 2 2 8/11 72.7 2/3 66.7 4' \
+expect 'status' 'liblib 1 1 3/6 50.0 1/2 50.0 1/2 50.0 2 liblib.a
+prog_exe 1 1 5/5 100.0 1/1 100.0 2/2 100.0 2 prog
+total 2 2 8/11 72.7 2/3 66.7 3/4 75.0 4' \
     "$(lltcov status | sed '1d; s/  */ /g; s/ [0-9-]* [0-9][0-9]:[0-9:]*//')"
 expect 'total in JSON' '"total": {"sources": 2, "symbols": 2, "lines": {"hit": 8, "total": 11},' \
     "$(lltcov status --json | sed -n 's/ "functions".*//; /"total": {"s/p')"
 
+if command -v lcov > /dev/null; then
+    lltcov export --gcda data
+    expect 'notes and data' 0 $?
+    lcov -q --capture -d data -o captured.info > lcov.log 2>&1
+    expect 'lcov reads them' "$(grep -E '^(SF|DA):' report.info)" \
+        "$(lcov -q -a captured.info -o - 2> lcov.log | grep -E '^(SF|DA):')"
+fi
+expect 'conditions are not there' '' "$(LLTCOV_COUNT=conditions lltcov status | grep CONDITIONS)"
+LLTCOV_COUNT=lines lltcov export --lcov > lines.info
+expect 'lines only' "$(grep -v ^BR report.info)" "$(cat lines.info)"
+lltcov tests > out 2> said
+expect 'no names of tests' '1 no run' "$? $(grep -o 'no run' said)"
+LLTCOV_TEST=one ./prog
+LLTCOV_TEST=two ./prog 1
+LLTCOV_TEST=two ./prog 1 2
+LLTCOV_TEST=huge ./prog $(seq 101)
+expect 'tests' 'huge 9/11 81.8 one 8/11 72.7 two 8/11 72.7' \
+    "$(lltcov tests | sed '1d; s/  */ /g' | paste -sd ' ')"
+expect 'tests of a line' 'huge 102 one 1 two 5' \
+    "$(lltcov tests lib.c:3 | sed '1d; s/  */ /g' | paste -sd ' ')"
+expect 'tests that alone reach a line' 'huge 1' \
+    "$(lltcov tests --unique | sed '1d; s/  */ /g')"
+expect 'no test' "lltcov: no test reaches '$work/lib.c:9'" "$(lltcov tests lib.c:9 2>&1 >out)"
+lltcov tests lib.c:2 > out 2> said
+expect 'no line' "1 no line that is counted" "$? $(grep -o 'no line that is counted' said)"
+lltcov export --lcov -o report.info 2> said
+expect 'by test' 'DA:1,4 DA:1,102 DA:1,1 DA:1,5' "$(grep ^DA:1, report.info | paste -sd ' ')"
+expect 'names of tests' 'TN: TN:huge TN:one TN:two' \
+    "$(grep ^TN: report.info | uniq | paste -sd ' ')"
+
 rebuild
 expect_export 'built again, nothing run' 1 \
-    '0 of 11 lines hit (0.0 %), 0 of 3 functions, in 2 sources' \
-    '2 dumps of liblib are of build .*: not counted .*lltcov clean, then run'
+    '0 of 11 lines hit (0.0 %), 0 of 3 functions, 0 of 4 branches, in 2 sources' \
+    '4 dumps of liblib are of build .*: not counted .*lltcov clean, then run'
 sed 's/^buid .*/buid older/' "$(echo llt_result/liblib.* | sed 's/ .*//')" >llt_result/liblib.1.older.0.lltcov
-expect_export 'dumps of two builds' 1 '0 of 11 lines hit (0.0 %), 0 of 3 functions, in 2 sources' \
-    "3 dumps of liblib are of several other builds, '.*liblib.a' is of build"
+expect_export 'dumps of two builds' 1 '0 of 11 lines hit (0.0 %), 0 of 3 functions, 0 of 4 branches, in 2 sources' \
+    "5 dumps of liblib are of several other builds, '.*liblib.a' is of build"
 rm llt_result/*
 ./prog
-expect_export 'and run' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, in 2 sources'
+expect_export 'and run' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 branches, in 2 sources'
 
 sed -i '1i\/* edited */' lib.c
-expect_export 'edited, not built' 1 '5 of 5 lines hit (100.0 %), 1 of 1 functions, in 1 sources' \
+expect_export 'edited, not built' 1 '5 of 5 lines hit (100.0 %), 1 of 1 functions, 2 of 2 branches, in 1 sources' \
     "lib.c' has changed since"
 rebuild
 rm llt_result/*
 ./prog
-expect_export 'edited and built' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, in 2 sources'
+expect_export 'edited and built' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 branches, in 2 sources'
 expect 'lines of the new text' 'DA:2,1 DA:4,1 DA:5,0 DA:6,1 DA:8,0 DA:10,0' \
-    "$(grep DA: report.info | grep -v FN | head -6 | paste -sd ' ')"
+    "$(grep ^DA: report.info | head -6 | paste -sd ' ')"
 
 rm -r prog_exe
-expect_export 'module removed' 1 '3 of 6 lines hit (50.0 %), 1 of 2 functions, in 1 sources' \
+expect_export 'module removed' 1 '3 of 6 lines hit (50.0 %), 1 of 2 functions, 1 of 2 branches, in 1 sources' \
     'where no module is left'
 rm llt_result/*
 head -c 300 build.log > llt_result/liblib.1.0.lltcov
-expect_export 'damaged dump' 1 '0 of 6 lines hit (0.0 %), 0 of 2 functions, in 1 sources' \
+expect_export 'damaged dump' 1 '0 of 6 lines hit (0.0 %), 0 of 2 functions, 0 of 2 branches, in 1 sources' \
     'liblib.1.0.lltcov:1: this is no dump file'
 
 for call in 'export' 'export --lcov --json' 'export --lcov extra' 'export --nonsense' \
-    'status extra' 'export --lcov --project /nonexistent'; do
+    'status extra' 'export --lcov --project /nonexistent' 'tests lib.c' 'tests --unique lib.c:1'; do
     # shellcheck disable=SC2086
     lltcov $call > out 2> said
     expect "lltcov $call" 2 $?

@@ -51,7 +51,7 @@ x86:large model     | $CC -O1 -mcmodel=large -c statements.c && $CC statements.o
 x86:vectors         | $CC -O3 -mavx2 -c statements.c && $CC statements.o -o prog && ./prog
 pipe                | $CC -pipe -O2 -c statements.c && $CC statements.o -o prog && ./prog
 saved temporaries   | $CC -save-temps -O2 -c statements.c && $CC statements.o -o prog && ./prog
-response file       | echo -O2 -g >args && $CC @args -c statements.c -o s.o && $CC s.o -o prog && ./prog
+response file       | echo -O2 -g statements.c -o s.o >args && $CC -c @args && $CC s.o -o prog && ./prog
 other folder        | mkdir out && cd out && $CC -O2 -c ../statements.c -o s.o && $CC s.o -o ../prog && ../prog
 without a suffix    | $CC -x c -c plain -o plain.o && $CC plain.o -o prog && ./prog
 link-time optimiser | $CC -O2 -flto -ffat-lto-objects -c statements.c && $CC -fno-lto statements.o -o prog && ./prog

@@ -156,6 +156,7 @@ int link_module(const LinkCommand& link, const LinkCoverage& coverage, const std
                                      "liblltcov_rt.a is not found, set LLTCOV_RUNTIME");
     }
     record_libraries(coverage.libraries);
+    restore_lost_records(link, coverage);
     std::string stub;
     if (!coverage.objects.empty()) {
         stub = make_stub(coverage.objects);
@@ -201,7 +202,6 @@ int drive_link(int argc, char** argv)
         link = compile_sources(call, link);
         coverage = find_coverage(link);
     }
-    restore_lost_records(link, coverage);
     return coverage.is_empty() ? become_program(link.words)
                                : link_module(link, coverage, call.name);
 }
