@@ -101,12 +101,15 @@ add_up() {
         }' | LC_ALL=C sort
 }
 
-# differing GCOV AGAIN LLTCOV: compares two files of verdicts, shows the rows that differ and closes
-# with a summary; fails when there are any, or nothing to compare. AGAIN: what gcov says of a second
-# run of the same build; what is not the same in both is left out.
+# differing GCOV LLTCOV [AGAIN...]: compares two files of verdicts, shows the rows that differ and
+# closes with a summary; fails when there are any, or nothing to compare. AGAIN: what gcov says of
+# other runs; what is not the same in all of them is left out.
 differing() {
-    LC_ALL=C comm -3 "$1" "$2" | sed 's/^\t//' | cut -f 1-3 | sort -u >"$1.unstable"
-    awk -F '\t' -v unstable="$1.unstable" -v gcov="$1" '
+    local again unstable=$1.unstable
+    for again in "${@:3}"; do
+        LC_ALL=C comm -3 "$1" "$again" | sed 's/^\t//' | cut -f 1-3
+    done >"$unstable"
+    awk -F '\t' -v unstable="$unstable" -v gcov="$1" '
         function key() { return $1 FS $2 FS $3 }
         FILENAME == unstable { left_out[key()]; next }
         key() in left_out { next }
@@ -120,7 +123,7 @@ differing() {
             for (each in left_out) { unsteady++ }
             printf "%d lines, %d functions, %d branches: %d rows differ", kind["line"],
                 kind["function"], kind["branches"], differ
-            print unsteady ? "; left out, as two runs differ: " unsteady : ""
+            print unsteady ? "; left out, as runs with gcov differ: " unsteady : ""
             exit differ > 0 || kind["line"] == 0
-        }' "$1.unstable" "$1" "$3"
+        }' "$unstable" "$1" "$2"
 }
