@@ -47,7 +47,7 @@ bool AsmLine::is_string() const
 
 bool AsmLine::is_attribute() const
 {
-    return is_one_of(word, {".type", ".size", ".hidden", ".weak", ".globl", ".local"});
+    return is_one_of(word, {".type", ".size", ".hidden", ".weak", ".globl", ".local", ".addrsig_sym"});
 }
 
 AsmLine line_at(std::string_view text, std::size_t start)

@@ -207,15 +207,13 @@ private:
     /// A slot of the table of addresses has one symbol: "name+24" there is another address.
     static void check_use(const AsmLine& line, std::size_t at, std::size_t size)
     {
-        const std::string_view before = line.whole.substr(0, at);
         const std::string_view after = line.whole.substr(at + size);
-        const auto ends_with = [&](std::string_view end) {
-            return before.size() >= end.size() && before.substr(before.size() - end.size()) == end;
-        };
-        const bool is_slot = (begins_with(after, "@GOT") && !begins_with(after, "@GOTOFF")) ||
-                             begins_with(after, "@got") || ends_with(":got:") ||
-                             ends_with("%got(") || ends_with("%got_disp(");
-        if (is_slot) {
+        std::string_view before = line.whole.substr(0, at); // ends in ":got:" or "%got("
+        before.remove_suffix(before.empty() ? 0 : 1);
+        before = before.substr(before.find_last_of(":% \t") + 1); // npos + 1 is 0
+        if ((begins_with(after, "@GOT") && !begins_with(after, "@GOTOFF")) ||
+            begins_with(after, "@got") || begins_with(after, "(GOT") ||
+            begins_with(before, "got")) {
             refuse(line.whole);
         }
     }
