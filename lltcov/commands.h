@@ -13,11 +13,15 @@ int run_explain(const Arguments& arguments);
 /// Prints what is missing or odd, each with its cure; 1 when it found something.
 int run_doctor(const Arguments& arguments);
 
-/// Writes the coverage of all runs as lcov tracefile, JSON or Cobertura XML.
+/// Writes the coverage of all runs as lcov tracefile, JSON or Cobertura XML, or as the files that
+/// gcov reads.
 int run_export(const Arguments& arguments);
 
 /// Prints the modules of the project with their hit rates.
 int run_status(const Arguments& arguments);
+
+/// Prints which tests reach a line, which alone reach one, or all of them.
+int run_tests(const Arguments& arguments);
 
 /// Removes the counts of all runs, or everything that the wrapped build left.
 int run_clean(const Arguments& arguments);

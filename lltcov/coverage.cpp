@@ -1,49 +1,80 @@
-// A line of one function runs if any of its pieces does, so that its largest probe counts. Another
-// function that holds the line, an instance of a template, the caller of inlined code, or the same
-// function of another object, has a copy of its own, whose count is added.
+// A function that several objects hold, as inline functions and templates are, has the same lines
+// and branches in each, so that they add up one by one.
 #include "lltcov/coverage.h"
 
 #include <algorithm>
 
-void add_run(std::vector<std::uint64_t>& counts, const DumpedSource& source)
+namespace
 {
-    auto place = counts.begin();
-    for (const CountRun& run : source.runs) {
-        for (const auto end = place + run.times; place != end; ++place) {
-            *place = sum_of_counts(*place, run.count);
+
+/// Joins the elements of two lists by their places.
+template <typename Element, typename Join>
+void join_lists(std::vector<Element>& sum, const std::vector<Element>& list, Join join)
+{
+    const std::size_t common = std::min(sum.size(), list.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        join(sum[i], list[i]);
+    }
+    sum.insert(sum.end(), list.begin() + static_cast<std::ptrdiff_t>(common), list.end());
+}
+
+void add_branch(Branch& sum, const Branch& branch)
+{
+    sum.count = sum_of_counts(sum.count, branch.count);
+}
+
+void add_condition(Condition& sum, const Condition& condition)
+{
+    join_lists(sum.terms, condition.terms, [](auto& a, const auto& b) {
+        a.first = a.first || b.first;
+        a.second = a.second || b.second;
+    });
+}
+
+} // namespace
+
+void join_counters(Counters& sum, const Counters& run, std::size_t or_words)
+{
+    sum.resize(std::max(sum.size(), run.size()));
+    for (std::size_t i = 0; i < run.size(); ++i) {
+        sum[i] = i + or_words < run.size() ? sum_of_counts(sum[i], run[i]) : sum[i] | run[i];
+    }
+}
+
+void add_block(LineBlock& sum, const LineBlock& block)
+{
+    sum.count = sum_of_counts(sum.count, block.count);
+    join_lists(sum.branches, block.branches, add_branch);
+    join_lists(sum.conditions, block.conditions, add_condition);
+}
+
+void add_source(SourceCoverage& sum, const SourceCoverage& source)
+{
+    for (const auto& [line, count] : source.lines) {
+        std::uint64_t& total = sum.lines[line];
+        total = sum_of_counts(total, count);
+    }
+    for (const auto& [name, function] : source.functions) {
+        FunctionCoverage& total = sum.functions[name];
+        total.line = total.line == 0 ? function.line : std::min(total.line, function.line);
+        total.count = sum_of_counts(total.count, function.count);
+    }
+    for (const auto& [line, blocks] : source.blocks) {
+        auto& of_line = sum.blocks[line];
+        for (const auto& [name, block] : blocks) {
+            add_block(of_line[name], block);
         }
     }
 }
 
-void add_object(Coverage& coverage, const ProbeMap& map, const std::vector<std::uint64_t>& counts,
-                const std::vector<bool>& shown)
+Rate rate_of(const Condition& condition)
 {
-    std::vector<SourceCoverage*> sources; // by path; null where left out
-    for (std::size_t path = 0; path < map.paths.size(); ++path) {
-        sources.push_back(shown[path] ? &coverage[map.paths[path]] : nullptr);
+    Rate rate;
+    for (const auto& [is_true, is_false] : condition.terms) {
+        rate.add(is_true ? 1 : 0);
+        rate.add(is_false ? 1 : 0);
     }
-    const auto end = map.lines.end();
-    for (auto at = map.lines.begin(); at != end;) {
-        const MappedLine& first = *at;
-        std::uint64_t largest = 0;
-        for (; at != end && at->path == first.path && at->line == first.line &&
-               at->function == first.function;
-             ++at) {
-            largest = std::max(largest, counts[at->probe]);
-        }
-        if (sources[first.path] != nullptr) {
-            std::uint64_t& sum = sources[first.path]->lines[first.line];
-            sum = sum_of_counts(sum, largest);
-        }
-    }
-    for (const MappedFunction& mapped : map.functions) {
-        if (sources[mapped.path] != nullptr) {
-            FunctionCoverage& function = sources[mapped.path]->functions[mapped.symbol];
-            function.line = function.line == 0 ? mapped.line : std::min(function.line, mapped.line);
-            function.count =
-                sum_of_counts(function.count, mapped.has_probe ? counts[mapped.probe] : 0);
-        }
-    }
+    return rate;
 }
 
 Rates rates_of(const SourceCoverage& source)
@@ -55,6 +86,16 @@ Rates rates_of(const SourceCoverage& source)
     for (const auto& function : source.functions) {
         rates.functions.add(function.second.count);
     }
+    for (const auto& line : source.blocks) {
+        for (const auto& block : line.second) {
+            for (const Branch& branch : block.second.branches) {
+                rates.branches.add(branch.count);
+            }
+            for (const Condition& condition : block.second.conditions) {
+                rates.conditions.add(rate_of(condition));
+            }
+        }
+    }
     return rates;
 }
 
@@ -63,10 +104,9 @@ Rates rates_of(const Coverage& coverage)
     Rates sum;
     for (const auto& source : coverage) {
         const Rates rates = rates_of(source.second);
-        sum.lines.hit += rates.lines.hit;
-        sum.lines.total += rates.lines.total;
-        sum.functions.hit += rates.functions.hit;
-        sum.functions.total += rates.functions.total;
+        for (const RateName& name : RATE_NAMES) {
+            (sum.*name.rate).add(rates.*name.rate);
+        }
     }
     return sum;
 }

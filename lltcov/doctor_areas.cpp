@@ -99,14 +99,13 @@ void check_symbol(const std::string& symbol, Findings& findings)
 
 void check_sources(Examined& examined, Findings& findings)
 {
-    CoverageMaker(examined.data, SystemHeaders::left_out, findings)
-        .coverage_of(all_objects(examined.data));
+    CoverageMaker(examined.data, Counting::lines, findings).coverage_of(all_objects(examined.data));
 }
 
 void check_objects(Examined& examined, Findings& findings)
 {
     for (const InstrumentedObject& object : examined.data.objects) {
-        const std::string& path = object.map.object;
+        const std::string& path = object.record.object;
         ScannedObject scanned;
         if (!scan_object(path, scanned)) {
             findings.add("objects that are gone",
@@ -148,7 +147,7 @@ void check_names(Examined& examined, Findings& findings)
     }
     for (const InstrumentedObject& object : examined.data.objects) {
         check_symbol(object.symbol, findings);
-        for (const std::string& path : {object.map.source, object.map.object}) {
+        for (const std::string& path : {object.record.source, object.record.object}) {
             if (path.size() > MAX_PATH_IN_RECORD) {
                 findings.add("long paths", "'" + path +
                                                "' has more than 259 bytes: archive steps "

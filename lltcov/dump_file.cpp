@@ -1,71 +1,67 @@
-// Counts are believed only when they fit the width of their counters and the number of probes.
-// Runs of equal counts stay runs, so that a few bytes cannot ask for gigabytes.
+// Lines that say what follows, then words in the byte order of the program that counted.
 #include "lltcov/dump_file.h"
 
 #include "commonfunc/text_lines.h"
 
+#include <cstring>
+
 namespace
 {
 
-/// The largest count by COUNTERBYTES.
-std::uint64_t largest_count(const TextLines& lines, std::string_view counter_bytes)
-{
-    const std::uint64_t bytes = lines.number_of(counter_bytes, "counter width", 4);
-    if (bytes != 0 && bytes != 1 && bytes != 4) {
-        lines.fail("counters of " + std::to_string(bytes) + " bytes are not known");
-    }
-    return bytes == 4 ? UINT32_MAX : bytes == 1 ? UINT8_MAX : 1;
-}
+constexpr std::uint64_t MAX_BYTES = 1U << 30; ///< of one source
 
-void read_counts(TextLines& lines, std::uint64_t largest, DumpedSource& source)
+/// file INDEX SYMBOLFILE BYTES: the source, and in `bytes` the size of its array.
+DumpedSource read_source(TextLines& lines, std::uint64_t& bytes)
 {
-    std::uint64_t probes = 0;
-    for (std::string_view word = lines.word(); !word.empty(); word = lines.word()) {
-        const bool is_run = word.find('*') != word.npos;
-        const std::string_view count = split_off(word, '*');
-        const std::uint64_t times = is_run ? lines.number_of(word, "number", MAX_PROBES) : 1;
-        probes += times;
-        source.runs.push_back(
-            {lines.number_of(count, "count", largest), static_cast<std::uint32_t>(times)});
-    }
-    if (probes != source.probes || !lines.rest_of_line().empty()) {
-        lines.fail("there are not " + std::to_string(source.probes) + " counts");
-    }
-}
-
-/// file INDEX SYMBOL.EXTENSION PROBES COUNTERBYTES, and the counts in the next line.
-DumpedSource read_source(TextLines& lines)
-{
-    DumpedSource source;
     lines.number("index", INT32_MAX);
-    std::string_view fields = lines.rest_of_line();
-    const std::size_t width_at = fields.rfind(' ');
-    const std::size_t probes_at = width_at == 0 ? fields.npos : fields.rfind(' ', width_at - 1);
-    if (width_at == fields.npos || probes_at == fields.npos) {
-        lines.fail("a name and two numbers are missing");
+    const std::string_view fields = lines.rest_of_line();
+    const std::size_t at = fields.rfind(' ');
+    if (at == fields.npos) {
+        lines.fail("a name and a number are missing");
     }
-    const std::string_view name = fields.substr(0, probes_at);
-    source.symbol = name.substr(0, name.rfind('.'));
-    const std::string_view probes = fields.substr(probes_at + 1, width_at - probes_at - 1);
-    source.probes =
-        static_cast<std::uint32_t>(lines.number_of(probes, "number of probes", MAX_PROBES));
-    const std::uint64_t largest = largest_count(lines, fields.substr(width_at + 1));
-    if (!lines.next()) {
-        lines.fail("the counts are missing behind this line");
+    bytes = lines.number_of(fields.substr(at + 1), "size", MAX_BYTES);
+    if (bytes % 8 != 0) {
+        lines.fail("the array does not hold whole counters");
     }
-    read_counts(lines, largest, source);
-    return source;
+    const std::string_view name = fields.substr(0, at);
+    return {name.substr(0, name.rfind('.')), {}};
+}
+
+std::uint64_t word_at(std::string_view bytes, std::size_t at, bool is_swapped)
+{
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes.data() + at, sizeof word);
+    return is_swapped ? __builtin_bswap64(word) : word;
+}
+
+/// Takes the words behind the header, whose size is given and known to be there.
+void read_words(Dump& dump, std::string_view bytes, const std::vector<std::uint64_t>& sizes,
+                bool is_swapped)
+{
+    dump.runs = word_at(bytes, 0, is_swapped);
+    std::size_t at = 8;
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+        for (const std::size_t end = at + sizes[i]; at < end; at += 8) {
+            dump.sources[i].counters.push_back(word_at(bytes, at, is_swapped));
+        }
+    }
 }
 
 } // namespace
 
-Dump read_dump(std::string_view text)
+Dump read_dump(std::string_view bytes)
 {
     Dump dump;
-    TextLines lines(text);
-    if (!lines.next() || lines.rest_of_line() != "lltcov 1") {
-        throw FormatError(1, "this is no dump file of format 1");
+    if (bytes.empty()) {
+        return dump;
     }
+    TextLines lines(bytes);
+    if (!lines.next() || lines.rest_of_line() != "lltcov 2") {
+        throw FormatError(1, "this is no dump file of format 2");
+    }
+    bool is_swapped = false;
+    std::uint64_t total = 8;
+    std::vector<std::uint64_t> sizes;
     while (lines.next()) {
         const std::string_view key = lines.word();
         if (key == "module") {
@@ -74,15 +70,22 @@ Dump read_dump(std::string_view text)
             dump.buid = lines.rest_of_line();
         } else if (key == "area") {
             dump.area = lines.rest_of_line();
+        } else if (key == "test") {
+            dump.test = lines.rest_of_line();
+        } else if (key == "order") {
+            is_swapped =
+                (lines.rest_of_line() == "big") != (__BYTE_ORDER__ == __ORDER_BIG_ENDIAN__);
         } else if (key == "file") {
-            dump.sources.push_back(read_source(lines));
-        } else if (key == "end") {
-            if (lines.next()) {
-                lines.fail("there is more behind the end");
+            dump.sources.push_back(read_source(lines, sizes.emplace_back()));
+            total += sizes.back();
+        } else if (key == "counts") {
+            if (lines.number("size", UINT64_MAX) != total || lines.rest_of_text().size() != total) {
+                lines.fail("there are not " + std::to_string(total) + " bytes of counts");
             }
             if (dump.area.empty()) {
                 lines.fail("the file names no work area");
             }
+            read_words(dump, lines.rest_of_text(), sizes, is_swapped);
             return dump;
         }
     }

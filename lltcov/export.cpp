@@ -4,6 +4,7 @@
 #include "commonfunc/Caddis_func.h"
 #include "lltcov/command_line.h"
 #include "lltcov/console.h"
+#include "lltcov/data_files.h"
 #include "lltcov/project_data.h"
 #include "lltcov/report_formats.h"
 #include "lltcov/shown_sources.h"
@@ -15,11 +16,14 @@ namespace
 
 struct Format {
     const char* option;
-    std::string (*text)(const Report& report);
+    std::string (*text)(const Report& report); ///< null where no text is made
+    bool has_tests;                            ///< shows the tests one by one
 };
 
-constexpr Format FORMATS[] = {
-    {"--lcov", as_lcov}, {"--json", as_json}, {"--cobertura", as_cobertura}};
+constexpr Format FORMATS[] = {{"--lcov", as_lcov, true},
+                              {"--json", as_json, false},
+                              {"--cobertura", as_cobertura, false},
+                              {"--gcda", nullptr, false}};
 
 const Format& chosen_format(const CommandLine& line)
 {
@@ -38,13 +42,36 @@ const Format& chosen_format(const CommandLine& line)
     return *chosen;
 }
 
-std::string summary(const Coverage& coverage)
+std::string of(const Rate& rate)
 {
-    const Rates rates = rates_of(coverage);
-    return std::to_string(rates.lines.hit) + " of " + std::to_string(rates.lines.total) +
-           " lines hit (" + percent(rates.lines) + " %), " + std::to_string(rates.functions.hit) +
-           " of " + std::to_string(rates.functions.total) + " functions, in " +
-           std::to_string(coverage.size()) + " sources";
+    return std::to_string(rate.hit) + " of " + std::to_string(rate.total) + " ";
+}
+
+std::string summary(const Report& report)
+{
+    const Rates rates = rates_of(report.coverage);
+    std::string text = of(rates.lines) + "lines hit (" + percent(rates.lines) + " %)";
+    for (const RateName& name : RATE_NAMES) {
+        if (name.rate != &Rates::lines && is_shown(name, rates, report.counting)) {
+            text += ", " + of(rates.*name.rate) + name.name;
+        }
+    }
+    return text + ", in " + std::to_string(report.coverage.size()) + " sources";
+}
+
+Report report_of(const ProjectData& data, const Format& format, Counting counting,
+                 Findings& findings)
+{
+    CoverageMaker maker(data, counting, findings);
+    const std::vector<std::size_t> all = all_objects(data);
+    Report report{data.root, counting, maker.coverage_of(all), {}};
+    if (format.has_tests && !data.tests.empty()) {
+        report.tests.emplace_back("", maker.coverage_of_test("", all));
+        for (const std::string& test : data.tests) {
+            report.tests.emplace_back(test, maker.coverage_of_test(test, all));
+        }
+    }
+    return report;
 }
 
 bool write_report(const CommandLine& line, const std::string& text)
@@ -61,24 +88,27 @@ bool write_report(const CommandLine& line, const std::string& text)
 
 int run_export(const Arguments& arguments)
 {
-    const CommandLine line(arguments, {"--lcov", "--json", "--cobertura", "--include-system"},
-                           {"-o", "--project"});
+    const CommandLine line(arguments, {"--lcov", "--json", "--cobertura"},
+                           {"-o", "--gcda", "--project"});
     line.refuse_operands(" The report's file goes behind -o");
     const Format& format = chosen_format(line);
+    const Counting counting = wanted_counting();
     Findings findings;
     const ProjectData data = read_project_data(line, findings);
     if (data.modules.empty()) {
         findings.print();
         return 1;
     }
-    const auto headers =
-        line.has("--include-system") ? SystemHeaders::shown : SystemHeaders::left_out;
-    CoverageMaker maker(data, headers, findings);
-    const Report report{data.root, maker.coverage_of(all_objects(data))};
+    if (format.text == nullptr) {
+        write_data_files(data, line.value(format.option), findings);
+        findings.print();
+        return findings.has_problems() ? 1 : 0;
+    }
+    const Report report = report_of(data, format, counting, findings);
     findings.print();
     const bool is_written = write_report(line, format.text(report));
     if (is_written && line.has("-o")) {
-        warn("%s: %s", line.value("-o").c_str(), summary(report.coverage).c_str());
+        warn("%s: %s", line.value("-o").c_str(), summary(report).c_str());
     }
     return is_written && !findings.has_problems() ? 0 : 1;
 }

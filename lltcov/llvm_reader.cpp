@@ -81,7 +81,7 @@ private:
         }
         std::string arguments;
         for (const ObjectReading* object : part.objects) {
-            arguments += (arguments.empty() ? "" : "-object\n") + quoted(object->object_file);
+            arguments += (arguments.empty() ? "" : "-object\n") + quoted(object->file);
         }
         folder_.write(part.name + ".objects", arguments);
         folder_.write(part.name + ".proftext", profile_text(part.objects));

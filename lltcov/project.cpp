@@ -53,6 +53,21 @@ std::string dump_root(const std::string& root)
     return root + "/llt_result";
 }
 
+Counting wanted_counting()
+{
+    const std::string text = env_text("LLTCOV_COUNT");
+    if (text == "lines") {
+        return Counting::lines;
+    }
+    if (text == "conditions") {
+        return Counting::conditions;
+    }
+    if (!text.empty() && text != "branches") {
+        throw UsageError("LLTCOV_COUNT is '" + text + "'; it is lines, branches or conditions");
+    }
+    return Counting::branches;
+}
+
 bool is_dump(const std::string& name)
 {
     const std::size_t dot = name.rfind('.');

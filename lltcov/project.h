@@ -2,6 +2,7 @@
 #pragma once
 
 #include "lltcov/command_line.h"
+#include "lltcov/coverage.h"
 
 #include <string>
 #include <vector>
@@ -26,6 +27,10 @@ std::string temporary_area(const std::string& root);
 /// Where the tested programs write their counts: "LLTCOV_ROOT", else "lltcovRootpath", else
 /// ROOT/llt_result.
 std::string dump_root(const std::string& root);
+
+/// What reports show, of "LLTCOV_COUNT": "lines", "branches" (also when it is not set or empty) or
+/// "conditions". Throws `UsageError` for anything else.
+Counting wanted_counting();
 
 /// True for the name of a dump file.
 bool is_dump(const std::string& name);

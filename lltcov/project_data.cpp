@@ -1,10 +1,10 @@
-// The module's merged table says which symbols belong to its last build; the probe map of each is
-// in the numbered copy that the step took, else where the compiler driver left it.
+// The module's merged table says which symbols belong to its last build; the record of each is in
+// the numbered copy that the step took, else where the compiler driver left it.
 #include "lltcov/project_data.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "lltcov/linked_libraries.h"
 #include "commonfunc/text_lines.h"
+#include "lltcov/linked_libraries.h"
 #include "lltld/source_tab.h"
 
 #include <algorithm>
@@ -177,45 +177,51 @@ private:
     {
         const std::string left = temporary_area(data_.root) + "/db/db" + symbol;
         const std::string copy = module.area + "/db/db" + std::to_string(record.fileid);
-        const std::vector<_SOURCEFILE_OBJECT> own = read_tab(left + "/.tab");
-        const std::vector<_SOURCEFILE_OBJECT> copied = read_tab(copy + "/.tab");
-        const bool has_copy = !copied.empty() && symbol_of(copied[0]) == symbol;
-        const std::string path = (has_copy ? copy : left) + "/probes.txt";
         InstrumentedObject object;
         object.symbol = symbol;
         object.area = module.area;
+        std::string path = copy + "/record";
+        if (!read_record(path, object)) {
+            path = left + "/record";
+            if (!read_record(path, object)) {
+                findings_.add(DAMAGED, "'" + path + "' is missing or damaged: the source of '" +
+                                           symbol + "' is left out" + REBUILD);
+                return std::nullopt;
+            }
+        }
+        object.file = module.area + "/obj/before/" + symbol;
+        if (QMRFileExists(object.file.c_str()) == 0) {
+            object.file = temporary_area(data_.root) + "/obj/before/" + symbol;
+        }
         // A source that was touched and compiled again has the same symbol and a newer record.
-        if (!own.empty() || has_copy) {
-            object.source_size = own.empty() ? copied[0].size : own[0].size;
-            object.source_mtime = own.empty() ? copied[0].mtime : own[0].mtime;
+        std::vector<_SOURCEFILE_OBJECT> own = read_tab(left + "/.tab");
+        const timespec compiled = time_of(own.empty() ? object.record.object : left + "/.tab");
+        object.compiled = compiled.tv_sec == 0 ? time_of(path) : compiled;
+        own = own.empty() ? read_tab(copy + "/.tab") : own;
+        if (!own.empty() && symbol_of(own[0]) == symbol) {
+            object.source_size = own[0].size;
+            object.source_mtime = own[0].mtime;
         }
-        std::string text;
-        if (record.instnum < 0 || record.instnum > static_cast<std::int32_t>(MAX_PROBES)) {
-            findings_.add(DAMAGED, "'" + module.area + "/db/.tab' gives '" + symbol + "' " +
-                                       std::to_string(record.instnum) + " probes" + REBUILD);
-        } else if (read_whole_file(path, text) != Reading::done) {
-            findings_.add(DAMAGED, "'" + path + "' cannot be read: the source of '" + symbol +
-                                       "' is left out" + REBUILD);
-        } else if (read_map(text, path, static_cast<std::uint32_t>(record.instnum), object)) {
-            object.compiled = time_of(own.empty() ? object.map.object : left + "/.tab");
-            object.compiled = object.compiled.tv_sec == 0 ? time_of(path) : object.compiled;
-            return object;
-        }
-        return std::nullopt;
+        return object;
     }
 
-    bool read_map(const std::string& text, const std::string& path, std::uint32_t probes,
-                  InstrumentedObject& object)
+    /// True when the file holds the record of the object's symbol; a damaged one is a finding.
+    bool read_record(const std::string& path, InstrumentedObject& object)
     {
+        std::string bytes;
+        read_whole_file(path, bytes);
         try {
-            object.map = read_probe_map(text, probes);
+            for (Record& record : read_records(bytes)) {
+                if (record.symbol == object.symbol) {
+                    object.record = std::move(record);
+                    return true;
+                }
+            }
         } catch (const FormatError& error) {
             findings_.add(DAMAGED,
                           path + ":" + std::to_string(error.line) + ": " + error.what() + REBUILD);
-            return false;
         }
-        object.counts.resize(probes);
-        return true;
+        return false;
     }
 
     ProjectData& data_;
@@ -237,6 +243,17 @@ ProjectData read_modules(const std::string& root, Findings& findings)
     }
     reader.read_displaced();
     return data;
+}
+
+RunCounters all_runs(const InstrumentedObject& object)
+{
+    RunCounters all;
+    all.counters.resize(object.record.array_bytes / 8);
+    for (const auto& [test, runs] : object.runs) {
+        join_counters(all.counters, runs.counters, object.record.or_bytes / 8);
+        all.runs += runs.runs;
+    }
+    return all;
 }
 
 std::vector<std::size_t> all_objects(const ProjectData& data)

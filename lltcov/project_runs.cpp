@@ -1,9 +1,11 @@
 // A dump belongs to the module whose work area it names. It counts only for the build that it was
-// made by: the next archive step or link has another build id, and its probes may mean other lines.
+// made by: the next archive step or link has another build id, and its counters may mean other
+// lines.
 #include "lltcov/project_data.h"
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/text_lines.h"
+#include "lltcov/dump_file.h"
 
 #include <algorithm>
 #include <map>
@@ -28,8 +30,12 @@ public:
     void read(const std::string& path)
     {
         std::string text;
-        if (read_whole_file(path, text) != Reading::done) {
-            findings_.add("damaged dumps", "'" + path + "' cannot be read or is empty" + AGAIN);
+        const Reading reading = read_whole_file(path, text);
+        if (reading == Reading::empty) {
+            return; // its program was killed before it had written anything
+        }
+        if (reading != Reading::done) {
+            findings_.add("damaged dumps", "'" + path + "' cannot be read" + AGAIN);
             return;
         }
         try {
@@ -64,9 +70,9 @@ public:
                           std::to_string(dumps) + " dumps of '" + area +
                               "', where no module is left: not counted; lltcov clean --gone");
         }
-        const auto has_dumps = [](const ModuleData& module) { return module.dumps > 0; };
+        const auto has_runs = [](const ModuleData& module) { return module.runs > 0; };
         if (!findings_.has_problems() &&
-            std::none_of(data_.modules.begin(), data_.modules.end(), has_dumps)) {
+            std::none_of(data_.modules.begin(), data_.modules.end(), has_runs)) {
             findings_.note("runs",
                            "no run of this project has left counts in '" + directory +
                                "' (dumps of other projects there: " + std::to_string(foreign_) +
@@ -126,11 +132,12 @@ private:
                      "'" + path + "' counts '" + std::string(source.symbol) + "', which " +
                          module.module.name +
                          " has no record of: left out; build and run it again");
-            } else if (data_.objects[object->second].counts.size() != source.probes) {
+            } else if (data_.objects[object->second].record.array_bytes !=
+                       source.counters.size() * 8) {
                 findings_.add("damaged dumps", "'" + path + "' gives '" +
                                                    std::string(source.symbol) + "' " +
-                                                   std::to_string(source.probes) +
-                                                   " probes, its record another number" + AGAIN);
+                                                   std::to_string(source.counters.size()) +
+                                                   " counters, its record another number" + AGAIN);
                 return;
             } else {
                 additions.emplace_back(&data_.objects[object->second], &source);
@@ -142,10 +149,16 @@ private:
             findings_.add("damaged dumps", "'" + path + "' holds a source twice" + AGAIN);
             return;
         }
+        const std::string test(dump.test);
         for (const auto& [object, source] : additions) {
-            add_run(object->counts, *source);
+            RunCounters& sum = object->runs[test];
+            join_counters(sum.counters, source->counters, object->record.or_bytes / 8);
+            sum.runs += dump.runs;
         }
-        ++module.dumps;
+        module.runs += dump.runs;
+        if (!test.empty()) {
+            data_.tests.insert(test);
+        }
     }
 
     ProjectData& data_;

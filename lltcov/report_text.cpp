@@ -78,6 +78,18 @@ std::string json_rate(const Rate& rate)
            "}";
 }
 
+std::string json_rates(const Rates& rates, const Rates& all, Counting counting)
+{
+    std::string out;
+    for (const RateName& name : RATE_NAMES) {
+        if (is_shown(name, all, counting)) {
+            out += (out.empty() ? "\"" : ", \"") + std::string(name.name) +
+                   "\": " + json_rate(rates.*name.rate);
+        }
+    }
+    return out;
+}
+
 std::string xml_text(const std::string& text)
 {
     return converted(text, [](char c) -> std::string {

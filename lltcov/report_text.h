@@ -11,6 +11,10 @@ std::string json_string(const std::string& text);
 /// `{"hit": HIT, "total": TOTAL}`
 std::string json_rate(const Rate& rate);
 
+/// `"NAME": RATE` of each rate that the report shows, separated by ", "; `all` are those of the
+/// whole report.
+std::string json_rates(const Rates& rates, const Rates& all, Counting counting);
+
 /// The text as content or attribute value of XML 1.0.
 std::string xml_text(const std::string& text);
 

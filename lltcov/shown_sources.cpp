@@ -1,11 +1,22 @@
-// The source's record holds size and time of the text that was compiled. Headers have no record:
-// one that is newer than the compilation counts as changed.
+// Objects of clang are read one by one to know their sources, and those of which all is shown once
+// more together. The source's record holds size and time of the text that was compiled. Headers
+// have no record: one that is newer than the compilation counts as changed.
 #include "lltcov/shown_sources.h"
 
 #include "commonfunc/text.h"
+#include "lltcov/gcov_reader.h"
+#include "lltcov/llvm_reader.h"
+
+#include <algorithm>
 
 namespace
 {
+
+bool has_run(const Counters& counters)
+{
+    return std::any_of(counters.begin(), counters.end(),
+                       [](std::uint64_t count) { return count > 0; });
+}
 
 bool is_newer(const timespec& a, const timespec& b)
 {
@@ -15,7 +26,7 @@ bool is_newer(const timespec& a, const timespec& b)
 bool has_changed(const InstrumentedObject& object, const std::string& path,
                  const struct stat& state)
 {
-    if (path == object.map.source && object.source_mtime != 0) {
+    if (path == object.record.source && object.source_mtime != 0) {
         return static_cast<std::uint32_t>(state.st_size) != object.source_size ||
                static_cast<std::uint32_t>(state.st_mtime) != object.source_mtime;
     }
@@ -32,28 +43,152 @@ bool is_system_header(const std::string& path)
 
 Coverage CoverageMaker::coverage_of(const std::vector<std::size_t>& objects)
 {
-    Coverage coverage;
+    read_totals(objects);
+    std::vector<Share> shares;
+    for (const std::size_t index : objects) {
+        shares.push_back(total_of(index));
+    }
+    return sum_of(shares);
+}
+
+Coverage CoverageMaker::coverage_of_test(const std::string& test,
+                                         const std::vector<std::size_t>& objects)
+{
+    std::vector<std::size_t> known; // all runs of these are of this test
+    std::vector<std::size_t> others;
+    std::vector<ObjectReading> readings;
     for (const std::size_t index : objects) {
         const InstrumentedObject& object = data_.objects[index];
-        std::vector<bool> shown;
-        for (const std::string& path : object.map.paths) {
-            shown.push_back(is_shown(object, path));
+        const auto runs = object.runs.find(test);
+        const bool has_runs = runs != object.runs.end();
+        if (!test.empty() && !(has_runs && has_run(runs->second.counters))) {
+            continue;
         }
-        add_object(coverage, object.map, object.counts, shown);
+        if (object.runs.size() == (has_runs ? 1U : 0U)) {
+            known.push_back(index);
+            continue;
+        }
+        others.push_back(index);
+        readings.push_back(reading_of(index, has_runs ? runs->second.counters
+                                                      : Counters(object.record.array_bytes / 8)));
     }
-    return coverage;
+    read_totals(known);
+    read(readings);
+    std::vector<Share> shares;
+    for (const std::size_t index : known) {
+        shares.push_back(total_of(index));
+    }
+    for (std::size_t i = 0; i < others.size(); ++i) {
+        shares.push_back({others[i], &readings[i].coverage, readings[i].counters});
+    }
+    return sum_of(shares);
+}
+
+CoverageMaker::Share CoverageMaker::total_of(std::size_t object) const
+{
+    const InstrumentedObject& of = data_.objects[object];
+    const bool is_clang = of.record.compiler == CounterSource::clang;
+    return {object, &*totals_[object], is_clang ? all_runs(of).counters : Counters()};
+}
+
+Coverage CoverageMaker::sum_of(const std::vector<Share>& shares)
+{
+    std::vector<ObjectReading> readings;
+    std::vector<const Share*> others;
+    for (const Share& share : shares) {
+        if (is_read_together(share)) {
+            readings.push_back(reading_of(share.object, share.counters));
+        } else {
+            others.push_back(&share);
+        }
+    }
+    ObjectReadings together;
+    for (ObjectReading& reading : readings) {
+        together.push_back(&reading);
+    }
+    Coverage sum;
+    if (!together.empty()) {
+        sum = read_clang_together(together, counting_, findings_);
+    }
+    for (const Share* share : others) {
+        add(sum, share->object, *share->coverage);
+    }
+    return sum;
+}
+
+bool CoverageMaker::is_read_together(const Share& share)
+{
+    const InstrumentedObject& object = data_.objects[share.object];
+    return object.record.compiler == CounterSource::clang && !share.coverage->empty() &&
+           std::all_of(share.coverage->begin(), share.coverage->end(),
+                       [&](const auto& source) { return is_shown(object, source.first); });
+}
+
+ObjectReading CoverageMaker::reading_of(std::size_t object, Counters counters) const
+{
+    const InstrumentedObject& of = data_.objects[object];
+    return {&of.record, std::move(counters), {}, of.file};
+}
+
+std::vector<std::size_t> CoverageMaker::objects_with(const std::string& path, std::uint32_t line)
+{
+    const std::vector<std::size_t> all = all_objects(data_);
+    read_totals(all);
+    std::vector<std::size_t> objects;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(objects), [&](std::size_t object) {
+        const auto source = totals_[object]->find(path);
+        return source != totals_[object]->end() && source->second.lines.count(line) != 0;
+    });
+    return objects;
+}
+
+void CoverageMaker::read_totals(const std::vector<std::size_t>& objects)
+{
+    std::vector<std::size_t> missing;
+    std::vector<ObjectReading> readings;
+    for (const std::size_t index : objects) {
+        if (!totals_[index]) {
+            missing.push_back(index);
+            readings.push_back(reading_of(index, all_runs(data_.objects[index]).counters));
+        }
+    }
+    read(readings);
+    for (std::size_t i = 0; i < missing.size(); ++i) {
+        totals_[missing[i]] = std::move(readings[i].coverage);
+    }
+}
+
+void CoverageMaker::read(std::vector<ObjectReading>& readings)
+{
+    ObjectReadings of_gcc;
+    ObjectReadings of_clang;
+    for (ObjectReading& reading : readings) {
+        (reading.record->compiler == CounterSource::gcc ? of_gcc : of_clang).push_back(&reading);
+    }
+    read_gcc_objects(of_gcc, counting_, findings_);
+    if (!of_clang.empty()) {
+        read_clang_objects(of_clang, counting_, findings_);
+    }
+}
+
+void CoverageMaker::add(Coverage& sum, std::size_t object, const Coverage& coverage)
+{
+    for (const auto& [path, source] : coverage) {
+        if (is_shown(data_.objects[object], path)) {
+            add_source(sum[path], source);
+        }
+    }
 }
 
 bool CoverageMaker::is_shown(const InstrumentedObject& object, const std::string& path)
 {
-    if (system_headers_ == SystemHeaders::left_out && is_system_header(path) &&
-        !is_inside(path, data_.root)) {
+    if (is_system_header(path) && !is_inside(path, data_.root)) {
         return false;
     }
     const std::optional<struct stat>& state = state_of(path);
-    if (!state && path != object.map.source) {
+    if (!state && path != object.record.source) {
         findings_.note("files that are not there",
-                       "'" + path + "', which '" + object.map.source +
+                       "'" + path + "', which '" + object.record.source +
                            "' names in a line directive or includes, is not there: left out");
         return false;
     }
@@ -71,7 +206,7 @@ bool CoverageMaker::is_shown(const InstrumentedObject& object, const std::string
     }
     if (has_changed(object, path, *state)) {
         findings_.add("changed sources",
-                      "'" + path + "' has changed since '" + object.map.object +
+                      "'" + path + "' has changed since '" + object.record.object +
                           "' was compiled: its lines of that object are left out; build and run "
                           "the tests again");
         return false;

@@ -7,6 +7,8 @@
 #include "lltcov/report_text.h"
 #include "lltcov/shown_sources.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <set>
 
@@ -18,7 +20,7 @@ struct Row {
     std::size_t sources = 0;
     std::size_t symbols = 0;
     Rates rates;
-    std::size_t dumps = 0;
+    std::uint64_t runs = 0;
     std::string built; ///< YYYY-MM-DD hh:mm:ss
     std::string output;
 };
@@ -37,62 +39,78 @@ std::size_t sources_of(const ProjectData& data, const std::vector<std::size_t>& 
 {
     std::set<std::string> sources;
     for (const std::size_t object : objects) {
-        sources.insert(data.objects[object].map.source);
+        sources.insert(data.objects[object].record.source);
     }
     return sources.size();
 }
 
-std::vector<Row> rows_of(const ProjectData& data, Findings& findings)
+std::vector<Row> rows_of(const ProjectData& data, Counting counting, Findings& findings)
 {
-    CoverageMaker maker(data, SystemHeaders::left_out, findings);
-    Progress progress("adding up modules", data.modules.size());
-    std::vector<Row> rows;
-    Row total;
-    for (const ModuleData& module : data.modules) {
-        rows.push_back({module.module.name, sources_of(data, module.objects), module.objects.size(),
-                        rates_of(maker.coverage_of(module.objects)), module.dumps,
-                        readable_time(module.built), module.output});
-        total.dumps += module.dumps;
-        progress.step();
-    }
+    CoverageMaker maker(data, counting, findings);
     const std::vector<std::size_t> all = all_objects(data);
+    Row total;
     total.name = "total";
     total.sources = sources_of(data, all);
     total.symbols = all.size();
     total.rates = rates_of(maker.coverage_of(all));
+    Progress progress("adding up modules", data.modules.size());
+    std::vector<Row> rows;
+    for (const ModuleData& module : data.modules) {
+        rows.push_back({module.module.name, sources_of(data, module.objects), module.objects.size(),
+                        rates_of(maker.coverage_of(module.objects)), module.runs,
+                        readable_time(module.built), module.output});
+        total.runs += module.runs;
+        progress.step();
+    }
     rows.push_back(total);
     return rows;
 }
 
-std::string of(const Rate& rate)
+/// "lines" as "LINES".
+std::string title_of(const RateName& name)
 {
-    return std::to_string(rate.hit) + "/" + std::to_string(rate.total);
+    std::string title = name.name;
+    std::transform(title.begin(), title.end(), title.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return title;
 }
 
-void print_table(const std::vector<Row>& rows, const std::string& root)
+void print_table(const std::vector<Row>& rows, Counting counting, const std::string& root)
 {
-    Table table({"MODULE", ">SOURCES", ">SYMBOLS", ">LINES", ">%", ">FUNCTIONS", ">%", ">DUMPS",
-                 "BUILT", "OUTPUT"});
+    std::vector<std::string> titles = {"MODULE", ">SOURCES", ">SYMBOLS"};
+    for (const RateName& name : RATE_NAMES) {
+        if (is_shown(name, rows.back().rates, counting)) {
+            titles.insert(titles.end(), {">" + title_of(name), ">%"});
+        }
+    }
+    titles.insert(titles.end(), {">RUNS", "BUILT", "OUTPUT"});
+    Table table(titles);
     for (const Row& row : rows) {
-        table.add({row.name, std::to_string(row.sources), std::to_string(row.symbols),
-                   of(row.rates.lines), percent(row.rates.lines), of(row.rates.functions),
-                   percent(row.rates.functions), std::to_string(row.dumps), row.built,
-                   shown_path(row.output, root)});
+        std::vector<std::string> cells = {row.name, std::to_string(row.sources),
+                                          std::to_string(row.symbols)};
+        for (const RateName& name : RATE_NAMES) {
+            const Rate& rate = row.rates.*name.rate;
+            if (is_shown(name, rows.back().rates, counting)) {
+                cells.insert(
+                    cells.end(),
+                    {std::to_string(rate.hit) + "/" + std::to_string(rate.total), percent(rate)});
+            }
+        }
+        cells.insert(cells.end(),
+                     {std::to_string(row.runs), row.built, shown_path(row.output, root)});
+        table.add(cells);
     }
     table.print();
 }
 
-std::string numbers(const Row& row)
+void print_json(const std::vector<Row>& rows, Counting counting, const std::string& root)
 {
-    return "\"sources\": " + std::to_string(row.sources) +
-           ", \"symbols\": " + std::to_string(row.symbols) +
-           ", \"lines\": " + json_rate(row.rates.lines) +
-           ", \"functions\": " + json_rate(row.rates.functions) +
-           ", \"dumps\": " + std::to_string(row.dumps);
-}
-
-void print_json(const std::vector<Row>& rows, const std::string& root)
-{
+    const auto numbers = [&](const Row& row) {
+        return "\"sources\": " + std::to_string(row.sources) +
+               ", \"symbols\": " + std::to_string(row.symbols) + ", " +
+               json_rates(row.rates, rows.back().rates, counting) +
+               ", \"runs\": " + std::to_string(row.runs);
+    };
     std::string out =
         "{\"format\": \"lltcov status\", \"version\": 1, \"project\": " + json_string(root) +
         ",\n\"modules\": [";
@@ -114,10 +132,12 @@ int run_status(const Arguments& arguments)
 {
     const CommandLine line(arguments, {"--json"}, {"--project"});
     line.refuse_operands();
+    const Counting counting = wanted_counting();
     Findings findings;
     const ProjectData data = read_project_data(line, findings);
-    const std::vector<Row> rows = rows_of(data, findings);
-    line.has("--json") ? print_json(rows, data.root) : print_table(rows, data.root);
+    const std::vector<Row> rows = rows_of(data, counting, findings);
+    line.has("--json") ? print_json(rows, counting, data.root)
+                       : print_table(rows, counting, data.root);
     const bool is_written = finish_output();
     findings.print();
     return is_written && !findings.has_problems() ? 0 : 1;

@@ -1,44 +1,59 @@
-// The model: how counts of probes, objects and runs become those of lines and functions.
+// The model: how what runs and objects count becomes one.
 #include "lltcov/console.h"
 #include "lltcov/coverage.h"
 
 #include <gtest/gtest.h>
 
-TEST(Coverage, RunsAddUpAndStayAtTheLargestCount)
+TEST(Coverage, RunsAddUpStayAtTheLargestCountAndJoinTheirEndByOr)
 {
-    std::vector<std::uint64_t> counts = {5, MAX_COUNT - 1, 0};
-    DumpedSource run;
-    run.probes = 3;
-    run.runs = {{2, 2}, {7, 1}};
-    add_run(counts, run);
-    EXPECT_EQ(counts, (std::vector<std::uint64_t>{7, MAX_COUNT, 7}));
+    Counters sum;
+    join_counters(sum, {5, MAX_COUNT - 1, 0, 1, 0x6}, 2);
+    join_counters(sum, {2, 2, 7, 4, 0x3}, 2);
+    EXPECT_EQ(sum, (Counters{7, MAX_COUNT, 7, 5, 0x7}));
+    join_counters(sum, {0, 1, 0, 8, 0}, 0);
+    EXPECT_EQ(sum, (Counters{7, MAX_COUNT, 7, 13, 0x7}));
     EXPECT_EQ(sum_of_counts(MAX_COUNT, MAX_COUNT), MAX_COUNT);
     EXPECT_EQ(sum_of_counts(0, UINT64_MAX), MAX_COUNT);
 }
 
-TEST(Coverage, OfALineIsItsLargestProbeSummedOverFunctionsAndObjects)
+TEST(Coverage, OfASourceIsTheSumOfItsObjects)
 {
-    // Line 3 has probes 0 and 1 in f, and probe 2 in its caller g. i.h is not shown.
-    const ProbeMap map = read_probe_map("lltprobes 1\nsource /a.c\n"
-                                        "probe 0 3,4 f /a.c\nprobe 1 3 f /a.c\nprobe 2 3 g /a.c\n"
-                                        "probe 3 9 g /a.c\nprobe 3 1 g /i.h\n"
-                                        "function f 3 /a.c\nfunction g 8 /a.c\nfunction h 1 /i.h\n",
-                                        4);
-    Coverage coverage;
-    add_object(coverage, map, {5, 7, 20, 0}, {true, false});
-    add_object(coverage, map, {100, 0, 0, 0}, {true, false});
-    ASSERT_EQ(coverage.size(), 1U);
-    const SourceCoverage& source = coverage["/a.c"];
-    EXPECT_EQ(source.lines,
-              (std::map<std::uint32_t, std::uint64_t>{{3, 7 + 20 + 100}, {4, 105}, {9, 0}}));
-    EXPECT_EQ(source.functions.at("f").count, 105U);
-    EXPECT_EQ(source.functions.at("g").count, 20U);
-    EXPECT_EQ(source.functions.at("g").line, 8U);
-    const Rates rates = rates_of(coverage);
-    EXPECT_EQ(rates.lines.hit, 2U);
-    EXPECT_EQ(rates.lines.total, 3U);
-    EXPECT_EQ(rates.functions.hit, 2U);
-    EXPECT_EQ(rates.functions.total, 2U);
+    SourceCoverage a;
+    a.lines = {{3, 7}, {4, 5}};
+    a.functions = {{"f", {3, 7}}, {"g", {9, 0}}};
+    a.blocks[3]["f"] = {7, {{5, false, true}, {2, false, false}}, {{{{true, false}}}}};
+    SourceCoverage b;
+    b.lines = {{3, 100}, {9, 0}};
+    b.functions = {{"f", {2, 100}}};
+    b.blocks[3]["f"] = {100,
+                        {{0, false, true}, {100, false, false}, {1, true, false}},
+                        {{{{false, false}, {false, true}}}}};
+    b.blocks[3]["h"] = {0, {{0, false, true}}, {}};
+    add_source(a, b);
+    EXPECT_EQ(a.lines, (std::map<std::uint32_t, std::uint64_t>{{3, 107}, {4, 5}, {9, 0}}));
+    EXPECT_EQ(a.functions.at("f").count, 107U);
+    EXPECT_EQ(a.functions.at("f").line, 2U);
+    const LineBlock& block = a.blocks.at(3).at("f");
+    EXPECT_EQ(block.count, 107U);
+    ASSERT_EQ(block.branches.size(), 3U);
+    EXPECT_EQ(block.branches[0].count, 5U);
+    EXPECT_EQ(block.branches[1].count, 102U);
+    EXPECT_TRUE(block.branches[2].is_throw);
+    ASSERT_EQ(block.conditions.size(), 1U);
+    EXPECT_EQ(block.conditions[0].terms,
+              (std::vector<std::pair<bool, bool>>{{true, false}, {false, true}}));
+
+    const Rates rates = rates_of(Coverage{{"/a.c", a}, {"/b.c", b}});
+    const std::pair<Rate, Rate> cases[] = {
+        {rates.lines, {2 + 1, 3 + 2}},
+        {rates.functions, {1 + 1, 2 + 1}},
+        {rates.branches, {3 + 2, 4 + 4}},
+        {rates.conditions, {2 + 1, 4 + 4}},
+    };
+    for (const auto& [rate, expected] : cases) {
+        EXPECT_EQ(rate.hit, expected.hit);
+        EXPECT_EQ(rate.total, expected.total);
+    }
 }
 
 TEST(Coverage, OnlyAllIsAHundredPercentAndOnlyNothingIsZero)

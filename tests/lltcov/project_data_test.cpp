@@ -20,16 +20,46 @@ void set_time(const std::string& path, time_t seconds)
     ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
 }
 
-std::string record(int number, const std::string& symbol, unsigned size)
+std::string table(int number, const std::string& symbol, unsigned size)
 {
     _SOURCEFILE_OBJECT entry = {};
     entry.fileid = number;
     (symbol + ".c").copy(entry.szName, sizeof entry.szName - 1);
     entry.size = size;
     entry.mtime = size != 0 ? COMPILED : 0;
-    entry.instnum = 2;
+    entry.instnum = 4;
     return std::string(reinterpret_cast<const char*>(&entry), sizeof entry);
 }
+
+std::string word(std::uint64_t value)
+{
+    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+/// The lines of a dump that tell of its sources, and the counts of one run.
+std::string source_lines(const std::string& symbol, const Counters& counters)
+{
+    const std::string bytes = std::to_string(counters.size() * 8);
+    std::string text = "file 0 " + symbol + ".c " + bytes + "\ncounts " +
+                       std::to_string(counters.size() * 8 + 8) + "\n" + word(1);
+    for (const std::uint64_t count : counters) {
+        text += word(count);
+    }
+    return text;
+}
+
+/// A gcov for objects of one function with two counters: the first one is line 1 of a.c, the second
+/// one line 7 of h.h.
+constexpr char GCOV[] = R"sh(#!/bin/sh
+[ "$1" != --version ] || { echo 'gcov (test) 12.2.0'; exit; }
+for file; do
+    [ -f "$file" ] || continue
+    set -- $(od -An -tu8 -j60 -N16 "$file")
+    echo '{"data_file": "'$file'", "current_working_directory": "@", "files": [
+        {"file": "a.c", "lines": [{"line_number": 1, "count": '$1'}]},
+        {"file": "h.h", "lines": [{"line_number": 7, "count": '$2'}]}]}' | paste -sd ' '
+done
+)sh";
 
 class ProjectDataTest : public TestDir
 {
@@ -41,21 +71,38 @@ protected:
         write_file(dir + "/h.h", "h");
         set_time(dir + "/a.c", COMPILED);
         set_time(dir + "/h.h", COMPILED);
+        std::string gcov = GCOV;
+        write_file(dir + "/gcov", gcov.replace(gcov.find('@'), 1, dir));
+        std::filesystem::permissions(dir + "/gcov", std::filesystem::perms::owner_all);
         add_module("liba", "S");
     }
 
-    /// A module with one object of a.c: probe 0 is line 1 of it, probe 1 line 7 of h.h.
+    /// The record of an object of a.c, which includes h.h.
+    std::string record(const std::string& symbol, const std::string& object = "a.o")
+    {
+        Record record;
+        record.symbol = symbol;
+        record.source = dir + "/a.c";
+        record.object = dir + "/" + object;
+        record.reader = dir + "/gcov";
+        record.array_bytes = 16;
+        record.version = 'B' << 24 | '2' << 16 | '2' << 8 | '*';
+        record.has_checksum = true;
+        record.functions = {{"f", 1, 2, 3, 0, {{0, 2, 0}}}};
+        record.notes = "notes";
+        return to_bytes(record);
+    }
+
+    /// A module with one object of a.c.
     void add_module(const std::string& name, const std::string& symbol)
     {
         const std::string area = dir + "/" + name + "/codemeasure";
         std::filesystem::create_directories(area + "/db/db0");
         write_file(dir + "/" + name + ".a", "");
         write_file(area + "/.prj", "[project]\nBUID=Q1\nsutpath=" + dir + "/" + name + ".a\n");
-        write_file(area + "/db/.tab", record(0, symbol, 0));
-        write_file(area + "/db/db0/.tab", record(0, symbol, 5));
-        write_file(area + "/db/db0/probes.txt", "lltprobes 1\nsource " + dir + "/a.c\nobject " +
-                                                    dir + "/a.o\nprobe 0 1 f " + dir +
-                                                    "/a.c\nprobe 1 7 f " + dir + "/h.h\n");
+        write_file(area + "/db/.tab", table(0, symbol, 0));
+        write_file(area + "/db/db0/.tab", table(0, symbol, 5));
+        write_file(area + "/db/db0/record", record(symbol));
         write_file(dir + "/a.o", "");
         set_time(dir + "/a.o", COMPILED + 1);
     }
@@ -64,7 +111,8 @@ protected:
     {
         std::filesystem::create_directories(dir + "/runs");
         write_file(dir + "/runs/m." + std::to_string(dumps_++) + ".0.lltcov",
-                   "lltcov 1\nmodule m\nbuid " + buid + "\narea " + area + "\n" + files + "end\n");
+                   "lltcov 2\nmodule m\nbuid " + buid + "\narea " + area + "\norder little\n" +
+                       files);
     }
 
     /// The counts of a.c:1 and h.h:7, "-" for a line that is not shown.
@@ -73,8 +121,12 @@ protected:
         findings_ = Findings();
         ProjectData data = read_modules(dir, findings_);
         add_dumps(data, dir + "/runs", findings_);
-        CoverageMaker maker(data, SystemHeaders::left_out, findings_);
-        Coverage coverage = maker.coverage_of(all_objects(data));
+        CoverageMaker maker(data, Counting::branches, findings_);
+        return counts_in(maker.coverage_of(all_objects(data)));
+    }
+
+    std::string counts_in(Coverage coverage)
+    {
         std::string text;
         for (const auto& [path, line] : {std::pair{dir + "/a.c", 1U}, {dir + "/h.h", 7U}}) {
             const auto& lines = coverage[path].lines;
@@ -92,7 +144,7 @@ protected:
         return text;
     }
 
-    const std::string one_run_ = "file 0 S.c 2 4\n3 4\n";
+    const std::string one_run_ = source_lines("S", {3, 4});
     Findings findings_;
     int dumps_ = 0;
 };
@@ -116,13 +168,15 @@ TEST_F(ProjectDataTest, AnObjectOfTwoModulesIsOneAndAnotherObjectOfTheSourceIsAd
     add_module("libc", "OTHER");
     add_dump(dir + "/liba/codemeasure", "Q1", one_run_);
     add_dump(dir + "/libb/codemeasure", "Q1", one_run_);
-    add_dump(dir + "/libc/codemeasure", "Q1", "file 0 OTHER.c 2 4\n10 0\n");
+    add_dump(dir + "/libc/codemeasure", "Q1", source_lines("OTHER", {10, 0}));
     EXPECT_EQ(counts(), "16 8 ");
 }
 
 TEST_F(ProjectDataTest, DumpsThatDoNotFitAreLeftOutWithAReason)
 {
     const std::string area = dir + "/liba/codemeasure";
+    const std::string twice = "file 0 S.c 16\nfile 1 S.c 16\ncounts 40\n" + word(1) + word(1) +
+                              word(1) + word(1) + word(1);
     const struct {
         std::string area, buid, files;
         const char* kind;
@@ -130,10 +184,11 @@ TEST_F(ProjectDataTest, DumpsThatDoNotFitAreLeftOutWithAReason)
     } cases[] = {
         {area, "Q2", one_run_, "refused dumps", "/liba.a' is of build Q1"},
         {dir + "/gone/codemeasure", "Q1", one_run_, "dumps of modules that are gone", "no module"},
-        {area, "Q1", "file 0 NEW.c 2 4\n3 4\n", "sources without records", "'NEW'"},
-        {area, "Q1", "file 0 S.c 3 4\n3 4 5\n", "damaged dumps", "3 probes"},
-        {area, "Q1", one_run_ + one_run_, "damaged dumps", "twice"},
-        {area, "Q1", "file 0 S.c 2 4\n3\n", "damaged dumps", ".lltcov:6: there are not 2"},
+        {area, "Q1", source_lines("NEW", {3, 4}), "sources without records", "'NEW'"},
+        {area, "Q1", source_lines("S", {3, 4, 5}), "damaged dumps", "3 counters"},
+        {area, "Q1", "file 0 S.c 0\n" + source_lines("S", {}), "damaged dumps", "0 counters"},
+        {area, "Q1", twice, "damaged dumps", "twice"},
+        {area, "Q1", one_run_ + "x", "damaged dumps", ".lltcov:7: there are not 24"},
     };
     for (const auto& bad : cases) {
         std::filesystem::remove_all(dir + "/runs");
@@ -151,11 +206,10 @@ TEST_F(ProjectDataTest, ALibraryWhoseWorkAreaAnotherOneTookCountsWithTheBuildTha
     const std::string left = dir + "/LLTTEMP/codemeasure/db/dbOLD";
     std::filesystem::create_directories(dir + "/prog_exe/codemeasure");
     std::filesystem::create_directories(left);
-    write_file(left + "/.tab", record(0, "OLD", 5));
-    write_file(left + "/probes.txt", "lltprobes 1\nsource " + dir + "/a.c\nobject " + dir +
-                                         "/b.o\nprobe 0 1 f " + dir + "/a.c\n");
+    write_file(left + "/.tab", table(0, "OLD", 5));
+    write_file(left + "/record", record("OLD", "b.o"));
     write_file(dir + "/old.a", "");
-    add_dump(area, "Q0", "file 0 OLD.c 2 4\n20 0\n");
+    add_dump(area, "Q0", source_lines("OLD", {20, 0}));
     add_dump(area, "Q1", one_run_);
     const std::string head = "lltlibraries 1\nlibrary ";
     const std::string symbol = "\narea " + area + "\nbuid Q0\nsymbol OLD\n";
@@ -189,6 +243,7 @@ TEST_F(ProjectDataTest, DumpsOfOtherProjectsAndFilesThatAreBeingWrittenAreNotLoo
 {
     add_dump("/elsewhere/liba/codemeasure", "Q7", one_run_);
     write_file(dir + "/runs/.liba.1.tmp", "x");
+    write_file(dir + "/runs/liba.0.lltcov", ""); // its program was killed
     EXPECT_EQ(counts(), "0 0 ");
     EXPECT_FALSE(findings_.has_problems());
     EXPECT_NE(said("runs").find("other projects there: 1)"), std::string::npos);
@@ -215,14 +270,14 @@ TEST_F(ProjectDataTest, LinesOfATextThatHasChangedAreNotShown)
     write_file(dir + "/a.c", "123456");
     set_time(dir + "/a.c", COMPILED);
     std::filesystem::create_directories(dir + "/LLTTEMP/codemeasure/db/dbS");
-    write_file(dir + "/LLTTEMP/codemeasure/db/dbS/.tab", record(0, "S", 6));
+    write_file(dir + "/LLTTEMP/codemeasure/db/dbS/.tab", table(0, "S", 6));
     EXPECT_EQ(counts(), "3 4 ");
 }
 
 TEST_F(ProjectDataTest, WhatATestBuiltAndRemovedIsNoProblem)
 {
     add_dump("liba/codemeasure", "Q0", one_run_);
-    add_dump("liba/codemeasure", "Q1", "file 0 NEW.c 2 4\n3 4\n");
+    add_dump("liba/codemeasure", "Q1", source_lines("NEW", {3, 4}));
     std::filesystem::remove(dir + "/a.c");
     EXPECT_EQ(counts(), "- 0 ");
     EXPECT_TRUE(findings_.has_problems());
@@ -238,9 +293,10 @@ TEST_F(ProjectDataTest, DamagedRecordsAreNamed)
 {
     const std::string area = dir + "/liba/codemeasure";
     const std::pair<std::string, std::string> cases[] = {
-        {"/db/db0/probes.txt", "lltprobes 1\nsource /a.c\nprobe 2 1 f /a.c\n"},
-        {"/db/db0/.tab", record(0, "ANOTHER", 5)}, // a copy of another source's records
-        {"/db/.tab", record(0, "S", 0).substr(1)},
+        {"/db/db0/record", record("S").substr(0, 99)},
+        {"/db/db0/record", ""},
+        {"/db/db0/record", record("ANOTHER")}, // a copy of another source's record
+        {"/db/.tab", table(0, "S", 0).substr(1)},
         {"/db/.tab", ""},
         {"/.prj", "[project]\n"},
     };
@@ -252,6 +308,45 @@ TEST_F(ProjectDataTest, DamagedRecordsAreNamed)
         write_file(area + file, whole);
     }
     EXPECT_EQ(counts(), "0 0 ");
+}
+
+TEST_F(ProjectDataTest, RunsOfTestsAreAlsoKeptByTest)
+{
+    const std::string area = dir + "/liba/codemeasure";
+    add_module("libc", "OTHER");
+    add_dump(area, "Q1", one_run_);
+    add_dump(area, "Q1", "test one\n" + source_lines("S", {10, 0}));
+    add_dump(area, "Q1", "test one\n" + source_lines("S", {20, 0}));
+    add_dump(area, "Q1", "test two\n" + source_lines("S", {0, 0}));
+    add_dump(dir + "/libc/codemeasure", "Q1", "test two\n" + source_lines("OTHER", {0, 500}));
+    EXPECT_EQ(counts(), "33 504 ");
+    ProjectData data = read_modules(dir, findings_);
+    add_dumps(data, dir + "/runs", findings_);
+    EXPECT_EQ(data.tests, (std::set<std::string>{"one", "two"}));
+    EXPECT_EQ(all_runs(data.objects[data.object_of_symbol.at("S")]).runs, 4U);
+    CoverageMaker maker(data, Counting::branches, findings_);
+    const std::vector<std::size_t> all = all_objects(data);
+    EXPECT_EQ(counts_in(maker.coverage_of_test("", all)), "3 4 ");
+    EXPECT_EQ(counts_in(maker.coverage_of_test("one", all)), "30 0 ");
+    EXPECT_EQ(counts_in(maker.coverage_of_test("two", all)), "0 500 ");
+    EXPECT_EQ(maker.objects_with(dir + "/h.h", 7), all);
+    EXPECT_TRUE(maker.objects_with(dir + "/h.h", 8).empty());
+}
+
+TEST(WantedCounting, IsBranchesUnlessTheEnvironmentSaysOtherwise)
+{
+    const std::pair<const char*, Counting> cases[] = {{"", Counting::branches},
+                                                      {"branches", Counting::branches},
+                                                      {"lines", Counting::lines},
+                                                      {"conditions", Counting::conditions}};
+    for (const auto& [value, counting] : cases) {
+        ::setenv("LLTCOV_COUNT", value, 1);
+        EXPECT_EQ(wanted_counting(), counting) << value;
+    }
+    ::setenv("LLTCOV_COUNT", "line", 1);
+    EXPECT_THROW(wanted_counting(), UsageError);
+    ::unsetenv("LLTCOV_COUNT");
+    EXPECT_EQ(wanted_counting(), Counting::branches);
 }
 
 TEST(SystemHeader, IsWhatCompilersAndPackagesBring)

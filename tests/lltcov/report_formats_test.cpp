@@ -9,11 +9,29 @@ namespace
 
 Report sample()
 {
-    Report report{"/p", {}};
-    report.coverage["/p/s/a.cpp"].lines = {{3, 2}, {10, 0}};
-    report.coverage["/p/s/a.cpp"].functions = {{"_Z1fi", {3, 2}}};
+    Report report{"/p", Counting::conditions, {}, {}};
+    SourceCoverage& source = report.coverage["/p/s/a.cpp"];
+    source.lines = {{3, 2}, {10, 0}};
+    source.functions = {{"_Z1fi", {3, 2}}};
+    source.blocks[3]["_Z1fi"] = {2, {{2, false, true}, {0, true, false}}, {}};
+    source.blocks[3]["_Z1gi"] = {0, {{0, false, true}}, {{{{true, false}, {true, true}}}}};
     report.coverage["/q/b.h"].lines = {{1, 5}};
     return report;
+}
+
+/// The sample without what only branches and conditions have.
+Report sample_of_lines()
+{
+    Report report = sample();
+    report.counting = Counting::lines;
+    report.coverage["/p/s/a.cpp"].blocks.clear();
+    return report;
+}
+
+std::string without_time(std::string text)
+{
+    const std::size_t time = text.find(" timestamp=\"");
+    return text.erase(time, text.find('>', time) - time);
 }
 
 } // namespace
@@ -21,14 +39,34 @@ Report sample()
 TEST(ReportFormats, Lcov)
 {
     EXPECT_EQ(as_lcov(sample()), "TN:\nSF:/p/s/a.cpp\nFN:3,_Z1fi\nFNDA:2,_Z1fi\nFNF:1\nFNH:1\n"
+                                 "BRDA:3,0,0,2\nBRDA:3,0,1,0\nBRDA:3,1,0,-\nBRF:3\nBRH:1\n"
+                                 "MCDC:3,2,t,1,0,0\nMCDC:3,2,f,0,0,0\n"
+                                 "MCDC:3,2,t,1,1,1\nMCDC:3,2,f,1,1,1\nMCF:4\nMCH:3\n"
                                  "DA:3,2\nDA:10,0\nLF:2\nLH:1\nend_of_record\n"
                                  "TN:\nSF:/q/b.h\nFNF:0\nFNH:0\nDA:1,5\nLF:1\nLH:1\n"
                                  "end_of_record\n");
 }
 
+TEST(ReportFormats, LcovHasASectionForEachTest)
+{
+    Report report{"/p", Counting::lines, {}, {}};
+    report.coverage["/a.c"].lines = {{1, 3}};
+    for (const auto& [test, count] : {std::pair{"", 0U}, {"it-works", 1U}, {"other", 2U}}) {
+        report.tests.emplace_back(test, Coverage());
+        report.tests.back().second["/a.c"].lines = {{1, count}};
+    }
+    const auto section = [](const char* test, const char* counts) {
+        return std::string("TN:") + test + "\nSF:/a.c\nFNF:0\nFNH:0\n" + counts +
+               "\nend_of_record\n";
+    };
+    EXPECT_EQ(as_lcov(report), section("", "DA:1,0\nLF:1\nLH:0") +
+                                   section("it_works", "DA:1,1\nLF:1\nLH:1") +
+                                   section("other", "DA:1,2\nLF:1\nLH:1"));
+}
+
 TEST(ReportFormats, Json)
 {
-    EXPECT_EQ(as_json(sample()),
+    EXPECT_EQ(as_json(sample_of_lines()),
               R"text({"format": "lltcov", "version": 1, "project": "/p",
 "lines": {"hit": 2, "total": 3}, "functions": {"hit": 1, "total": 1},
 "sources": [
@@ -38,27 +76,42 @@ TEST(ReportFormats, Json)
 )text");
 }
 
+TEST(ReportFormats, JsonOfBranchesAndConditions)
+{
+    const std::string text = as_json(sample());
+    for (const char* part : {
+             R"("branches": {"hit": 1, "total": 3}, "conditions": {"hit": 3, "total": 4},)",
+             R"("branch_counts": [{"line": 3, "symbol": "_Z1fi", "branches": [)"
+             R"({"count": 2, "fallthrough": true, "throw": false}, )"
+             R"({"count": 0, "fallthrough": false, "throw": true}]}, )"
+             R"({"line": 3, "symbol": "_Z1gi", "branches": [)"
+             R"({"count": 0, "fallthrough": true, "throw": false}]}])",
+             R"("condition_outcomes": [{"line": 3, "symbol": "_Z1gi", "conditions": [)"
+             R"([{"true": true, "false": false}, {"true": true, "false": true}]]}]})",
+             R"("branch_counts": [], "condition_outcomes": []})",
+         }) {
+        EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
+    }
+}
+
 TEST(ReportFormats, Cobertura)
 {
-    std::string text = as_cobertura(sample());
-    const std::size_t time = text.find(" timestamp=\"");
-    text.erase(time, text.find('>', time) - time);
-    EXPECT_EQ(text, R"text(<?xml version="1.0" encoding="UTF-8"?>
+    EXPECT_EQ(without_time(as_cobertura(sample())), R"text(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE coverage SYSTEM "http://cobertura.sourceforge.net/xml/coverage-04.dtd">
-<coverage line-rate="0.6667" branch-rate="0" complexity="0" lines-covered="2" lines-valid="3" branches-covered="0" branches-valid="0" version="lltcov 1">
+<coverage line-rate="0.6667" branch-rate="0.3333" complexity="0" lines-covered="2" lines-valid="3" branches-covered="1" branches-valid="3" version="lltcov 1">
 <sources><source>/p</source></sources>
 <packages>
-<package name="/q" line-rate="1.0000" branch-rate="0" complexity="0"><classes>
-<class name="b.h" filename="/q/b.h" line-rate="1.0000" branch-rate="0" complexity="0"><methods>
+<package name="/q" line-rate="1.0000" branch-rate="0.0000" complexity="0"><classes>
+<class name="b.h" filename="/q/b.h" line-rate="1.0000" branch-rate="0.0000" complexity="0"><methods>
 </methods><lines>
 <line number="1" hits="5" branch="false"/>
 </lines></class>
 </classes></package>
-<package name="s" line-rate="0.5000" branch-rate="0" complexity="0"><classes>
-<class name="a.cpp" filename="s/a.cpp" line-rate="0.5000" branch-rate="0" complexity="0"><methods>
-<method name="f(int)" signature="" line-rate="1.0000" branch-rate="0" complexity="0"><lines><line number="3" hits="2" branch="false"/></lines></method>
+<package name="s" line-rate="0.5000" branch-rate="0.3333" complexity="0"><classes>
+<class name="a.cpp" filename="s/a.cpp" line-rate="0.5000" branch-rate="0.3333" complexity="0"><methods>
+<method name="f(int)" signature="" line-rate="1.0000" branch-rate="0.0000" complexity="0"><lines><line number="3" hits="2" branch="false"/></lines></method>
 </methods><lines>
-<line number="3" hits="2" branch="false"/>
+<line number="3" hits="2" branch="true" condition-coverage="33% (1/3)"><conditions><condition number="0" type="mcdc" coverage="75%"/></conditions></line>
 <line number="10" hits="0" branch="false"/>
 </lines></class>
 </classes></package>

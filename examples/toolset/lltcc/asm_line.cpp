@@ -32,7 +32,7 @@ bool AsmLine::is_blank() const
 bool AsmLine::is_value() const
 {
     return is_one_of(word, {".long", ".quad", ".word", ".xword", ".dword", ".4byte", ".8byte",
-                            ".2byte", ".hword", ".short", ".half", ".value", ".byte"});
+                            ".2byte", ".hword", ".short", ".half", ".value", ".llong", ".byte"});
 }
 
 bool AsmLine::is_padding() const
@@ -47,7 +47,8 @@ bool AsmLine::is_string() const
 
 bool AsmLine::is_attribute() const
 {
-    return is_one_of(word, {".type", ".size", ".hidden", ".weak", ".globl", ".local", ".addrsig_sym"});
+    return is_one_of(word,
+                     {".type", ".size", ".hidden", ".weak", ".globl", ".local", ".addrsig_sym"});
 }
 
 AsmLine line_at(std::string_view text, std::size_t start)

@@ -3,6 +3,7 @@
 
 #include "examples/toolset/common/process.h"
 
-/// Assembles with counters instead of probes and leaves the records of the source; a text without
-/// probes is assembled as it is. The exit status.
+/// Assembles the text with the compiler's counters in the source's own array, and puts the source's
+/// record into the object. The exit status; when the text cannot be understood it is 0 without an
+/// object, and the driver role learns why.
 int run_assembler(const Words& arguments);

@@ -61,18 +61,25 @@ bool takes_value(std::string_view word)
                             "--include"});
 }
 
+constexpr std::string_view EXCLUDE = "-fprofile-exclude-files=";
+
 bool is_compilable_language(std::string_view language)
 {
     return is_one_of(language, {"none", "c", "c++", "cpp-output", "c++-cpp-output"});
 }
 
-/// The compiler's name without a target before it and a version behind it.
-std::string kind_of(const std::string& compiler)
+/// Options that count or use counts themselves.
+bool is_profile_option(std::string_view word)
 {
-    std::string name = base_name(compiler);
-    name.erase(name.find_last_not_of("0123456789.-") + 1);
-    const std::size_t dash = name.rfind('-');
-    return dash == name.npos ? name : name.substr(dash + 1);
+    for (const std::string_view option :
+         {"-fprofile-use", "-fprofile-generate", "-fprofile-arcs", "-ftest-coverage", "--coverage",
+          "-coverage", "-fauto-profile", "-fbranch-probabilities", "-fprofile-values",
+          "-fprofile-instr", "-fcoverage-mapping", "-fcs-profile", "-fsanitize-coverage"}) {
+        if (begins_with(word, option)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Options that the stub of the module must be compiled with too: target, code generation, debug
@@ -100,10 +107,10 @@ public:
 
     void read(const Words& words)
     {
-        for (std::size_t i = 1; i < words.size(); ++i) {
-            const bool has_value = takes_value(words[i]) && i + 1 < words.size();
-            read_word(words[i], has_value ? words[i + 1] : "");
-            i += has_value ? 1 : 0;
+        for (at_ = 1; at_ < words.size(); ++at_) {
+            const bool has_value = takes_value(words[at_]) && at_ + 1 < words.size();
+            read_word(words[at_], has_value ? words[at_ + 1] : "");
+            at_ += has_value ? 1 : 0;
         }
         decide();
     }
@@ -125,10 +132,14 @@ private:
             out_.has_lto = true;
         } else if (word == "-fno-lto") {
             out_.has_lto = false;
-        } else if (begins_with(word, "-fsanitize-coverage")) {
+        } else if (word == "-pipe") {
+            out_.has_pipe = true;
+        } else if (begins_with(word, "-o")) {
+            out_.output = word == "-o" ? value : word.substr(2);
+        } else if (begins_with(word, EXCLUDE)) {
+            out_.excluded = word.substr(EXCLUDE.size());
+        } else if (is_profile_option(word)) {
             give_up("the command has a " + word + " of its own");
-        } else if (is_one_of(word, {"-m32", "-mx32", "-m16"})) {
-            give_up(word + " is not supported");
         } else {
             read_code_option(word, value);
         }
@@ -143,13 +154,6 @@ private:
                 out_.path_maps.emplace_back(word.substr(start, equals - start),
                                             word.substr(equals + 1));
             }
-        }
-        if (begins_with(word, "-g") && !begins_with(word, "-gno-") && !begins_with(word, "-gz") &&
-            !begins_with(word, "-grecord")) {
-            out_.has_debug_info = word.back() != '0';
-        }
-        if (begins_with(word, "-O")) {
-            out_.optimizes = word != "-O0";
         }
         if (is_one_of(word, {"-target", "-isysroot", "--sysroot", "-arch", "-B"})) {
             out_.kept.push_back(word);
@@ -167,9 +171,9 @@ private:
         } else if (!is_compilable_language(language_)) {
             give_up("language " + language_);
         } else if (language_ != "none" || names_source(word)) {
-            out_.sources.push_back(word);
+            out_.inputs.push_back({word, at_, true});
         } else if (is_one_of(suffix, {"s", "S", "sx"})) {
-            assembly_ = word;
+            out_.inputs.push_back({word, at_, false});
         } else if (suffix.size() > 0 && suffix[0] == 'h') {
             give_up("'" + word + "' becomes a precompiled header");
         }
@@ -177,14 +181,15 @@ private:
 
     void decide()
     {
-        const std::string kind = kind_of(out_.kept[0]);
-        out_.is_clang = kind == "clang" || kind == "clang++";
-        if (!out_.is_clang && !is_one_of(kind, {"gcc", "g++", "cc", "c++", "c89", "c99"})) {
-            give_up("'" + out_.kept[0] + "' is no compiler that it knows");
-        } else if (!compiles_) {
+        const auto is_source = [](const CompileInput& input) { return input.is_source; };
+        if (!compiles_) {
             give_up("no -c");
-        } else if (out_.sources.empty()) {
-            give_up(assembly_.empty() ? "no source" : "'" + assembly_ + "' is assembly");
+        } else if (out_.inputs.empty()) {
+            give_up("no source");
+        } else if (std::none_of(out_.inputs.begin(), out_.inputs.end(), is_source)) {
+            give_up("'" + out_.inputs[0].path + "' is assembly");
+        } else if (out_.inputs.size() > 1 && !out_.output.empty()) {
+            give_up("several sources for one object");
         }
     }
 
@@ -197,27 +202,49 @@ private:
 
     CompileCommand& out_;
     std::string language_ = "none";
-    std::string assembly_;
+    std::size_t at_ = 0; ///< the word that is read
     bool compiles_ = false;
 };
 
 } // namespace
 
-Words without_launcher(const Words& command)
+Launchers take_launchers(Words& command)
 {
-    auto compiler = command.begin();
-    while (command.end() - compiler > 1 &&
-           is_one_of(base_name(*compiler), {"ccache", "sccache", "distcc", "icecc"})) {
-        ++compiler;
+    Launchers launchers;
+    while (command.size() > 1) {
+        const std::string name = base_name(command[0]);
+        if (name == "ccache") {
+            launchers.kept = {command[0]};
+        } else if (is_one_of(name, {"sccache", "distcc", "icecc"})) {
+            launchers.skipped.push_back(name);
+        } else {
+            break;
+        }
+        command.erase(command.begin());
     }
-    return {compiler, command.end()};
+    return launchers;
 }
 
 CompileCommand read_command(const Words& command)
 {
-    const Words words = with_response_files(command);
     CompileCommand out;
-    out.kept.push_back(words[0]);
-    Reader(out).read(words);
+    out.words = with_response_files(command);
+    out.kept.push_back(out.words[0]);
+    Reader(out).read(out.words);
     return out;
+}
+
+Words words_for_input(const CompileCommand& command, const CompileInput& input)
+{
+    Words words;
+    for (std::size_t i = 0; i < command.words.size(); ++i) {
+        const bool is_other = std::any_of(
+            command.inputs.begin(), command.inputs.end(), [&](const CompileInput& other) {
+                return other.position == i && other.position != input.position;
+            });
+        if (!is_other && command.words[i] != "-pipe") {
+            words.push_back(command.words[i]);
+        }
+    }
+    return words;
 }

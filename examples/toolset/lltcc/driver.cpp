@@ -1,18 +1,21 @@
 // The compiler does the whole compile itself, with all its rules about outputs, dependency files
-// and diagnostics: it is only told to call probes, and to look for its assembler in a directory
-// where this program stands under the name `as`. What fails that way is compiled plainly.
+// and diagnostics: it is only told to count, and to look for its assembler in a directory where
+// this program stands under the name `as`. That role puts the counters into the source's own array
+// and its record into the object; the record is left for the archive and link steps from there, so
+// that an object from a compiler cache has it too. What fails that way is compiled plainly.
 #include "driver.h"
 
 #include "command.h"
 #include "commonfunc/Caddis_func.h"
+#include "compiler.h"
+#include "counter_text.h"
 #include "examples/toolset/common/driver_call.h"
-#include "job.h"
+#include "examples/toolset/common/records.h"
+#include "handover.h"
+#include "stub_role.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace
 {
@@ -28,9 +31,9 @@ std::string temporary_area(const std::string& project_path)
     return absolute_path(root.empty() ? "." : root) + "/LLTTEMP/codemeasure";
 }
 
-/// The directory that holds this program as `as`: beside the program in the build tree, under
-/// ../lib when installed. Empty when there is none.
-std::string assembler_directory()
+/// The directory that holds this program as `as`, and the specs of gcc: beside the program in the
+/// build tree, under ../lib when installed. Empty when there is none.
+std::string tools_directory()
 {
     char program[513] = {};
     QMRGetCurrProcName(program);
@@ -43,91 +46,115 @@ std::string assembler_directory()
     return "";
 }
 
-/// The assembler that the compiler would run without us: asked each time, for it depends on the
-/// compiler and its options (-B, --target).
-std::string real_assembler(const Words& command)
-{
-    Words query = command;
-    query.push_back("-print-prog-name=as");
-    std::string answer;
-    std::string errors;
-    run_program(query, {nullptr, &answer, &errors});
-    answer.erase(answer.find_last_not_of("\r\n") + 1);
-    return answer.empty() ? "as" : answer;
-}
-
-constexpr const char* GCC_PROBES = "-fsanitize-coverage=trace-pc";
-
-/// The optimisation level stays the user's. Left out of it are only passes that would let the
-/// report say something else than the source: those that let two places share one piece of code and
-/// so one probe, those that move code to where it runs although its line does not, and inlining
-/// behind the point where gcov counts (small functions are inlined before it, and stay so). Whether
-/// one is still needed shows tests/toolset/compare_gcov.sh.
-constexpr const char* GCC_OPTIMIZING[] = {
-    // joining equal code
-    "-fno-crossjumping", "-fno-ipa-icf", "-fno-tree-tail-merge", "-fno-code-hoisting",
-    "-fno-ssa-phiopt", "-fno-tree-cselim",
-    // moving and splitting code
-    "-fno-tree-pre", "-fno-tree-loop-im", "-fno-tree-sink", "-fno-thread-jumps", "-fno-split-paths",
-    "-fno-schedule-insns", "-fno-schedule-insns2", "-fno-move-loop-invariants",
-    "-fno-if-conversion", "-fno-if-conversion2",
-    // copying and specialising whole functions
-    "-fno-inline-functions-called-once", "-fno-partial-inlining", "-fno-ipa-cp", "-fno-ipa-sra",
-    "--param=max-inline-insns-single=0", "--param=max-inline-insns-auto=0",
-    "--param=max-inline-insns-small=0", "--param=max-inline-insns-size=0",
-    // increments behind calls use a register that a call may change
-    "-fno-ipa-ra",
-    // lines of statements that vanish
-    "-gstatement-frontiers"};
-
-constexpr const char* CLANG_OPTIONS[] = {
-    "-fsanitize-coverage=edge,trace-pc,no-prune",
-    "-fno-integrated-as", // so that there is an assembler to stand in for
+/// One wrapped command: what its compiles have in common.
+struct Compilation {
+    std::string area;
+    int stub_mode = 1;
+    Launchers launchers;
+    CompileCommand command;
+    Compiler compiler;
+    std::string tools;
 };
 
-Words instrumented(const Words& command, const CompileCommand& compile, const std::string& tools)
+/// Options beside those of the specs; the user's own stay as they are.
+Words options_of(const Compilation& compilation)
 {
-    Words more;
-    if (compile.is_clang) {
-        more.assign(std::begin(CLANG_OPTIONS), std::end(CLANG_OPTIONS));
-    } else {
-        // A precompiled header made with other debug information is not used, which is no error.
-        more.insert(more.end(), {GCC_PROBES, "-Wno-invalid-pch"});
-        if (compile.optimizes) {
-            more.insert(more.end(), std::begin(GCC_OPTIMIZING), std::end(GCC_OPTIMIZING));
+    Words options;
+    if (compilation.command.has_lto) {
+        options.emplace_back("-fno-lto"); // else there is nothing to assemble yet
+    }
+    if (compilation.compiler.kind == Compiler::Kind::clang) {
+        for (const char* const* option = CLANG_OPTIONS; *option != nullptr; ++option) {
+            options.emplace_back(*option);
         }
+        return options;
     }
-    if (!compile.has_debug_info) {
-        more.push_back("-g1");
+    options.push_back("-specs=" + compilation.tools + "/gcc.specs");
+    // A precompiled header made without counters is not used, which is no error.
+    options.emplace_back("-Wno-invalid-pch");
+    if (compilation.compiler.major == 11) {
+        options.emplace_back("-fno-toplevel-reorder"); // else it drops the tables
     }
-    if (compile.has_lto) {
-        more.push_back("-fno-lto"); // else there is nothing to assemble yet
+    if (env_int("TimerPolicy") == 1 || env_int("SignalPolicy") == 1) {
+        // Counts are read while loops run, so no loop may keep its counter in a register.
+        options.emplace_back("-fno-tree-loop-im");
     }
-    Words out = command;
-    out.insert(out.begin() + 1, "-B" + tools + "/");
-    out.insert(std::find(out.begin(), out.end(), "--"), more.begin(), more.end());
-    return out;
+    if (env_text("LLTCOV_COUNT") == "conditions" && compilation.compiler.major >= 14) {
+        options.emplace_back("-fcondition-coverage");
+    }
+    const std::string update = env_text("LLTCOV_UPDATE");
+    if (!update.empty()) {
+        options.push_back("-fprofile-update=" + update);
+    }
+    return options;
 }
 
-Job job_of(const DriverCall& call, const CompileCommand& compile)
+Words instrumented(const Compilation& compilation, const CompileInput& input)
 {
-    Job job;
-    job.area = temporary_area(call.project);
-    job.stub_mode = call.stub_mode;
-    job.drop_debug_info = !compile.has_debug_info;
-    job.assembler = real_assembler(call.command);
-    for (const std::string& word : compile.kept) {
-        job.compile_command += (job.compile_command.empty() ? "" : " ");
-        job.compile_command +=
-            word[0] == '-' && shell_word(word)[0] == '.' ? shell_word(word).substr(2) : word;
+    Words words = words_for_input(compilation.command, input);
+    words.insert(words.begin() + 1, "-B" + compilation.tools + "/");
+    const Words options = options_of(compilation);
+    words.insert(std::find(words.begin(), words.end(), "--"), options.begin(), options.end());
+    words.insert(words.begin(), compilation.launchers.kept.begin(),
+                 compilation.launchers.kept.end());
+    return words;
+}
+
+/// The prefix of commands that compile a stub of the module: this program takes part in them.
+std::string stub_command(const CompileCommand& command)
+{
+    char program[513] = {};
+    QMRGetCurrProcName(program);
+    std::string text = shell_word(program) + " " + STUB_ROLE;
+    for (const std::string& word : command.kept) {
+        text += " " + (word[0] == '-' && shell_word(word)[0] == '.' ? shell_word(word).substr(2)
+                                                                    : shell_word(word));
     }
-    for (const std::string& source : compile.sources) {
-        job.sources.push_back(absolute_path(source));
+    return text;
+}
+
+std::string object_of(const CompileCommand& command, const CompileInput& input)
+{
+    if (!command.output.empty()) {
+        return command.output;
     }
-    job.path_maps = compile.path_maps;
-    job.notices = anonymous_file("");
-    ::fcntl(job.notices, F_SETFD, 0); // the assembler role inherits it
-    return job;
+    const std::string name = base_name(input.path);
+    return name.substr(0, name.rfind('.')) + ".o";
+}
+
+/// What is known of the source before the compiler counts.
+Record begun_record(const Compilation& compilation, const CompileInput& input)
+{
+    Record record;
+    record.symbol = "-";
+    record.source = absolute_path(input.path);
+    record.object = absolute_path(object_of(compilation.command, input));
+    record.stub_mode = compilation.stub_mode;
+    record.compile_command = stub_command(compilation.command);
+    record.path_maps = compilation.command.path_maps;
+    record.compiler = compilation.compiler.kind == Compiler::Kind::clang ? CounterSource::clang
+                                                                         : CounterSource::gcc;
+    record.reader = compilation.compiler.reader;
+    return record;
+}
+
+/// Leaves the records that the object brings along. False when it has none: it was made where our
+/// assembler was not asked.
+bool leave_records_of(const Compilation& compilation, const Record& begun)
+{
+    std::string object;
+    if (read_whole_file(begun.object, object) != Reading::done) {
+        notice("cannot read '%s', which was just made: do two builds run at once?",
+               begun.object.c_str());
+        return true;
+    }
+    const std::vector<Record> records = records_of(object);
+    for (const Record& record : records) {
+        if (record.array_bytes != 0) {
+            leave_records(compilation.area, record, object);
+        }
+    }
+    return !records.empty();
 }
 
 /// The compile without instrumentation after one with it has failed. What the compiler has to say
@@ -138,12 +165,85 @@ int compile_plainly(const Words& command, const std::string& source, const std::
     const int status = run_program(command, {nullptr, nullptr, &errors});
     if (status == 0) {
         notice("compiled without coverage: %s: %s",
-               trouble.empty() ? "the compiler refuses to instrument" : trouble.c_str(),
-               source.c_str());
+               trouble.empty() ? "the compiler refuses to count" : trouble.c_str(), source.c_str());
     } else if (!trouble.empty()) {
         std::fputs(errors.c_str(), stderr);
     }
     return status;
+}
+
+/// What the compiler is not to count: its own headers, and what the user has named.
+std::string uncounted(const Compilation& compilation)
+{
+    const std::string& own = compilation.command.excluded;
+    return (own.empty() ? "" : own + ";") + compilation.compiler.headers;
+}
+
+/// Runs the compile that counts; its status, and in `trouble` why the assembler role could not.
+int compile_counting(const Compilation& compilation, const CompileInput& input, const Record& begun,
+                     std::string& trouble)
+{
+    const Handover handover(begun, uncounted(compilation), compilation.compiler.assembler);
+    const int status = run_program(instrumented(compilation, input));
+    trouble = handover.trouble();
+    return status;
+}
+
+/// `plain` is the same compile as it was wrapped.
+int compile_input(const Compilation& compilation, const CompileInput& input, const Words& plain)
+{
+    if (!input.is_source) {
+        return run_program(plain);
+    }
+    const Record begun = begun_record(compilation, input);
+    std::string trouble;
+    const int status = compile_counting(compilation, input, begun, trouble);
+    if (status != 0 || !trouble.empty()) {
+        return compile_plainly(plain, input.path, trouble);
+    }
+    if (!leave_records_of(compilation, begun)) {
+        notice("'%s' has no counters: something in front of the compiler made it elsewhere",
+               begun.object.c_str());
+    }
+    return 0;
+}
+
+/// Why the sources cannot be instrumented; empty when they can.
+std::string refusal(const Compilation& compilation)
+{
+    const CompileCommand& command = compilation.command;
+    if (!command.why_plain.empty()) {
+        return command.why_plain;
+    }
+    if (compilation.tools.empty()) {
+        return "lltcc.d/as is missing from the installation";
+    }
+    if (compilation.stub_mode == 3) {
+        return "no stub of mode 3 declares counters; choose another one by qmr_coverage_stub_mold";
+    }
+    for (const std::string& word : command.words) {
+        if (word.find('\n') != word.npos) {
+            return "a word of the command holds a line end";
+        }
+    }
+    return "";
+}
+
+/// The same of the compiler, which is asked only when it may be needed.
+std::string refusal_of(const Compiler& compiler, const std::string& name)
+{
+    switch (compiler.kind) {
+    case Compiler::Kind::gcc:
+        return compiler.major >= 11 ? ""
+                                    : "'" + name + "' is GCC " + std::to_string(compiler.major) +
+                                          "; GCC 11 and later can count";
+    case Compiler::Kind::clang:
+        return compiler.major >= 14 ? ""
+                                    : "'" + name + "' is clang " + std::to_string(compiler.major) +
+                                          "; clang 14 and later can count";
+    default:
+        return "'" + name + "' is neither GCC nor clang";
+    }
 }
 
 } // namespace
@@ -151,33 +251,33 @@ int compile_plainly(const Words& command, const std::string& source, const std::
 int run_driver(const Words& arguments)
 {
     const DriverCall call = read_driver_call(arguments);
-    const Words& command = call.command;
-    if (command.empty()) {
+    if (call.command.empty()) {
         return 2;
     }
-    const Words compiler = without_launcher(command);
-    CompileCommand compile = read_command(compiler);
-    const std::string tools = assembler_directory();
-    if (tools.empty()) {
-        compile.why_plain = "lltcc.d/as is missing from the installation";
+    Words compiler = call.command;
+    Compilation compilation;
+    compilation.launchers = take_launchers(compiler);
+    compilation.command = read_command(compiler);
+    compilation.area = temporary_area(call.project);
+    compilation.stub_mode = call.stub_mode;
+    compilation.tools = tools_directory();
+    std::string why_plain = refusal(compilation);
+    if (why_plain.empty()) {
+        compilation.compiler = know_compiler(compilation.area, compilation.command);
+        why_plain = refusal_of(compilation.compiler, compiler[0]);
     }
-    if (call.stub_mode == 3) {
-        compile.why_plain = "no stub of mode 3 declares counters; choose another one by "
-                            "qmr_coverage_stub_mold";
+    if (!why_plain.empty()) {
+        notice("compiled without coverage: %s", why_plain.c_str());
+        return become_program(call.command);
     }
-    if (!compile.why_plain.empty()) {
-        notice("compiled without coverage: %s", compile.why_plain.c_str());
-        return become_program(command);
+    for (const std::string& launcher : compilation.launchers.skipped) {
+        notice("'%s' is left out: what it brings would have no coverage", launcher.c_str());
     }
-    const Job job = job_of(call, compile);
-    ::setenv(JOB_VARIABLE, to_text(job).c_str(), 1);
-    // A cache under the compiler's own name would hand out objects without records.
-    ::setenv("CCACHE_DISABLE", "1", 1);
-    const int status = run_program(instrumented(compiler, compile, tools));
-    const std::string trouble = content_of(job.notices);
-    ::unsetenv(JOB_VARIABLE);
-    if (status != 0 || !trouble.empty()) {
-        return compile_plainly(command, compile.sources[0], trouble);
+    int status = 0;
+    for (const CompileInput& input : compilation.command.inputs) {
+        const bool is_only = compilation.command.inputs.size() == 1;
+        const Words plain = is_only ? call.command : words_for_input(compilation.command, input);
+        status = std::max(status, compile_input(compilation, input, plain));
     }
-    return 0;
+    return status;
 }

@@ -1,8 +1,10 @@
-// lltcc: instrumenting compiler driver. One program in two roles: `lltcc` stands in front of the
-// compiler, and under the name `as` it is what that compiler takes for its assembler.
+// lltcc: instrumenting compiler driver. One program in three roles: `lltcc` stands in front of the
+// compiler, under the name `as` it is what that compiler takes for its assembler, and `lltcc -stub`
+// compiles registration stubs.
 #include "assembler.h"
 #include "commonfunc/path_name.h"
 #include "driver.h"
+#include "stub_role.h"
 
 #include <exception>
 
@@ -12,7 +14,13 @@ int main(int argc, char** argv)
 {
     try {
         const Words arguments(argv + 1, argv + argc);
-        return base_name(argv[0]) == "as" ? run_assembler(arguments) : run_driver(arguments);
+        if (base_name(argv[0]) == "as") {
+            return run_assembler(arguments);
+        }
+        if (argc > 2 && arguments[0] == STUB_ROLE) {
+            return run_stub_compile(Words(arguments.begin() + 1, arguments.end()));
+        }
+        return run_driver(arguments);
     } catch (const std::exception& error) {
         notice("%s", error.what());
         return 1;

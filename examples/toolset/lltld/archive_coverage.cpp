@@ -3,8 +3,6 @@
 #include "examples/toolset/lltld/archive_coverage.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "lltld/archive_file.h"
-
 #include <cstdint>
 #include <string_view>
 
@@ -87,6 +85,16 @@ ArchiveCoverage read_archive(const std::string& path)
         coverage.arrays.clear(); // defined by the objects themselves: no stub registers them
     }
     std::set<std::string> seen = coverage.arrays;
+    for_each_member(path, archive, [&](std::string_view bytes) {
+        find_symbols(bytes, seen, coverage.unregistered);
+        find_builds(bytes, coverage.modules);
+    });
+    return coverage;
+}
+
+void for_each_member(const std::string& path, const ArchiveFile& archive,
+                     const std::function<void(std::string_view)>& look_at)
+{
     for (const ArchiveMember& member : archive.members) {
         std::string outside;
         if (archive.is_thin) {
@@ -94,9 +102,6 @@ ArchiveCoverage read_archive(const std::string& path)
             read_whole_file(name[0] == '/' ? name : path.substr(0, path.rfind('/') + 1) + name,
                             outside);
         }
-        const std::string_view bytes = archive.is_thin ? outside : member.content;
-        find_symbols(bytes, seen, coverage.unregistered);
-        find_builds(bytes, coverage.modules);
+        look_at(archive.is_thin ? outside : member.content);
     }
-    return coverage;
 }

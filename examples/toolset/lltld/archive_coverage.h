@@ -1,8 +1,10 @@
 // What a static library brings along: its registration stubs, and members that no stub registers.
 #pragma once
 
+#include "lltld/archive_file.h"
 #include "lltld/object_scan.h"
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -23,6 +25,11 @@ struct ArchiveCoverage {
 
 /// Looks into the library, and into the files that a thin one names.
 ArchiveCoverage read_archive(const std::string& path);
+
+/// Calls the function with the bytes of each member of the archive at `path`; those of a thin one
+/// are read from the files that it names.
+void for_each_member(const std::string& path, const ArchiveFile& archive,
+                     const std::function<void(std::string_view)>& look_at);
 
 /// Adds a symbol of this name to an object that was not scanned.
 void add_symbol(ScannedObject& object, const std::string& name);

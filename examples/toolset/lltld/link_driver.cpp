@@ -7,6 +7,7 @@
 #include "examples/toolset/common/process.h"
 #include "examples/toolset/lltld/link_coverage.h"
 #include "examples/toolset/lltld/link_file.h"
+#include "examples/toolset/lltld/lost_records.h"
 #include "examples/toolset/lltld/module_stub.h"
 #include "examples/toolset/lltld/source_step.h"
 #include "lltld/counter_mode.h"
@@ -203,6 +204,7 @@ int drive_link(int argc, char** argv)
         link = compile_sources(call, link);
         coverage = find_coverage(link);
     }
+    restore_lost_records(link, coverage);
     return coverage.is_empty() ? become_program(link.words)
                                : link_module(link, coverage, call.name);
 }

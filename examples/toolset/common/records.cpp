@@ -1,10 +1,13 @@
 // A directory is filled under a temporary name and then takes its place; where an older one stands
 // (the same source compiled again), the two change places and the old one goes.
-#include "records.h"
+#include "examples/toolset/common/records.h"
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/text_lines.h"
+#include "contract/object_record.h"
 #include "examples/toolset/common/driver_call.h"
+#include "examples/toolset/common/source_name.h"
 #include "lltld/source_tab.h"
 
 #include <cerrno>
@@ -17,9 +20,6 @@
 
 namespace
 {
-
-/// Part of every symbol's number: another one makes new symbols for all sources.
-constexpr const char* FORMAT_VERSION = "lltcc 1";
 
 [[noreturn]] void fail(const std::string& what, const std::string& path)
 {
@@ -39,18 +39,25 @@ void make_directories(const std::string& path)
     }
 }
 
+/// The source's name in tables: symbol and extension, and for the runtime how many bytes at the end
+/// of the array join two runs by "or".
+std::string name_in_table(const Record& record)
+{
+    const std::string suffix = suffix_of(record.source);
+    return record.symbol + "." + (suffix.empty() ? "c" : suffix) +
+           (record.or_bytes == 0 ? "" : ":" + std::to_string(record.or_bytes));
+}
+
 std::string table_record(const Record& record)
 {
     _SOURCEFILE_OBJECT entry = {};
-    const std::size_t dot = record.source.rfind('.');
-    const std::string extension = dot == record.source.npos ? "c" : record.source.substr(dot + 1);
-    copy_bounded(entry.szName, record.symbol + "." + extension);
+    copy_bounded(entry.szName, name_in_table(record));
     struct stat info = {};
     if (::stat(record.source.c_str(), &info) == 0) {
         entry.size = static_cast<std::uint32_t>(info.st_size);
         entry.mtime = static_cast<std::uint32_t>(info.st_mtime);
     }
-    entry.instnum = static_cast<std::int32_t>(record.probes);
+    entry.instnum = points_of_array(record.stub_mode, record.array_bytes);
     return std::string(reinterpret_cast<const char*>(&entry), sizeof entry);
 }
 
@@ -76,9 +83,9 @@ void move_into_place(const std::string& from, const std::string& to)
 
 } // namespace
 
-std::string symbol_of(const Record& record, const std::string& assembly)
+std::string symbol_of(const std::string& source, const std::vector<std::string>& texts)
 {
-    std::string name = base_name(record.source).substr(0, 14);
+    std::string name = base_name(source).substr(0, 14);
     for (char& c : name) {
         const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
         c = letter || (c >= '0' && c <= '9') ? c : '_';
@@ -86,20 +93,38 @@ std::string symbol_of(const Record& record, const std::string& assembly)
     if (name.empty() || (name[0] >= '0' && name[0] <= '9')) {
         name.insert(0, 1, '_');
     }
-    return name.substr(0, 14) + "_" +
-           hash_name({FORMAT_VERSION, record.source, record.object, record.compile_command,
-                      std::to_string(record.stub_mode), assembly});
+    return name.substr(0, 14) + "_" + hash_name(texts);
 }
 
-void leave_records(const std::string& area, const Record& record)
+std::int32_t points_of_array(int stub_mode, std::uint32_t bytes)
+{
+    switch (stub_mode) {
+    case 0:
+    case 4:
+    case 7:
+        return static_cast<std::int32_t>(8 * bytes); // bits
+    case 2:
+    case 6:
+    case 9:
+        return static_cast<std::int32_t>(bytes);
+    default:
+        return static_cast<std::int32_t>(bytes / 4);
+    }
+}
+
+std::vector<Record> records_of(std::string_view object)
+{
+    try {
+        return read_records(record_section(object));
+    } catch (const FormatError&) {
+        return {};
+    }
+}
+
+void leave_records(const std::string& area, const Record& record, const std::string& object)
 {
     for (const char* part : {"/db", "/ini", "/obj/before"}) {
         make_directories(area + part);
-    }
-    std::string object;
-    if (read_whole_file(record.object, object) != Reading::done) {
-        throw std::runtime_error("cannot read '" + record.object +
-                                 "', which was just made: do two builds run at once?");
     }
     write_whole(area + "/obj/before/" + record.symbol, object);
     write_whole(area + "/ini/" + record.symbol + ".ini",
@@ -110,6 +135,6 @@ void leave_records(const std::string& area, const Record& record)
     make_directories(beside);
     write_whole(beside + "/.tab", table_record(record));
     write_whole(beside + "/CompileCmd.txt", record.compile_command);
-    write_whole(beside + "/probes.txt", record.probe_map);
+    write_whole(beside + "/record", to_bytes(record));
     move_into_place(beside, place);
 }

@@ -1,0 +1,23 @@
+// What an instrumented source leaves in the project's temporary area for the archive and link
+// steps, made from the record in its object.
+#pragma once
+
+#include "contract/record.h"
+
+#include <string>
+#include <vector>
+
+/// A C identifier of at most 31 characters: the source's name, cut to 14, and a number that is
+/// another one as soon as one of the texts is.
+std::string symbol_of(const std::string& source, const std::vector<std::string>& texts);
+
+/// How many points, in the units of the stub mode, an array of so many bytes has: the stub's array
+/// is then large enough.
+std::int32_t points_of_array(int stub_mode, std::uint32_t bytes);
+
+/// The records in the object's section; none when it has no section, or one that is damaged.
+std::vector<Record> records_of(std::string_view object);
+
+/// Writes the files of the record into the area (LLTTEMP/codemeasure), each of which appears whole
+/// or not at all; `object` is the content of the object. Throws `std::runtime_error`.
+void leave_records(const std::string& area, const Record& record, const std::string& object);

@@ -1,0 +1,199 @@
+// The compiler tells by its own "-v" who it is and where its headers are. The answer is a file per
+// compiler and target, since every compile of a build asks.
+#include "compiler.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "examples/toolset/common/driver_call.h"
+
+#include <climits>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Part of every answer's name: another one asks all compilers again.
+constexpr const char* FORMAT_VERSION = "compiler 2";
+
+/// The program that a shell would run.
+std::string program_of(const std::string& word)
+{
+    if (word.find('/') != word.npos) {
+        return word;
+    }
+    std::istringstream path(env_text("PATH"));
+    for (std::string directory; std::getline(path, directory, ':');) {
+        const std::string program = (directory.empty() ? "." : directory) + "/" + word;
+        if (::access(program.c_str(), X_OK) == 0) {
+            return program;
+        }
+    }
+    return word;
+}
+
+std::string resolved(const std::string& path)
+{
+    char real[PATH_MAX] = {};
+    return ::realpath(path.c_str(), real) != nullptr ? real : path;
+}
+
+/// A program beside the compiler, under its name with the last "gcc", "g++", ... replaced.
+std::string beside(const std::string& compiler, const std::string& tool)
+{
+    const std::string name = base_name(compiler);
+    const std::string directory = compiler.substr(0, compiler.size() - name.size());
+    for (const char* own : {"gcc", "g++", "cc", "c++"}) {
+        const std::size_t at = name.rfind(own);
+        if (at != name.npos) {
+            const std::string path =
+                directory + name.substr(0, at) + tool + name.substr(at + std::string(own).size());
+            return ::access(path.c_str(), X_OK) == 0 ? path : "";
+        }
+    }
+    return "";
+}
+
+/// The folder as the beginning of a path, in the compiler's regular expressions.
+std::string as_expression(const std::string& folder)
+{
+    std::string out = "^";
+    for (const char c : folder) {
+        out += std::string(std::string_view("\\^$.|?*+()[]{}").find(c) != std::string_view::npos
+                               ? "\\"
+                               : "") +
+               c;
+    }
+    return out + "/";
+}
+
+/// Reads what "-v" has printed.
+Compiler read_answer(const std::string& answer)
+{
+    Compiler compiler;
+    bool in_list = false;
+    std::istringstream lines(answer);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t version = line.find(" version ");
+        if (begins_with(line, "gcc version ")) {
+            compiler.kind = Compiler::Kind::gcc;
+            compiler.major = std::atoi(line.c_str() + 12);
+        } else if (line.find("clang version ") != line.npos) {
+            compiler.kind = Compiler::Kind::clang;
+            compiler.major = std::atoi(line.c_str() + version + 9);
+        } else if (begins_with(line, "#include ")) {
+            in_list = true;
+        } else if (begins_with(line, "End of search list")) {
+            in_list = false;
+        } else if (in_list && line[0] == ' ') {
+            compiler.headers +=
+                (compiler.headers.empty() ? "" : ";") + as_expression(line.substr(1));
+        }
+    }
+    return compiler;
+}
+
+/// The words that choose the compiler's target and headers, the compiler first.
+Words query_of(const CompileCommand& command)
+{
+    Words words = {command.kept[0]};
+    for (std::size_t i = 1; i < command.kept.size(); ++i) {
+        const std::string& word = command.kept[i];
+        if (is_one_of(word, {"-target", "-isysroot", "--sysroot", "-arch", "-B"})) {
+            words.push_back(word);
+            words.push_back(command.kept[++i]);
+        } else if (begins_with(word, "-m") || begins_with(word, "--") || begins_with(word, "-B")) {
+            words.push_back(word);
+        }
+    }
+    return words;
+}
+
+/// The assembler by its path, or as a name to be found through PATH.
+std::string assembler_of(Words query)
+{
+    query.emplace_back("-print-prog-name=as");
+    std::string answer;
+    std::string unused;
+    run_program(query, {nullptr, &answer, &unused});
+    answer.erase(answer.find_last_not_of("\r\n") + 1);
+    return answer.empty() ? "as" : answer;
+}
+
+Compiler ask(const Words& query, const std::string& program)
+{
+    std::string answer;
+    for (const char* language : {"c++", "c"}) {
+        Words words = query;
+        words.insert(words.end(), {"-E", "-v", "-x", language, "/dev/null"});
+        std::string unused;
+        if (run_program(words, {nullptr, &unused, &answer}) == 0) {
+            break;
+        }
+    }
+    Compiler compiler = read_answer(answer);
+    const std::string real = resolved(program);
+    if (compiler.kind == Compiler::Kind::gcc) {
+        const std::string reader = beside(program, "gcov");
+        compiler.reader = reader.empty() ? beside(real, "gcov") : reader;
+    } else if (compiler.kind == Compiler::Kind::clang) {
+        compiler.reader = real.substr(0, real.rfind('/'));
+    }
+    compiler.assembler = assembler_of(query);
+    return compiler;
+}
+
+std::string to_text(const Compiler& compiler)
+{
+    const char* const kinds[] = {"gcc", "clang", "other"};
+    return std::string(kinds[static_cast<int>(compiler.kind)]) + "\n" +
+           std::to_string(compiler.major) + "\n" + compiler.headers + "\n" + compiler.reader +
+           "\n" + compiler.assembler + "\nend\n";
+}
+
+/// False when the text is not whole.
+bool from_text(const std::string& text, Compiler& compiler)
+{
+    std::istringstream in(text);
+    std::string kind;
+    std::string major;
+    std::string end;
+    std::getline(in, kind);
+    std::getline(in, major);
+    std::getline(in, compiler.headers);
+    std::getline(in, compiler.reader);
+    std::getline(in, compiler.assembler);
+    std::getline(in, end);
+    compiler.kind = kind == "gcc"     ? Compiler::Kind::gcc
+                    : kind == "clang" ? Compiler::Kind::clang
+                                      : Compiler::Kind::other;
+    compiler.major = std::atoi(major.c_str());
+    return end == "end";
+}
+
+} // namespace
+
+Compiler know_compiler(const std::string& area, const CompileCommand& command)
+{
+    const Words query = query_of(command);
+    const std::string program = program_of(query[0]);
+    Words key = query;
+    struct stat info = {};
+    ::stat(program.c_str(), &info);
+    key.insert(key.end(), {FORMAT_VERSION, program, std::to_string(info.st_size),
+                           std::to_string(info.st_mtim.tv_sec), std::to_string(info.st_ino)});
+    const std::string folder = area + "/compilers";
+    const std::string path = folder + "/" + hash_name(key);
+    Compiler compiler;
+    std::string text;
+    if (read_whole_file(path, text) == Reading::done && from_text(text, compiler)) {
+        return compiler;
+    }
+    compiler = ask(query, program);
+    std::error_code unused;
+    std::filesystem::create_directories(folder, unused);
+    replace_file(path, to_text(compiler));
+    return compiler;
+}

@@ -1,0 +1,196 @@
+// GCC counts a function FUNCTION in arrays `__gcov0.FUNCTION` (0: the kind of its counters) and
+// describes it for its own runtime in tables: `.LPBX2` points to `.LPBX0` (version, stamp,
+// checksum, file name, how each kind joins two runs), that to `.LPBX1`, a list of a
+// `__gcov_.FUNCTION` for each function (identifier, two checksums, number and place of its
+// counters). The tables are read and left out; each counter gets a place in one array. Only names
+// and data directives are understood, so that this works for every machine: how a counter is
+// addressed stays as it is, and a name is replaced by an expression. Anything else that names a
+// counter or a table is refused.
+#include "asm_line.h"
+#include "gcc_tables.h"
+
+#include "commonfunc/text.h"
+
+#include <algorithm>
+
+namespace
+{
+
+using Texts = std::vector<std::string_view>;
+
+constexpr std::string_view COUNTER = "__gcov";
+constexpr std::string_view TABLE = "LPBX";
+
+/// What the compiler calls for the program's fork, exec and the like: the runtime has it.
+bool is_function(std::string_view name)
+{
+    return is_one_of(name, {"__gcov_fork", "__gcov_execl", "__gcov_execlp", "__gcov_execle",
+                            "__gcov_execv", "__gcov_execvp", "__gcov_execve", "__gcov_dump",
+                            "__gcov_reset"});
+}
+
+std::string_view operand_of(const AsmLine& line)
+{
+    return line.rest.substr(0, line.rest.find_first_of(" \t,#@;|!"));
+}
+
+class Reader
+{
+public:
+    explicit Reader(std::string_view text) : text_(text) {}
+
+    CounterText read()
+    {
+        std::size_t done = 0;
+        for (std::size_t hit = next_hit(0); hit < text_.size(); hit = next_hit(done)) {
+            const std::size_t start = text_.rfind('\n', hit) + 1; // npos + 1 is 0
+            keep(done, start);
+            done = read_line(start);
+        }
+        keep(done, text_.size());
+        place_counters(parts_, out_);
+        return std::move(out_);
+    }
+
+private:
+    /// Where the next name of a counter or table may be; the text's size when there is none.
+    std::size_t next_hit(std::size_t from)
+    {
+        for (auto& [word, at] : next_) {
+            if (at < from || from == 0) {
+                at = std::min(text_.find(word, from), text_.size());
+            }
+        }
+        return std::min(next_[0].second, next_[1].second);
+    }
+
+    void keep(std::size_t from, std::size_t to)
+    {
+        if (from < to) {
+            out_.pieces.push_back({text_.substr(from, to - from)});
+        }
+    }
+
+    /// Takes the line apart, a definition with its data; returns where the text goes on.
+    std::size_t read_line(std::size_t start)
+    {
+        const AsmLine line = line_at(text_, start);
+        const std::size_t next = start + line.whole.size();
+        const std::string_view name = name_at(line.rest, 0);
+        const std::string_view label = line.word.substr(0, line.word.size() - 1);
+        const bool is_ours = is_counter(name) || is_table(name);
+        if (line.is_string() || is_one_of(line.word, {".file", ".ident"})) {
+            keep(start, next);
+        } else if (line.is_label() && (is_counter(label) || is_table(label))) {
+            return read_definition(label, start, next);
+        } else if (line.word == ".comm" && is_ours) {
+            read_common(name, line.rest.substr(name.size()));
+        } else if (is_ours && line.is_attribute()) {
+            // goes with the definition
+        } else if (line.word == ".section") {
+            keep_section(line, start, next);
+        } else {
+            rename(line.whole);
+        }
+        return next;
+    }
+
+    /// Sections of the tables alone, and of single variables, go with what is in them.
+    void keep_section(const AsmLine& line, std::size_t start, std::size_t next)
+    {
+        const bool is_of_table = line.rest.find(".__gcov") != line.rest.npos ||
+                                 line.rest.find(".LPBX") != line.rest.npos ||
+                                 line.rest.find("$LPBX") != line.rest.npos;
+        if (!is_of_table) {
+            keep(start, next);
+        }
+    }
+
+    /// .comm NAME,SIZE,ALIGNMENT in bytes
+    void read_common(std::string_view name, std::string_view rest)
+    {
+        const std::size_t comma = rest.rfind(',');
+        if (comma == 0 || comma == rest.npos) {
+            refuse(name);
+        }
+        CounterDefinition& definition = parts_.definitions[name];
+        definition.size = number_of(rest.substr(1, comma - 1));
+        definition.alignment = number_of(rest.substr(comma + 1));
+    }
+
+    /// The data after a label: bytes of counters, or the words of a table.
+    std::size_t read_definition(std::string_view label, std::size_t start, std::size_t next)
+    {
+        Texts words;
+        std::uint32_t size = 0;
+        while (next < text_.size()) {
+            const AsmLine line = line_at(text_, next);
+            if (!line.is_value() && !line.is_padding()) {
+                break;
+            }
+            if (line.is_padding()) {
+                size += number_of(operand_of(line));
+            } else {
+                words.push_back(operand_of(line));
+            }
+            next += line.whole.size();
+        }
+        if (is_counter(label)) {
+            parts_.definitions[label].size = size;
+            parts_.definitions[label].alignment = alignment_before(start);
+        } else {
+            parts_.tables[label] = std::move(words);
+        }
+        return next;
+    }
+
+    /// Of the directive above a label. ".align" means bytes on some machines and a power of two on
+    /// others: counters are aligned to 4 bytes at least, so small numbers are taken for powers.
+    std::uint32_t alignment_before(std::size_t label)
+    {
+        std::size_t end = label;
+        for (int lines = 0; lines < 5 && end > 0; ++lines) {
+            const std::size_t start = end < 2 ? 0 : text_.rfind('\n', end - 2) + 1;
+            const AsmLine line = line_at(text_, start);
+            if (is_one_of(line.word, {".align", ".p2align", ".balign"})) {
+                const std::uint32_t number = number_of(operand_of(line));
+                return line.word != ".balign" && number < 8 ? 1U << number : number;
+            }
+            end = start;
+        }
+        return 8;
+    }
+
+    /// An instruction or data that names counters: each name becomes a place in the array.
+    void rename(std::string_view line)
+    {
+        std::size_t done = 0;
+        for (std::size_t at = 0; at < line.size(); ++at) {
+            const std::string_view name = name_at(line, at);
+            if (name.empty() || (name[0] == '$' && !is_table(name))) {
+                continue; // "$" also marks a number
+            }
+            if (is_counter(name)) {
+                out_.pieces.push_back({line.substr(done, at - done), 0});
+                parts_.references.emplace_back(out_.pieces.size() - 1, name);
+                done = at + name.size();
+            } else if (is_table(name) || (begins_with(name, COUNTER) && !is_function(name))) {
+                refuse(line);
+            }
+            at += name.size() - 1;
+        }
+        out_.pieces.push_back({line.substr(done)});
+    }
+
+    std::string_view text_;
+    std::pair<std::string_view, std::size_t> next_[2] = {{COUNTER, 0}, {TABLE, 0}};
+    CounterText out_;
+    GccParts parts_;
+};
+
+} // namespace
+
+CounterText read_gcc_text(std::string_view text)
+{
+    return Reader(text).read();
+}

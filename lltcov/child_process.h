@@ -1,0 +1,42 @@
+// Other programs that do a part of the work, without a shell, and a private folder for what they
+// read and write.
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+/// A folder that only its owner can enter; it is removed, with all it holds, in the end.
+class TemporaryFolder
+{
+public:
+    /// Makes it below "TMPDIR", else /tmp; throws `std::runtime_error` when that fails.
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    /// The folder's absolute path.
+    const std::string& path() const { return path_; }
+
+    /// Writes a file of this name; throws `std::runtime_error` when that fails.
+    void write(const std::string& name, const std::string& bytes) const;
+
+    /// The content of a file of this name; empty when there is none.
+    std::string read(const std::string& name) const;
+
+private:
+    std::string path_;
+};
+
+/// Starts a program, found through PATH, in the folder. Its output goes to NAME.out there, what it
+/// says on standard error, in English, to NAME.err; its input is empty. 0 when it cannot be
+/// started.
+pid_t start_program(const std::vector<std::string>& words, const TemporaryFolder& folder,
+                    const std::string& name);
+
+/// Waits for it; its exit status as a shell's `$?`, 127 for 0.
+int wait_for_program(pid_t program);
+
+/// How many programs the machine runs side by side.
+std::size_t number_of_processors();

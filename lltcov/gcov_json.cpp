@@ -1,0 +1,99 @@
+// The text lists a line once for the source, and once more for each instance of a template that
+// holds it: their counts add up to what gcov shows beside the line.
+#include "lltcov/gcov_json.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace
+{
+
+using nlohmann::json;
+
+/// Counts of unsound profiles may be negative.
+std::uint64_t count_of(const json& object, const char* key)
+{
+    return static_cast<std::uint64_t>(
+        std::max<std::int64_t>(0, object.at(key).get<std::int64_t>()));
+}
+
+std::uint32_t line_of(const json& object, const char* key)
+{
+    return object.at(key).get<std::uint32_t>();
+}
+
+/// The list under the key, empty when there is none.
+const json& list_of(const json& object, const char* key)
+{
+    static const json none = json::array();
+    const auto found = object.find(key);
+    return found == object.end() ? none : *found;
+}
+
+Condition condition_of(const json& object)
+{
+    Condition condition;
+    condition.terms.resize(count_of(object, "count") / 2, {true, true});
+    for (const json& term : list_of(object, "not_covered_true")) {
+        condition.terms.at(term.get<std::size_t>()).first = false;
+    }
+    for (const json& term : list_of(object, "not_covered_false")) {
+        condition.terms.at(term.get<std::size_t>()).second = false;
+    }
+    return condition;
+}
+
+void add_line(SourceCoverage& source, const json& object)
+{
+    const std::uint32_t line = line_of(object, "line_number");
+    LineBlock block;
+    block.count = count_of(object, "count");
+    std::uint64_t& sum = source.lines[line];
+    sum = sum_of_counts(sum, block.count);
+    for (const json& branch : list_of(object, "branches")) {
+        block.branches.push_back({count_of(branch, "count"), branch.at("throw").get<bool>(),
+                                  branch.at("fallthrough").get<bool>()});
+    }
+    for (const json& condition : list_of(object, "conditions")) {
+        if (count_of(condition, "count") > 1) {
+            block.conditions.push_back(condition_of(condition));
+        }
+    }
+    if (!block.branches.empty() || !block.conditions.empty()) {
+        add_block(source.blocks[line][object.value("function_name", "")], block);
+    }
+}
+
+SourceCoverage source_of(const json& file)
+{
+    SourceCoverage source;
+    for (const json& line : list_of(file, "lines")) {
+        add_line(source, line);
+    }
+    for (const json& object : list_of(file, "functions")) {
+        FunctionCoverage& function = source.functions[object.at("name").get<std::string>()];
+        function.line = line_of(object, "start_line");
+        function.count = count_of(object, "execution_count");
+    }
+    return source;
+}
+
+} // namespace
+
+GcovResult read_gcov_json(std::string_view text)
+{
+    try {
+        const json root = json::parse(text);
+        GcovResult result;
+        result.data_file = root.at("data_file").get<std::string>();
+        result.directory = root.value("current_working_directory", "");
+        for (const json& file : list_of(root, "files")) {
+            result.sources.emplace_back(file.at("file").get<std::string>(), source_of(file));
+        }
+        return result;
+    } catch (const json::exception& error) {
+        throw std::runtime_error(error.what());
+    }
+}
