@@ -2,6 +2,7 @@
 // joins two runs; `.LPBX1` is the list of the functions' tables in the order of data files.
 #include "gcc_tables.h"
 
+#include "asm_line.h"
 #include "commonfunc/text.h"
 
 #include <algorithm>
@@ -185,12 +186,6 @@ std::uint32_t number_of(std::string_view digits)
     } catch (const std::exception&) {
         refuse(digits);
     }
-}
-
-void refuse(std::string_view what)
-{
-    throw NotInstrumentable("the compiler's counters are not understood: '" +
-                            std::string(what.substr(0, what.find('\n')).substr(0, 80)) + "'");
 }
 
 void place_counters(GccParts& parts, CounterText& out)

@@ -6,6 +6,7 @@
 // and data directives are understood, so that this works for every machine: how a counter is
 // addressed stays as it is, and a name is replaced by an expression. Anything else that names a
 // counter or a table is refused.
+#include "asm_line.h"
 #include "gcc_tables.h"
 
 #include "commonfunc/text.h"
@@ -19,22 +20,6 @@ using Texts = std::vector<std::string_view>;
 
 constexpr std::string_view COUNTER = "__gcov";
 constexpr std::string_view TABLE = "LPBX";
-constexpr std::string_view BLANKS = " \t";
-
-bool is_name_character(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-           c == '.' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
-}
-
-std::string_view name_at(std::string_view text, std::size_t at)
-{
-    std::size_t end = at;
-    while (end < text.size() && is_name_character(text[end])) {
-        ++end;
-    }
-    return text.substr(at, end - at);
-}
 
 /// What the compiler calls for the program's fork, exec and the like: the runtime has it.
 bool is_function(std::string_view name)
@@ -44,40 +29,7 @@ bool is_function(std::string_view name)
                             "__gcov_reset"});
 }
 
-/// A line of the text as the assembler sees it: a label, or a directive or instruction.
-struct Line {
-    std::string_view whole; ///< with its line end
-    std::string_view word;  ///< the first one
-    std::string_view rest;  ///< behind it
-};
-
-Line line_at(std::string_view text, std::size_t start)
-{
-    const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
-    Line line;
-    line.whole = text.substr(start, end - start);
-    std::string_view rest = line.whole.substr(0, line.whole.find('\n'));
-    rest.remove_prefix(std::min(rest.find_first_not_of(BLANKS), rest.size()));
-    line.word = rest.substr(0, rest.find_first_of(BLANKS));
-    rest.remove_prefix(line.word.size());
-    rest.remove_prefix(std::min(rest.find_first_not_of(BLANKS), rest.size()));
-    line.rest = rest;
-    return line;
-}
-
-bool is_data(std::string_view word)
-{
-    return is_one_of(word, {".long", ".quad", ".zero", ".word", ".xword", ".dword", ".4byte",
-                            ".8byte", ".2byte", ".hword", ".short", ".value", ".byte", ".space",
-                            ".skip", ".llong"});
-}
-
-bool is_padding(std::string_view word)
-{
-    return is_one_of(word, {".zero", ".space", ".skip"});
-}
-
-std::string_view operand_of(const Line& line)
+std::string_view operand_of(const AsmLine& line)
 {
     return line.rest.substr(0, line.rest.find_first_of(" \t,#@;|!"));
 }
@@ -122,20 +74,18 @@ private:
     /// Takes the line apart, a definition with its data; returns where the text goes on.
     std::size_t read_line(std::size_t start)
     {
-        const Line line = line_at(text_, start);
+        const AsmLine line = line_at(text_, start);
         const std::size_t next = start + line.whole.size();
         const std::string_view name = name_at(line.rest, 0);
         const std::string_view label = line.word.substr(0, line.word.size() - 1);
         const bool is_ours = is_counter(name) || is_table(name);
-        if (is_one_of(line.word, {".string", ".ascii", ".asciz", ".file", ".ident"})) {
+        if (line.is_string() || is_one_of(line.word, {".file", ".ident"})) {
             keep(start, next);
-        } else if (!line.word.empty() && line.word.back() == ':' &&
-                   (is_counter(label) || is_table(label))) {
+        } else if (line.is_label() && (is_counter(label) || is_table(label))) {
             return read_definition(label, start, next);
         } else if (line.word == ".comm" && is_ours) {
             read_common(name, line.rest.substr(name.size()));
-        } else if (is_ours && is_one_of(line.word, {".local", ".hidden", ".weak", ".globl", ".type",
-                                                    ".size"})) {
+        } else if (is_ours && line.is_attribute()) {
             // goes with the definition
         } else if (line.word == ".section") {
             keep_section(line, start, next);
@@ -146,7 +96,7 @@ private:
     }
 
     /// Sections of the tables alone, and of single variables, go with what is in them.
-    void keep_section(const Line& line, std::size_t start, std::size_t next)
+    void keep_section(const AsmLine& line, std::size_t start, std::size_t next)
     {
         const bool is_of_table = line.rest.find(".__gcov") != line.rest.npos ||
                                  line.rest.find(".LPBX") != line.rest.npos ||
@@ -174,11 +124,11 @@ private:
         Texts words;
         std::uint32_t size = 0;
         while (next < text_.size()) {
-            const Line line = line_at(text_, next);
-            if (!is_data(line.word)) {
+            const AsmLine line = line_at(text_, next);
+            if (!line.is_value() && !line.is_padding()) {
                 break;
             }
-            if (is_padding(line.word)) {
+            if (line.is_padding()) {
                 size += number_of(operand_of(line));
             } else {
                 words.push_back(operand_of(line));
@@ -201,7 +151,7 @@ private:
         std::size_t end = label;
         for (int lines = 0; lines < 5 && end > 0; ++lines) {
             const std::size_t start = end < 2 ? 0 : text_.rfind('\n', end - 2) + 1;
-            const Line line = line_at(text_, start);
+            const AsmLine line = line_at(text_, start);
             if (is_one_of(line.word, {".align", ".p2align", ".balign"})) {
                 const std::uint32_t number = number_of(operand_of(line));
                 return line.word != ".balign" && number < 8 ? 1U << number : number;
