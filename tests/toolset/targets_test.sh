@@ -11,7 +11,7 @@ tests=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 toolset=$tests/../../examples/toolset
 work=$(mktemp -d /tmp/targets.XXXXXX)
 trap 'rm -rf "$work"' EXIT
-PATH=$1:$PATH
+PATH=$(cd "$1" && pwd):$PATH
 shift
 # shellcheck source=tests/toolset/against_gcov.sh
 . "$tests/against_gcov.sh"
