@@ -128,11 +128,7 @@ int QMR_AddCoverageBuf(void* pMod, unsigned int iFileId, char* pFileName, unsign
         .or_words = (size_t)or_bytes_of(pFileName, size) / sizeof(uint64_t),
         .index = iFileId,
     };
-    sigset_t mask;
-    registry_lock(&mask);
-    const int added = registry_add_buffer(module, &buffer);
-    registry_unlock(&mask);
-    return added;
+    return registry_add_buffer(module, &buffer);
 }
 
 /* The string member of a flat JSON object, to be freed, or null. */

@@ -102,7 +102,7 @@ static void dump_at_signal(int number, siginfo_t* info, void* context)
         old->sa_sigaction(number, info, context);
     } else if (old->sa_handler == SIG_DFL) {
         if (ends_process(number)) {
-            /* It is blocked in its own handler, so it arrives behind this function's end. */
+            /* It is blocked in its own handler, so it arrives when this function has ended. */
             sigaction(number, old, NULL);
             raise(number);
         }
@@ -153,11 +153,11 @@ static void put_back_handlers(void)
 void policy_stop(void)
 {
     put_back_handlers();
-    pthread_mutex_lock(&timer_lock);
-    interval = 0;
-    pthread_cond_signal(&timer_changed);
-    pthread_mutex_unlock(&timer_lock);
     if (timer_runs) {
+        pthread_mutex_lock(&timer_lock);
+        interval = 0;
+        pthread_cond_signal(&timer_changed);
+        pthread_mutex_unlock(&timer_lock);
         pthread_join(timer_thread, NULL);
         timer_runs = 0;
     }

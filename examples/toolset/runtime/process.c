@@ -53,12 +53,12 @@ int process_is_exiting(void)
     return is_exiting;
 }
 
-/* The last destructor of each image that was linked with the runtime, also where the copy of
- * another image keeps its modules. */
+/* The last destructor of each image that was linked with the runtime. Where this copy has no
+ * modules, that of another image keeps those of this one. */
 __attribute__((destructor(101))) static void finish(void)
 {
     policy_stop();
-    copies_dump();
+    registry_modules != NULL ? this_copy_dump() : copies_dump();
 }
 
 void process_set_up(void)
