@@ -96,13 +96,8 @@ private:
 
     std::vector<std::string> export_words(const Part& part) const
     {
-        std::vector<std::string> words = {part.tools.cov, "export", "-format=lcov",
-                                          "-instr-profile=" + part.name + ".profdata",
-                                          "@" + part.name + ".objects"};
-        if (counting_ < Counting::branches) {
-            words.emplace_back("-skip-branches");
-        }
-        return words;
+        return {part.tools.cov, "export", "-format=lcov",
+                "-instr-profile=" + part.name + ".profdata", "@" + part.name + ".objects"};
     }
 
     /// Runs a program for each part, on all processors; `done` follows where it succeeds.
@@ -135,6 +130,9 @@ private:
         progress_.step();
         try {
             for (auto& [name, source] : read_lcov(folder_.read(part.name + ".out"))) {
+                if (counting_ < Counting::branches) {
+                    source.blocks.clear();
+                }
                 add_source(part.coverage[path_of(part, name)], source);
             }
         } catch (const FormatError&) {

@@ -43,12 +43,7 @@ bool is_system_header(const std::string& path)
 
 Coverage CoverageMaker::coverage_of(const std::vector<std::size_t>& objects)
 {
-    read_totals(objects);
-    std::vector<Share> shares;
-    for (const std::size_t index : objects) {
-        shares.push_back(total_of(index));
-    }
-    return sum_of(shares);
+    return sum_of(totals_of(objects));
 }
 
 Coverage CoverageMaker::coverage_of_test(const std::string& test,
@@ -72,23 +67,24 @@ Coverage CoverageMaker::coverage_of_test(const std::string& test,
         readings.push_back(reading_of(index, has_runs ? runs->second.counters
                                                       : Counters(object.record.array_bytes / 8)));
     }
-    read_totals(known);
+    std::vector<Share> shares = totals_of(known);
     read(readings);
-    std::vector<Share> shares;
-    for (const std::size_t index : known) {
-        shares.push_back(total_of(index));
-    }
     for (std::size_t i = 0; i < others.size(); ++i) {
         shares.push_back({others[i], &readings[i].coverage, readings[i].counters});
     }
     return sum_of(shares);
 }
 
-CoverageMaker::Share CoverageMaker::total_of(std::size_t object) const
+std::vector<CoverageMaker::Share> CoverageMaker::totals_of(const std::vector<std::size_t>& objects)
 {
-    const InstrumentedObject& of = data_.objects[object];
-    const bool is_clang = of.record.compiler == CounterSource::clang;
-    return {object, &*totals_[object], is_clang ? all_runs(of).counters : Counters()};
+    read_totals(objects);
+    std::vector<Share> shares(objects.size());
+    std::transform(objects.begin(), objects.end(), shares.begin(), [this](std::size_t index) {
+        const InstrumentedObject& object = data_.objects[index];
+        const bool is_clang = object.record.compiler == CounterSource::clang;
+        return Share{index, &*totals_[index], is_clang ? all_runs(object).counters : Counters()};
+    });
+    return shares;
 }
 
 Coverage CoverageMaker::sum_of(const std::vector<Share>& shares)

@@ -41,7 +41,7 @@ private:
         Counters counters; ///< of clang alone
     };
 
-    Share total_of(std::size_t object) const;
+    std::vector<Share> totals_of(const std::vector<std::size_t>& objects);
     Coverage sum_of(const std::vector<Share>& shares);
     ObjectReading reading_of(std::size_t object, Counters counters) const;
     bool is_read_together(const Share& share);
