@@ -55,21 +55,20 @@ int place_name(struct place* place, const struct module* module, const char* nam
            make_path(place->beside, module, ".", name, ".tmp");
 }
 
-/* Creates the directory of the file with its parents. */
-static void make_directories(const char* file)
+/* Creates the directory of the file with its parents; the path is changed meanwhile. */
+static void make_directories(char* file)
 {
-    static char directory[PATH_MAX];
-    for (size_t i = 0; file[i] != '\0'; ++i) {
-        if (i > 0 && file[i] == '/') {
-            directory[i] = '\0';
-            mkdir(directory, 0777);
+    for (char* at = file + 1; *at != '\0'; ++at) {
+        if (*at == '/') {
+            *at = '\0';
+            mkdir(file, 0777);
+            *at = '/';
         }
-        directory[i] = file[i];
     }
 }
 
 /* O_NOFOLLOW: whoever may write in the directory must not choose another file. */
-int open_or_create(const char* file, int flags)
+int open_or_create(char* file, int flags)
 {
     flags |= O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY;
     int fd = open(file, flags, 0666);

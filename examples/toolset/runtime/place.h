@@ -16,7 +16,7 @@ int place_name(struct place* place, const struct module* module, const char* nam
 
 /* Opens a file that may be missing, with its directory, and no link to somewhere else. The
  * descriptor is above those of the standard streams, which the program may have closed. */
-int open_or_create(const char* file, int flags);
+int open_or_create(char* file, int flags);
 
 /* Bytes of a file with the image. */
 size_t size_of_file(const struct image* image);

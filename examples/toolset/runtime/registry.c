@@ -6,7 +6,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-enum { SLOTS = 1024 };
+enum { SLOTS = 256 };
 
 struct module* registry_modules;
 
