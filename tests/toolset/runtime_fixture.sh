@@ -1,7 +1,8 @@
 # shellcheck shell=bash
 # Programs that count, and what their dump files add up to. $1 and $2 are the folders of the
 # runtime's sources and libraries; what follows happens in a fresh directory.
-sources=$1 binaries=$2
+sources=$1
+export binaries=$2
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
 trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT

@@ -101,9 +101,9 @@ int main(int n, char** v)
 C
 ${CC:-cc} -fprofile-arcs -c replaced.c -o replaced.o
 nm "$binaries/liblltcov_rt.a" 2> /dev/null | sed -n 's/.* W \(__gcov_.*\)/\1/p' | sort > ours
-if nm replaced.o | grep -q ' U __gcov_fork'; then # not every compiler replaces them
+if nm replaced.o | grep -q ' U __gcov_fork'; then # not every compiler replaces all
     nm replaced.o | sed -n 's/.* U \(__gcov_\(fork\|exec.*\)\)$/\1/p' | sort > theirs
-    expect "the compiler's names" "7 " "$(wc -l < theirs) $(comm -23 theirs ours | xargs)"
+    expect "the compiler's names" "" "$(comm -23 theirs ours | xargs)"
 fi
 
 # where the root is

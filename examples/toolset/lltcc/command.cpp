@@ -155,7 +155,7 @@ private:
                                             word.substr(equals + 1));
             }
         }
-        if (is_one_of(word, {"-target", "-isysroot", "--sysroot", "-arch", "-B"})) {
+        if (is_one_of(word, {"-target", "-isysroot", "--sysroot", "-idirafter", "-arch", "-B"})) {
             out_.kept.push_back(word);
             out_.kept.push_back(value);
         } else if (matters_to_stub(word) && !takes_value(word)) {
