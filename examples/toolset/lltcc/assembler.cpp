@@ -4,9 +4,9 @@
 #include "assembler.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "counter_text.h"
 #include "examples/toolset/common/driver_call.h"
 #include "examples/toolset/common/records.h"
+#include "examples/toolset/counters/counter_text.h"
 #include "handover.h"
 
 #include <cstdio>

@@ -16,7 +16,7 @@ namespace
 {
 
 /// Part of every answer's name: another one asks all compilers again.
-constexpr const char* FORMAT_VERSION = "compiler 2";
+constexpr const char* FORMAT_VERSION = "compiler 3";
 
 /// The program that a shell would run.
 std::string program_of(const std::string& word)
@@ -145,31 +145,25 @@ Compiler ask(const Words& query, const std::string& program)
     return compiler;
 }
 
+/// The answer as lines, and back; false when the text is not whole.
 std::string to_text(const Compiler& compiler)
 {
-    const char* const kinds[] = {"gcc", "clang", "other"};
-    return std::string(kinds[static_cast<int>(compiler.kind)]) + "\n" +
-           std::to_string(compiler.major) + "\n" + compiler.headers + "\n" + compiler.reader +
-           "\n" + compiler.assembler + "\nend\n";
+    return std::to_string(static_cast<int>(compiler.kind)) + "\n" + std::to_string(compiler.major) +
+           "\n" + compiler.headers + "\n" + compiler.reader + "\n" + compiler.assembler + "\nend\n";
 }
 
-/// False when the text is not whole.
 bool from_text(const std::string& text, Compiler& compiler)
 {
     std::istringstream in(text);
-    std::string kind;
-    std::string major;
+    int kind = 0;
     std::string end;
-    std::getline(in, kind);
-    std::getline(in, major);
+    in >> kind >> compiler.major;
+    in.ignore();
     std::getline(in, compiler.headers);
     std::getline(in, compiler.reader);
     std::getline(in, compiler.assembler);
     std::getline(in, end);
-    compiler.kind = kind == "gcc"     ? Compiler::Kind::gcc
-                    : kind == "clang" ? Compiler::Kind::clang
-                                      : Compiler::Kind::other;
-    compiler.major = std::atoi(major.c_str());
+    compiler.kind = static_cast<Compiler::Kind>(kind);
     return end == "end";
 }
 

@@ -8,9 +8,9 @@
 #include "command.h"
 #include "commonfunc/Caddis_func.h"
 #include "compiler.h"
-#include "counter_text.h"
 #include "examples/toolset/common/driver_call.h"
 #include "examples/toolset/common/records.h"
+#include "examples/toolset/counters/counter_text.h"
 #include "handover.h"
 #include "stub_role.h"
 
@@ -59,30 +59,33 @@ struct Compilation {
 /// Options beside those of the specs; the user's own stay as they are.
 Words options_of(const Compilation& compilation)
 {
+    const bool is_clang = compilation.compiler.kind == Compiler::Kind::clang;
+    const bool is_read_early = env_int("TimerPolicy") == 1 || env_int("SignalPolicy") == 1;
+    std::string update = env_text("LLTCOV_UPDATE");
     Words options;
     if (compilation.command.has_lto) {
         options.emplace_back("-fno-lto"); // else there is nothing to assemble yet
     }
-    if (compilation.compiler.kind == Compiler::Kind::clang) {
+    if (is_clang) {
         for (const char* const* option = CLANG_OPTIONS; *option != nullptr; ++option) {
             options.emplace_back(*option);
         }
-        return options;
+        update = is_read_early && update.empty() ? "atomic" : update;
+    } else {
+        options.push_back("-specs=" + compilation.tools + "/gcc.specs");
+        // A precompiled header made without counters is not used, which is no error.
+        options.emplace_back("-Wno-invalid-pch");
+        if (compilation.compiler.major == 11) {
+            options.emplace_back("-fno-toplevel-reorder"); // else it drops the tables
+        }
+        if (is_read_early) {
+            // Counts are read while loops run, so no loop may keep its counter in a register.
+            options.emplace_back("-fno-tree-loop-im");
+        }
+        if (env_text("LLTCOV_COUNT") == "conditions" && compilation.compiler.major >= 14) {
+            options.emplace_back("-fcondition-coverage");
+        }
     }
-    options.push_back("-specs=" + compilation.tools + "/gcc.specs");
-    // A precompiled header made without counters is not used, which is no error.
-    options.emplace_back("-Wno-invalid-pch");
-    if (compilation.compiler.major == 11) {
-        options.emplace_back("-fno-toplevel-reorder"); // else it drops the tables
-    }
-    if (env_int("TimerPolicy") == 1 || env_int("SignalPolicy") == 1) {
-        // Counts are read while loops run, so no loop may keep its counter in a register.
-        options.emplace_back("-fno-tree-loop-im");
-    }
-    if (env_text("LLTCOV_COUNT") == "conditions" && compilation.compiler.major >= 14) {
-        options.emplace_back("-fcondition-coverage");
-    }
-    const std::string update = env_text("LLTCOV_UPDATE");
     if (!update.empty()) {
         options.push_back("-fprofile-update=" + update);
     }

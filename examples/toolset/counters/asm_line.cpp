@@ -1,8 +1,8 @@
 // Names with characters that assemblers do not take for parts of a name are in quotes.
-#include "asm_line.h"
+#include "examples/toolset/counters/asm_line.h"
 
 #include "commonfunc/text.h"
-#include "counter_text.h"
+#include "examples/toolset/counters/counter_text.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 // The table of a function, `__profd_FUNCTION`, begins with two 64-bit words: a hash of its name and
 // one of its structure. A profile wants the name itself, which the section of names has: those of
 // static functions with the file before them ("util.c:help"), while symbols say `util.c_help`.
-#include "clang_tables.h"
+#include "examples/toolset/counters/clang_tables.h"
 
-#include "asm_line.h"
 #include "commonfunc/text.h"
+#include "examples/toolset/counters/asm_line.h"
 
 #include <algorithm>
 #include <cinttypes>

@@ -6,8 +6,8 @@
 // and data directives are understood, so that this works for every machine: how a counter is
 // addressed stays as it is, and a name is replaced by an expression. Anything else that names a
 // counter or a table is refused.
-#include "asm_line.h"
-#include "gcc_tables.h"
+#include "examples/toolset/counters/asm_line.h"
+#include "examples/toolset/counters/gcc_tables.h"
 
 #include "commonfunc/text.h"
 

@@ -1,9 +1,9 @@
 // The head of the tables, `.LPBX0`, holds version, stamp, checksum, file name and how each kind
 // joins two runs; `.LPBX1` is the list of the functions' tables in the order of data files.
-#include "gcc_tables.h"
+#include "examples/toolset/counters/gcc_tables.h"
 
-#include "asm_line.h"
 #include "commonfunc/text.h"
+#include "examples/toolset/counters/asm_line.h"
 
 #include <algorithm>
 

@@ -5,8 +5,8 @@
 // directives are understood, so that this works for every machine: how a counter is addressed stays
 // as it is, and a name is replaced by an expression. Anything else that names a counter or a table
 // is refused.
-#include "asm_line.h"
-#include "clang_tables.h"
+#include "examples/toolset/counters/asm_line.h"
+#include "examples/toolset/counters/clang_tables.h"
 
 #include "commonfunc/text.h"
 

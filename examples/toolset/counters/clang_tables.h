@@ -2,7 +2,7 @@
 // that stand beside the counters.
 #pragma once
 
-#include "counter_text.h"
+#include "examples/toolset/counters/counter_text.h"
 
 #include <string_view>
 #include <unordered_map>

@@ -1,7 +1,7 @@
 // What a text of gcc says of its counters, before it is understood.
 #pragma once
 
-#include "counter_text.h"
+#include "examples/toolset/counters/counter_text.h"
 
 #include <string_view>
 #include <unordered_map>
