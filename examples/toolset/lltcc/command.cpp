@@ -26,47 +26,37 @@ constexpr std::string_view VALUED =
     "-specs -wrapper --sysroot -imultilib -include-pch -ivfsoverlay --include ";
 
 /// Of these the ones that matter to a stub.
-constexpr std::string_view VALUED_FOR_STUB = " -target -isysroot --sysroot -arch -B ";
+constexpr std::string_view VALUED_FOR_STUB = " -target -isysroot --sysroot -idirafter -arch -B ";
 
 constexpr std::string_view LANGUAGES = " none c c++ cpp-output c++-cpp-output ";
 
 /// Beginnings of options that count or use counts themselves.
-constexpr std::string_view PROFILE_OPTIONS[] = {
-    "-fprofile-use",  "-fprofile-generate", "-fprofile-arcs",  "-ftest-coverage",
-    "--coverage",     "-coverage",          "-fauto-profile",  "-fbranch-probabilities",
-    "-fcs-profile",   "-fprofile-values",   "-fprofile-instr", "-fcoverage-mapping",
-    "-fcoverage-mcdc"};
+constexpr std::string_view PROFILE_OPTIONS =
+    "-fprofile-use -fprofile-generate -fprofile-arcs -ftest-coverage --coverage -coverage "
+    "-fauto-profile -fbranch-probabilities -fcs-profile -fprofile-values -fprofile-instr "
+    "-fcoverage-mapping -fcoverage-mcdc";
 
 /// Beginnings of options that a stub must be compiled with too: target, code generation, debug
 /// information. Warnings, language standard and include paths are the sources' own affair.
-constexpr std::string_view FOR_STUB[] = {"-m",        "-f",         "-O", "-g",
-                                         "--target=", "--sysroot=", "-B", "-pthread"};
+constexpr std::string_view FOR_STUB = "-m -f -O -g --target= --sysroot= -B -pthread";
 
 /// Of these the ones that a stub must not have.
-constexpr std::string_view NOT_FOR_STUB[] = {"-fsanitize",
-                                             "-fprofile",
-                                             "-ftest-coverage",
-                                             "-fcoverage",
-                                             "-fdump",
-                                             "-fpreprocessed",
-                                             "-fdirectives",
-                                             "-fmodule",
-                                             "-fplugin",
-                                             "-fsyntax",
-                                             "-finput",
-                                             "-fno-rtti",
-                                             "-fvisibility-inlines",
-                                             "-fpermissive",
-                                             "-fdiagnostics",
-                                             "-fstack-usage",
-                                             "-fcallgraph",
-                                             "-flto"};
+constexpr std::string_view NOT_FOR_STUB =
+    "-fsanitize -fprofile -ftest-coverage -fcoverage -fdump -fpreprocessed -fdirectives -fmodule "
+    "-fplugin -fsyntax -finput -fno-rtti -fvisibility-inlines -fpermissive -fdiagnostics "
+    "-fstack-usage -fcallgraph -flto";
 
-template <std::size_t N>
-bool begins_with_one_of(const std::string_view (&beginnings)[N], std::string_view word)
+/// Whether the word begins with one of the list, whose words have blanks between them.
+bool begins_with_one_of(std::string_view list, std::string_view word)
 {
-    return std::any_of(std::begin(beginnings), std::end(beginnings),
-                       [&](std::string_view beginning) { return begins_with(word, beginning); });
+    while (!list.empty()) {
+        const std::string_view beginning = list.substr(0, list.find(' '));
+        if (begins_with(word, beginning)) {
+            return true;
+        }
+        list.remove_prefix(std::min(beginning.size() + 1, list.size()));
+    }
+    return false;
 }
 
 constexpr std::string_view EXCLUDE = "-fprofile-exclude-files=";
@@ -103,8 +93,6 @@ private:
             out_.has_lto = true;
         } else if (word == "-fno-lto") {
             out_.has_lto = false;
-        } else if (word == "-pipe") {
-            out_.has_pipe = true;
         } else if (begins_with(word, "-o")) {
             out_.output = word == "-o" ? value : word.substr(2);
         } else if (begins_with(word, EXCLUDE)) {
@@ -126,7 +114,7 @@ private:
                                             word.substr(equals + 1));
             }
         }
-        if (is_one_of(word, {"-target", "-isysroot", "--sysroot", "-idirafter", "-arch", "-B"})) {
+        if (is_in(VALUED_FOR_STUB, word)) {
             out_.kept.push_back(word);
             out_.kept.push_back(value);
         } else if (begins_with_one_of(FOR_STUB, word) && !is_in(VALUED, word) &&

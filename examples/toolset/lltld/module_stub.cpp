@@ -4,6 +4,7 @@
 #include "examples/toolset/lltld/module_stub.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_tree.h"
 #include "examples/toolset/common/process.h"
 #include "lltld/covlinktool.h"
 #include "lltld/linuxfunc.h"
@@ -33,6 +34,15 @@ std::string owner_of_area()
 {
     const std::string owner = output_of_work_area();
     return QMRFileExists(owner.c_str()) != 0 ? owner : "";
+}
+
+/// As `clear_work_area` does it, without a shell: a build links many programs.
+void empty_work_area()
+{
+    const std::string area = g_lxprj->szCovDictPath;
+    remove_entries(area + "/db", "db");
+    remove_entries(area + "/obj/before", "");
+    remove_entries(area + "/ini", "");
 }
 
 /// Position-independent, for it may go into a shared library; kernel code cannot be. It runs once.
@@ -121,7 +131,8 @@ void record_libraries(const std::vector<LinkedLibrary>& libraries)
 
 std::string make_stub(const std::vector<ScannedObject>& objects)
 {
-    if (register_scanned_objects(objects) == 0 || !clear_work_area() || !update_tuple_database() ||
+    empty_work_area();
+    if (register_scanned_objects(objects) == 0 || !update_tuple_database() ||
         TidyCoverageDB() == 0 || !adapt_compile_command()) {
         return "";
     }
