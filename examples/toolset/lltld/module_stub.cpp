@@ -67,7 +67,7 @@ bool adapt_compile_command()
 }
 
 /// The definition of a symbol's counter array, as bytes; empty when its size is not known. 8 bytes
-/// per probe hold the widest element that a stub declares.
+/// per point are enough in every stub mode.
 std::string plain_array(const std::string& symbol)
 {
     _SOURCEFILE_TAB table;
