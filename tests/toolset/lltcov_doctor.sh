@@ -58,6 +58,7 @@ finds "TimeInterval is '0' although TimerPolicy is 1" 'TimerPolicy=1 TimeInterva
     'TimerPolicy=0 TimeInterval=60'
 finds "SignalNUM is '65'" 'SignalPolicy=1 SignalNUM=65' 'SignalPolicy=0 SignalNUM=10'
 sets "settings: lltwrapper_cfg is '5'" lltwrapper_cfg 5
+sets "settings: LLTCOV_COUNT is 'all'; set it to one of lines branches conditions" LLTCOV_COUNT all
 sets "project path: qmr_current_prj_path '.' is relative" qmr_current_prj_path .
 ln -s "$tmp/project" "$tmp/a b"
 sets 'project path: .* has a blank' qmr_current_prj_path "'$tmp/a b'"

@@ -133,7 +133,7 @@ RecordedFunction recorded(const ClangCounters& counters, const Names& names, boo
     return function;
 }
 
-/// The byte of an escape that begins behind the backslash at `at`, which goes to its last
+/// The byte of an escape that begins after the backslash, at `at`, which goes to its last
 /// character.
 char escaped_byte(std::string_view text, std::size_t& at)
 {

@@ -16,7 +16,7 @@ class NotInstrumentable : public std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/// A part of the text, and the place in the array that stands behind it.
+/// A part of the text, and the place in the array that follows it.
 struct TextPiece {
     static constexpr std::uint32_t NONE = UINT32_MAX;
 

@@ -6,6 +6,7 @@
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_tree.h"
 #include "examples/toolset/common/process.h"
+#include "examples/toolset/counters/counter_text.h"
 #include "lltld/covlinktool.h"
 #include "lltld/linuxfunc.h"
 
@@ -67,7 +68,7 @@ bool adapt_compile_command()
 }
 
 /// The definition of a symbol's counter array, as bytes; empty when its size is not known. 8 bytes
-/// per probe hold the widest element that a stub declares.
+/// per point are enough in every stub mode.
 std::string plain_array(const std::string& symbol)
 {
     _SOURCEFILE_TAB table;
@@ -76,8 +77,8 @@ std::string plain_array(const std::string& symbol)
         GetOneSourceFileTabInfo2(temp_tab_path(symbol.c_str()).c_str(), &table) != 0 &&
         table.elementcount > 0) {
         const std::int64_t bytes = std::max(table.objlist->instnum, 1) * std::int64_t{8};
-        line = "__attribute__((weak, aligned(16))) char g_QMRCovData_" + symbol + "[" +
-               std::to_string(bytes) + "];\n";
+        line = "__attribute__((weak, aligned(" + std::to_string(ARRAY_ALIGNMENT) +
+               "))) char g_QMRCovData_" + symbol + "[" + std::to_string(bytes) + "];\n";
     }
     release_table(table);
     return line;

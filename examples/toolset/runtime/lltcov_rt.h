@@ -24,9 +24,9 @@
  *   - fork        the parent's counts are dumped and the child begins at zero, so that no count is
  *                 reported twice and none is lost when either ends by _exit
  *   - vfork       the child shares the parent's counters, as it shares all its memory
- *   - exec        dumped before execl, execlp, execle, execv, execvp and execve in instrumented
- *                 code, in whose place the compiler calls functions of this runtime; not before
- *                 execvpe, fexecve and where the C library itself replaces the program
+ *   - exec        dumped before execl, execlp, execle, execv, execvp and execve in code of gcc,
+ *                 which calls functions of this runtime in their place; not in code of clang, not
+ *                 before execvpe and fexecve, not where the C library itself replaces the program
  *   - dlclose     the library's counts are dumped, then forgotten
  *   - threads     all count into the same arrays; whether two increments at one instant count as
  *                 two is the compiler's choice (-fprofile-update)

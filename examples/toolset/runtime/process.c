@@ -121,7 +121,7 @@ static size_t count_arguments(const char* argument, va_list rest)
 }
 
 /* With "argument" and "rest" of the function that it stands in, declares the array `arguments` and
- * leaves `rest` behind the null pointer. A macro, for the array lives on the caller's stack: there
+ * leaves `rest` after the null pointer. A macro, for the array lives on the caller's stack: there
  * is no other memory that a program may use between vfork and exec. */
 #define COLLECT_ARGUMENTS()                                                                        \
     va_list rest;                                                                                  \
