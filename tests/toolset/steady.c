@@ -1,10 +1,13 @@
 /* Preloaded into test runs that are to be compared: the clock that seeds random numbers stands
-   still, and random bytes are the same in each process. */
+   still, stop-watches advance by a millisecond whenever they are read, and random bytes are the
+   same in each process. */
 #define _GNU_SOURCE
 #include <stdint.h>
 #include <stdlib.h>
 #include <sys/random.h>
+#include <sys/syscall.h>
 #include <time.h>
+#include <unistd.h>
 
 static uint64_t next_state(void)
 {
@@ -22,6 +25,28 @@ time_t time(time_t* seconds)
     return fixed;
 }
 
+static long next_millisecond(void)
+{
+    static long milliseconds = 1000;
+    return __atomic_add_fetch(&milliseconds, 1, __ATOMIC_RELAXED);
+}
+
+clock_t clock(void)
+{
+    return next_millisecond() * (CLOCKS_PER_SEC / 1000);
+}
+
+/* Build tools compare the time of day with that of files. */
+int clock_gettime(clockid_t id, struct timespec* now)
+{
+    if (id == CLOCK_REALTIME || id == CLOCK_REALTIME_COARSE)
+        return (int)syscall(SYS_clock_gettime, id, now);
+    const long milliseconds = next_millisecond();
+    now->tv_sec = milliseconds / 1000;
+    now->tv_nsec = milliseconds % 1000 * 1000000;
+    return 0;
+}
+
 ssize_t getrandom(void* buffer, size_t size, unsigned flags)
 {
     (void)flags;
@@ -30,6 +55,12 @@ ssize_t getrandom(void* buffer, size_t size, unsigned flags)
     return (ssize_t)size;
 }
 
-void arc4random_buf(void* buffer, size_t size) { getrandom(buffer, size, 0); }
+void arc4random_buf(void* buffer, size_t size)
+{
+    getrandom(buffer, size, 0);
+}
 
-uint32_t arc4random(void) { return (uint32_t)next_state(); }
+uint32_t arc4random(void)
+{
+    return (uint32_t)next_state();
+}
