@@ -26,7 +26,7 @@ words() {
     tail -c "$size" "$1" | od -An -v -w8 -tu8 --endian="$(sed -n '/^order /{s///p;q}' "$1")"
 }
 
-# "PROBE=SUM ..." of first.c over all dump files of the module, and the number of processes; a file
+# "COUNTER=SUM ..." of first.c over all dump files of the module, and the number of processes; a file
 # that is not whole makes it "torn"
 sums() {
     for file in root/"$1".*.lltcov; do
