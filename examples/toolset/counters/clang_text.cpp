@@ -62,29 +62,15 @@ public:
 
     CounterText read()
     {
-        std::size_t done = 0;
-        for (std::size_t hit = next_hit(0); hit < text_.size(); hit = next_hit(done)) {
-            const std::size_t start = text_.rfind('\n', hit) + 1; // npos + 1 is 0
-            keep(done, start);
-            done = read_line(start);
-        }
-        keep(done, text_.size());
+        walk_lines(
+            text_, "__prof", "__llvm_pr",
+            [this](std::size_t from, std::size_t to) { keep(from, to); },
+            [this](std::size_t start) { return read_line(start); });
         place_clang_counters(parts_, text_, out_);
         return std::move(out_);
     }
 
 private:
-    /// Where the next name that may matter is; the text's size when there is none.
-    std::size_t next_hit(std::size_t from)
-    {
-        for (auto& [word, at] : next_) {
-            if (at < from || from == 0) {
-                at = std::min(text_.find(word, from), text_.size());
-            }
-        }
-        return std::min(next_[0].second, next_[1].second);
-    }
-
     void keep(std::size_t from, std::size_t to)
     {
         if (from < to) {
@@ -219,7 +205,6 @@ private:
     }
 
     std::string_view text_;
-    std::pair<std::string_view, std::size_t> next_[2] = {{"__prof", 0}, {"__llvm_pr", 0}};
     CounterText out_;
     ClangParts parts_;
 };
