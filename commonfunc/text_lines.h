@@ -31,7 +31,7 @@ public:
     /// What is left of the line, without the blank before it.
     std::string_view rest_of_line() const { return line_; }
 
-    /// What is left of the text behind the line.
+    /// What is left of the text after the line.
     std::string_view rest_of_text() const { return rest_; }
 
     /// The next field as a number of at most `largest`; throws `FormatError`, which calls it

@@ -1,4 +1,4 @@
-// The layout is that of the ELF specification: file header, section headers, section names.
+// The layout of ELF files, see elf(5): file header, section headers, section names.
 #include "contract/object_record.h"
 
 #include "contract/record.h"

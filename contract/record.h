@@ -3,7 +3,7 @@
 // it into the object (a section of its own, which no link takes over) and from there into the
 // project's temporary area; the link driver and lltcov read it.
 //
-//     lltrecord 1 LENGTH           LENGTH: bytes behind this line's end
+//     lltrecord 1 LENGTH           LENGTH: bytes after this line's end
 //     symbol util_c_1a2b           coverage symbol
 //     source /p/src/util.c         absolute paths
 //     object /p/obj/util.o
@@ -17,7 +17,7 @@
 //     (gcc) function 70510028 1 99 f     identifier, checksums of lines and flow, name (gcc)
 //     profile 24 f                 hash of the structure, name in profiles (clang)
 //     counters 0 4 32              of the function before: kind, number of 8-byte counters, offset
-//     notes SIZE                   last line; behind it SIZE bytes, the notes of the compiler (gcc)
+//     notes SIZE                   last line; SIZE bytes follow, the notes of the compiler (gcc)
 //
 // Texts are lines as they are; a path with a line end in it cannot be recorded.
 #pragma once
@@ -62,12 +62,12 @@ struct Record {
     std::uint32_t array_bytes = 0; ///< a multiple of 8
     std::uint32_t or_bytes = 0;    ///< at the array's end, of counters that join by "or"
     std::uint32_t version = 0;     ///< gcc
-    bool has_checksum = false;     ///< gcc: data files hold a checksum behind the stamp
+    bool has_checksum = false;     ///< gcc: data files hold a checksum after the stamp
     std::vector<RecordedFunction> functions;
     std::string notes; ///< gcc
 };
 
-/// The section of an object that holds its records, one behind the other after a partial link.
+/// The section of an object that holds its records; after a partial link, one after the other.
 inline constexpr const char RECORD_SECTION[] = ".lltcov_record";
 
 /// The record as bytes.

@@ -38,7 +38,7 @@ check_built_files() {
 
 make_report() {
     logged export lltcov export --lcov -o "$work/report.info"
-    logged genhtml genhtml --title "$name" --prefix "$place/tree" --demangle-cpp \
+    logged genhtml genhtml --title "$name" --prefix "$place/tree" --demangle-cpp --branch-coverage \
         -o "$work/html" "$work/report.info"
     # "SOURCE LINE COUNT", the source relative to the project's folder
     sed -n -e 's/^SF://p' -e 's/^DA:/ /p' "$work/report.info" |

@@ -76,6 +76,7 @@ pid_t start_program(const std::vector<std::string>& words, const TemporaryFolder
     const std::string output = folder.path() + "/" + name + ".out";
     const std::string errors = folder.path() + "/" + name + ".err";
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string& word : words) {
         arguments.push_back(const_cast<char*>(word.c_str()));
     }

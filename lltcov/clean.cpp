@@ -67,12 +67,11 @@ private:
         const std::string directory = absolute_path(dump_root(root_));
         for (const std::string& name : names_in(directory)) {
             const std::string path = directory + "/" + name;
-            const bool is_ours =
-                is_dump(name)
-                    ? is_wanted_dump(path)
-                    : scope_ != Scope::gone && is_unfinished_dump(name) && is_inside(path, root_);
+            const bool is_ours = is_dump(name) ? is_wanted_dump(path)
+                                               : scope_ != Scope::gone && is_spare_dump(name) &&
+                                                     is_inside(path, root_);
             if (is_ours && type_of(path) == S_IFREG && remove(path)) {
-                ++dumps_;
+                dumps_ += is_dump(name) ? 1 : 0;
             }
         }
     }

@@ -1,4 +1,4 @@
-// The subcommands. Each takes the arguments behind its name and returns the exit status of the
+// The subcommands. Each takes the arguments after its name and returns the exit status of the
 // process: 0, 1 when it found or failed at something; it throws `UsageError` for a wrong call.
 #pragma once
 

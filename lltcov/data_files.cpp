@@ -19,7 +19,7 @@ std::string stem_of(const std::string& object, const std::string& root)
     return has_suffix ? stem.substr(0, stem.size() - 2) : stem;
 }
 
-/// The stem, with a number behind it when another object has it.
+/// The stem, with a number after it when another object has it.
 std::string free_stem(const std::string& stem, std::set<std::string>& taken)
 {
     std::string name = stem;

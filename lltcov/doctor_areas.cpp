@@ -194,16 +194,9 @@ void check_dumps(Examined& examined, Findings& findings)
 
 void check_leftovers(Examined& examined, Findings& findings)
 {
-    std::vector<std::string> files = examined.files;
-    const std::string dumps = dump_root(examined.data.root);
-    for (const std::string& name : names_in(dumps)) {
-        files.push_back(dumps + "/" + name);
-    }
-    for (const std::string& path : files) {
-        const std::string name = base_name(path);
+    for (const std::string& path : examined.files) {
         struct stat info = {};
-        const bool is_temporary = begins_with(name, ".lltwrapper-") || is_unfinished_dump(name);
-        if (is_temporary && ::lstat(path.c_str(), &info) == 0 &&
+        if (begins_with(base_name(path), ".lltwrapper-") && ::lstat(path.c_str(), &info) == 0 &&
             std::time(nullptr) - info.st_mtime > MIN_AGE) {
             findings.add("leftovers", "'" + path + "' is left of an interrupted step; remove it");
         }

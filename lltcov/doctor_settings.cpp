@@ -28,6 +28,7 @@ constexpr Setting SETTINGS[] = {
     {"LLT_DISABLE_SOCKET", " 0 1 ", true},
     {"LLT_DISABLE_USRCFG", " 0 1 ", true},
     {"lltwrapper_cfg", " 0 1 2 3 4 6 7 8 ", false},
+    {"LLTCOV_COUNT", " lines branches conditions ", false},
 };
 
 /// A number that counts when a switch is 1.

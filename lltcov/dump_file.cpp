@@ -28,7 +28,7 @@ public:
             }
             read_line(key);
         }
-        lines_.fail("the file is cut behind this line");
+        lines_.fail("the file is cut after this line");
     }
 
 private:
@@ -84,7 +84,7 @@ private:
         }
         std::string_view rest = lines_.rest_of_text();
         if (rest.size() != size || !lines_.rest_of_line().empty()) {
-            lines_.fail("there are not " + std::to_string(size) + " bytes behind this line");
+            lines_.fail("there are not " + std::to_string(size) + " bytes after this line");
         }
         dump_.runs = next_word(rest);
         for (std::size_t i = 0; i < sizes_.size(); ++i) {

@@ -32,7 +32,7 @@ std::vector<std::string> wrapped_command(const Arguments& arguments)
         command.assign(end + 1, arguments.end());
     }
     if (command.empty() || !line.operands().empty()) {
-        throw UsageError("explain needs '--' and a command behind it");
+        throw UsageError("explain needs '--' and a command after it");
     }
     if (base_name(command[0]) == "lltwrapper") {
         command.erase(command.begin());

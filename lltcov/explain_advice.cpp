@@ -124,7 +124,7 @@ void advise_on_options(const ExplainedStep& step, Advice& advice)
     }
     const auto at = std::find(step.arguments.begin(), step.arguments.end(), "-mshort-load-bytes");
     if (at != step.arguments.end()) {
-        advice.notes.push_back("'-mshort-load-bytes' and the argument behind it are left out");
+        advice.notes.push_back("'-mshort-load-bytes' and the argument after it are left out");
     }
 }
 

@@ -16,9 +16,9 @@ namespace
 
 void advise_on_missing_archive(Advice& advice)
 {
-    const std::string cause =
-        strArSuffix.empty() ? "option -arsuffix is missing"
-                            : "no argument behind the archiver ends in " + quoted(strArSuffix);
+    const std::string cause = strArSuffix.empty()
+                                  ? "option -arsuffix is missing"
+                                  : "no argument after the archiver ends in " + quoted(strArSuffix);
     advice.warnings.push_back(
         cause +
         ": the step takes the project's folder itself for a work area, empties db/db*, "

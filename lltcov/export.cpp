@@ -90,7 +90,7 @@ int run_export(const Arguments& arguments)
 {
     const CommandLine line(arguments, {"--lcov", "--json", "--cobertura"},
                            {"-o", "--gcda", "--project"});
-    line.refuse_operands(" The report's file goes behind -o");
+    line.refuse_operands(" The report's file follows -o");
     const Format& format = chosen_format(line);
     const Counting counting = wanted_counting();
     Findings findings;

@@ -66,32 +66,53 @@ void add_line(SourceCoverage& source, const json& object)
     }
 }
 
-SourceCoverage source_of(const json& file)
+void add_function(SourceCoverage& source, const json& object)
 {
-    SourceCoverage source;
-    for (const json& line : list_of(file, "lines")) {
-        add_line(source, line);
-    }
-    for (const json& object : list_of(file, "functions")) {
-        FunctionCoverage& function = source.functions[object.at("name").get<std::string>()];
-        function.line = line_of(object, "start_line");
-        function.count = count_of(object, "execution_count");
-    }
-    return source;
+    FunctionCoverage& function = source.functions[object.at("name").get<std::string>()];
+    function.line = line_of(object, "start_line");
+    function.count = count_of(object, "execution_count");
 }
+
+/// Takes lines, functions and files as the parser completes them, and drops them: together they
+/// would take much memory, and time.
+class Taker
+{
+public:
+    explicit Taker(GcovResult& result) : result_(result) {}
+
+    bool operator()(int depth, json::parse_event_t event, json& value)
+    {
+        if (event != json::parse_event_t::object_end || (depth != PART && depth != FILE)) {
+            return true;
+        }
+        if (depth == FILE) {
+            result_.sources.emplace_back(value.at("file").get<std::string>(), std::move(source_));
+            source_ = {};
+        } else if (value.contains("line_number")) {
+            add_line(source_, value);
+        } else {
+            add_function(source_, value);
+        }
+        return false;
+    }
+
+private:
+    static constexpr int FILE = 2; ///< depth of a file's object
+    static constexpr int PART = 4; ///< of the objects in its lists
+
+    GcovResult& result_;
+    SourceCoverage source_;
+};
 
 } // namespace
 
 GcovResult read_gcov_json(std::string_view text)
 {
     try {
-        const json root = json::parse(text);
         GcovResult result;
+        const json root = json::parse(text, Taker(result));
         result.data_file = root.at("data_file").get<std::string>();
         result.directory = root.value("current_working_directory", "");
-        for (const json& file : list_of(root, "files")) {
-            result.sources.emplace_back(file.at("file").get<std::string>(), source_of(file));
-        }
         return result;
     } catch (const json::exception& error) {
         throw std::runtime_error(error.what());

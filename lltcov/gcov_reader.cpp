@@ -146,7 +146,7 @@ private:
     static std::string complaint_about(const std::string& name, const std::string& errors)
     {
         for (std::string_view rest = errors; !rest.empty();) {
-            const std::string line(split_off(rest, '\n'));
+            std::string line(split_off(rest, '\n'));
             const bool is_about_it =
                 begins_with(line, name + ".gcno:") || begins_with(line, name + ".gcda:");
             for (const char* reason :

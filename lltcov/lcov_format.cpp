@@ -2,6 +2,7 @@
 // the name there, and "genhtml --demangle-cpp" makes them readable.
 #include "lltcov/report_formats.h"
 
+#include <algorithm>
 #include <cctype>
 
 namespace
@@ -94,11 +95,22 @@ std::string section(const std::string& test, const std::string& path, const Sour
     return out + rate_lines("LF:", "LH:", rates.lines) + "end_of_record\n";
 }
 
-void add_sections(std::string& out, const std::string& test, const Coverage& coverage)
+/// What a section has of a test. Blocks of functions that the test did not load have their numbers
+/// too, since readers join sections by the numbers. Conditions are those of the whole, in one
+/// section: readers add the numbers of outcomes up, where several have them.
+SourceCoverage numbered(SourceCoverage source, const SourceCoverage& whole, bool has_conditions)
 {
-    for (const auto& [path, source] : coverage) {
-        out += section(plain_name(test), path, source);
+    for (const auto& [line, blocks] : whole.blocks) {
+        if (source.lines.count(line) == 0) {
+            continue;
+        }
+        for (const auto& [name, block] : blocks) {
+            LineBlock& own = source.blocks[line][name];
+            own.branches.resize(std::max(own.branches.size(), block.branches.size()));
+            own.conditions = has_conditions ? block.conditions : std::vector<Condition>();
+        }
     }
+    return source;
 }
 
 } // namespace
@@ -107,10 +119,19 @@ std::string as_lcov(const Report& report)
 {
     std::string out;
     if (report.tests.empty()) {
-        add_sections(out, "", report.coverage);
+        for (const auto& [path, source] : report.coverage) {
+            out += section("", path, source);
+        }
     }
     for (const auto& [test, coverage] : report.tests) {
-        add_sections(out, test, coverage);
+        const bool is_first = test == report.tests[0].first;
+        for (const auto& [path, source] : coverage) {
+            const auto whole = report.coverage.find(path);
+            out +=
+                section(plain_name(test), path,
+                        whole == report.coverage.end() ? source
+                                                       : numbered(source, whole->second, is_first));
+        }
     }
     return out;
 }

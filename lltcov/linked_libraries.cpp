@@ -1,4 +1,4 @@
-// Each library begins with its own line; the lines behind it tell about it.
+// Each library begins with its own line; the lines after it are about it.
 #include "lltcov/linked_libraries.h"
 
 #include "commonfunc/text_lines.h"

@@ -7,8 +7,9 @@
 /// An object whose counters are to be read.
 struct ObjectReading {
     const Record* record = nullptr;
-    Counters counters; ///< `record->array_bytes` of them, in this machine's byte order
-    Coverage coverage; ///< filled by the reader; stays empty where that fails
+    Counters counters;     ///< `record->array_bytes` of them, in this machine's byte order
+    Coverage coverage;     ///< filled by the reader; stays empty where that fails
+    std::string file = {}; ///< clang: a copy of the object, which says what the counters mean
 };
 
 /// Objects to read, all of one compiler.

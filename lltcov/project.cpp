@@ -74,7 +74,7 @@ bool is_dump(const std::string& name)
     return name[0] != '.' && dot != name.npos && name.substr(dot) == ".lltcov";
 }
 
-bool is_unfinished_dump(const std::string& name)
+bool is_spare_dump(const std::string& name)
 {
     return ::fnmatch(".?*.lltcov.tmp", name.c_str(), 0) == 0;
 }

@@ -35,9 +35,9 @@ Counting wanted_counting();
 /// True for the name of a dump file.
 bool is_dump(const std::string& name);
 
-/// True for the name of a dump that was being written when its program died
+/// True for the name of a file that lies beside a dump for the next that writes it
 /// (".NAME.lltcov.tmp").
-bool is_unfinished_dump(const std::string& name);
+bool is_spare_dump(const std::string& name);
 
 /// True for a path below the folder, both absolute and without "." and "..".
 bool is_inside(const std::string& path, const std::string& folder);

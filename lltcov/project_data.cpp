@@ -189,6 +189,10 @@ private:
                 return std::nullopt;
             }
         }
+        object.file = module.area + "/obj/before/" + symbol;
+        if (QMRFileExists(object.file.c_str()) == 0) {
+            object.file = temporary_area(data_.root) + "/obj/before/" + symbol;
+        }
         // A source that was touched and compiled again has the same symbol and a newer record.
         std::vector<_SOURCEFILE_OBJECT> own = read_tab(left + "/.tab");
         const timespec compiled = time_of(own.empty() ? object.record.object : left + "/.tab");

@@ -29,6 +29,7 @@ struct InstrumentedObject {
     std::string area;               ///< work area of the (first) module that holds it
     bool is_in_use = false;         ///< the output of a module that holds it is there
     Record record;
+    std::string file; ///< clang: a copy of the object, which says what the counters mean
     /// Summed over the runs of all modules, by test name; that of runs without a test is empty.
     std::map<std::string, RunCounters> runs;
 };

@@ -8,11 +8,58 @@
 #include "lltcov/dump_file.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
 #include <map>
 #include <set>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
+
+/// Programs exchange a dump file with the one that they write beside it, so that a file which was
+/// opened may be written anew while it is read. Who holds a lock of it keeps them away: they take
+/// another file. A writer that was stopped is not waited for.
+class ReadLock
+{
+public:
+    explicit ReadLock(const std::string& path)
+    {
+        constexpr int TRIES = 1000;
+        for (int i = 0; i < TRIES && !lock(path); ++i) {
+            ::usleep(1000);
+        }
+    }
+    ~ReadLock()
+    {
+        if (file_ >= 0) {
+            ::close(file_);
+        }
+    }
+    ReadLock(const ReadLock&) = delete;
+    ReadLock& operator=(const ReadLock&) = delete;
+
+private:
+    /// True when the file of that path is locked, or cannot be.
+    bool lock(const std::string& path)
+    {
+        if (file_ >= 0) {
+            ::close(file_);
+        }
+        struct stat opened = {};
+        struct stat named = {};
+        file_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        return file_ < 0 ||
+               (::flock(file_, LOCK_SH | LOCK_NB) == 0
+                    ? ::fstat(file_, &opened) == 0 && ::stat(path.c_str(), &named) == 0 &&
+                          opened.st_ino == named.st_ino && opened.st_dev == named.st_dev
+                    : errno != EWOULDBLOCK);
+    }
+
+    int file_ = -1;
+};
 
 constexpr const char* AGAIN = "; remove it and run that test again";
 
@@ -30,6 +77,7 @@ public:
     void read(const std::string& path)
     {
         std::string text;
+        const ReadLock lock(path);
         const Reading reading = read_whole_file(path, text);
         if (reading == Reading::empty) {
             return; // its program was killed before it had written anything

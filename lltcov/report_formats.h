@@ -18,8 +18,9 @@ struct Report {
 
 /// An lcov tracefile (geninfo(1) describes it), with functions under their assembler names. Where
 /// tests have names each one has sections of its own, whose sum is the coverage. The branches of a
-/// line are a block for each function that holds the line. The conditions of a function's line are
-/// one group, whose terms are numbered on.
+/// line are a block for each function that holds the line, with the same number in all sections.
+/// The conditions of a line are one group, whose terms are numbered on; only a source's first
+/// section has them, those of all tests.
 std::string as_lcov(const Report& report);
 
 /// JSON of our own: {"format": "lltcov", "version": 1, "project": ROOT, RATES, "sources": [{"path",

@@ -16,7 +16,7 @@ constexpr char SHELL[] = "#!/bin/sh\n";
 constexpr char REMARK[] = ", through lltwrapper while LLT_WRAP is on";
 constexpr char MARK[] = "# Shim of lltcov: ";
 
-/// An object of a cache or of another machine has no coverage, or coverage without records.
+/// A cache that calls a shim does not see what the wrapper adds; other machines have no wrapper.
 constexpr char SKIP_LAUNCHER[] = R"SH(if [ "$on" != 0 ]; then
     case $1 in
         '' | -* | *=*) ;;

@@ -1,5 +1,6 @@
-// The source's record holds size and time of the text that was compiled. Headers have no record:
-// one that is newer than the compilation counts as changed.
+// Objects of clang are read one by one to know their sources, and those of which all is shown once
+// more together. The source's record holds size and time of the text that was compiled. Headers
+// have no record: one that is newer than the compilation counts as changed.
 #include "lltcov/shown_sources.h"
 
 #include "commonfunc/text.h"
@@ -42,12 +43,7 @@ bool is_system_header(const std::string& path)
 
 Coverage CoverageMaker::coverage_of(const std::vector<std::size_t>& objects)
 {
-    read_totals(objects);
-    Coverage sum;
-    for (const std::size_t index : objects) {
-        add(sum, index, *totals_[index]);
-    }
-    return sum;
+    return sum_of(totals_of(objects));
 }
 
 Coverage CoverageMaker::coverage_of_test(const std::string& test,
@@ -68,17 +64,66 @@ Coverage CoverageMaker::coverage_of_test(const std::string& test,
             continue;
         }
         others.push_back(index);
-        readings.push_back(
-            {&object.record,
-             has_runs ? runs->second.counters : Counters(object.record.array_bytes / 8),
-             {}});
+        readings.push_back(reading_of(index, has_runs ? runs->second.counters
+                                                      : Counters(object.record.array_bytes / 8)));
     }
-    Coverage sum = coverage_of(known);
+    std::vector<Share> shares = totals_of(known);
     read(readings);
     for (std::size_t i = 0; i < others.size(); ++i) {
-        add(sum, others[i], readings[i].coverage);
+        shares.push_back({others[i], &readings[i].coverage, readings[i].counters});
+    }
+    return sum_of(shares);
+}
+
+std::vector<CoverageMaker::Share> CoverageMaker::totals_of(const std::vector<std::size_t>& objects)
+{
+    read_totals(objects);
+    std::vector<Share> shares(objects.size());
+    std::transform(objects.begin(), objects.end(), shares.begin(), [this](std::size_t index) {
+        const InstrumentedObject& object = data_.objects[index];
+        const bool is_clang = object.record.compiler == CounterSource::clang;
+        return Share{index, &*totals_[index], is_clang ? all_runs(object).counters : Counters()};
+    });
+    return shares;
+}
+
+Coverage CoverageMaker::sum_of(const std::vector<Share>& shares)
+{
+    std::vector<ObjectReading> readings;
+    std::vector<const Share*> others;
+    for (const Share& share : shares) {
+        if (is_read_together(share)) {
+            readings.push_back(reading_of(share.object, share.counters));
+        } else {
+            others.push_back(&share);
+        }
+    }
+    ObjectReadings together;
+    for (ObjectReading& reading : readings) {
+        together.push_back(&reading);
+    }
+    Coverage sum;
+    if (!together.empty()) {
+        sum = read_clang_together(together, counting_, findings_);
+    }
+    for (const Share* share : others) {
+        add(sum, share->object, *share->coverage);
     }
     return sum;
+}
+
+bool CoverageMaker::is_read_together(const Share& share)
+{
+    const InstrumentedObject& object = data_.objects[share.object];
+    return object.record.compiler == CounterSource::clang && !share.coverage->empty() &&
+           std::all_of(share.coverage->begin(), share.coverage->end(),
+                       [&](const auto& source) { return is_shown(object, source.first); });
+}
+
+ObjectReading CoverageMaker::reading_of(std::size_t object, Counters counters) const
+{
+    const InstrumentedObject& of = data_.objects[object];
+    return {&of.record, std::move(counters), {}, of.file};
 }
 
 std::vector<std::size_t> CoverageMaker::objects_with(const std::string& path, std::uint32_t line)
@@ -100,8 +145,7 @@ void CoverageMaker::read_totals(const std::vector<std::size_t>& objects)
     for (const std::size_t index : objects) {
         if (!totals_[index]) {
             missing.push_back(index);
-            readings.push_back(
-                {&data_.objects[index].record, all_runs(data_.objects[index]).counters, {}});
+            readings.push_back(reading_of(index, all_runs(data_.objects[index]).counters));
         }
     }
     read(readings);

@@ -34,6 +34,17 @@ public:
     std::vector<std::size_t> objects_with(const std::string& path, std::uint32_t line);
 
 private:
+    /// What an object gives to a sum.
+    struct Share {
+        std::size_t object;
+        const Coverage* coverage;
+        Counters counters; ///< of clang alone
+    };
+
+    std::vector<Share> totals_of(const std::vector<std::size_t>& objects);
+    Coverage sum_of(const std::vector<Share>& shares);
+    ObjectReading reading_of(std::size_t object, Counters counters) const;
+    bool is_read_together(const Share& share);
     void read_totals(const std::vector<std::size_t>& objects);
     void read(std::vector<ObjectReading>& readings);
     void add(Coverage& sum, std::size_t object, const Coverage& coverage);

@@ -30,7 +30,7 @@ TEST_F(CommandLineOfLltcov, HelpIsAnAnswerAndAWrongCallATwo)
         {"report", 2, "", "lltcov: there is no command 'report'\nusage: lltcov COMMAND ["},
         {"status --lcov", 2, "", "lltcov: there is no option '--lcov'\nusage: lltcov status ["},
         {"doctor here", 2, "", "lltcov: what is 'here'?\nusage: lltcov doctor ["},
-        {"export --lcov r.info", 2, "", "lltcov: what is 'r.info'? The report's file goes behind"},
+        {"export --lcov r.info", 2, "", "lltcov: what is 'r.info'? The report's file follows -o"},
         {"export --lcov -o", 2, "", "lltcov: option '-o' needs a value\n"},
         {"export --lcov --json", 2, "", "lltcov: choose one format\n"},
         {"clean --gone --all", 2, "", "lltcov: choose one of --gone and --all\n"},

@@ -112,7 +112,10 @@ end_of_record
 INFO
 )" "$(cat report.info)"
 if command -v genhtml > /dev/null; then
-    expect 'genhtml has nothing to say' 0 "$(genhtml -q -o html report.info 2>&1 | wc -l)"
+    genhtml -q -o html report.info > said 2>&1
+    expect 'genhtml takes it' 0 $?
+    # Releases from 2 on miss the last lines of functions, which older ones would not read.
+    expect 'genhtml says' '' "$(grep -E 'ERROR|WARNING' said | grep -v derive_function_end_line)"
 fi
 if command -v xmllint > /dev/null; then
     lltcov export --cobertura > report.xml

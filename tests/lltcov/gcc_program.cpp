@@ -17,7 +17,7 @@ std::uint32_t word_at(const std::string& bytes, std::size_t at)
     return word;
 }
 
-/// Takes functions and counters from the data file, behind its head.
+/// Takes functions and counters from the data file, after its head.
 void take_functions(GccObject& object, std::size_t at)
 {
     while (at + 8 <= object.data.size() && word_at(object.data, at) != 0) {

@@ -64,6 +64,31 @@ TEST(ReportFormats, LcovHasASectionForEachTest)
                                    section("other", "DA:1,2\nLF:1\nLH:1"));
 }
 
+TEST(ReportFormats, LcovNumbersBlocksAlikeInAllSections)
+{
+    Report report{"/p", Counting::conditions, {}, {}};
+    SourceCoverage& whole = report.coverage["/b.h"];
+    whole.lines = {{4, 2}, {9, 0}};
+    whole.blocks[4]["_Z1fi"] = {0, {{0, false, true}}, {{{{false, false}}}}};
+    whole.blocks[4]["_Z1fl"] = {2, {{2, false, true}}, {{{{false, true}}}}};
+    whole.blocks[9]["main"] = {0, {{0, false, true}}, {}};
+    SourceCoverage others = whole; // what runs without a test's name saw
+    others.lines[4] = 0;
+    others.blocks[4]["_Z1fl"] = {0, {{0, false, true}}, {{{{false, false}}}}};
+    SourceCoverage test;
+    test.lines = {{4, 2}};
+    test.blocks[4]["_Z1fl"] = whole.blocks[4]["_Z1fl"];
+    report.tests = {{"", {{"/b.h", others}}}, {"l", {{"/b.h", test}}}};
+    EXPECT_EQ(as_lcov(report), "TN:\nSF:/b.h\nFNF:0\nFNH:0\n"
+                               "BRDA:4,0,0,-\nBRDA:4,1,0,-\nBRDA:9,0,0,-\nBRF:3\nBRH:0\n"
+                               "MCDC:4,2,t,0,0,0\nMCDC:4,2,f,0,0,0\n"
+                               "MCDC:4,2,t,0,1,1\nMCDC:4,2,f,1,1,1\nMCF:4\nMCH:1\n"
+                               "DA:4,0\nDA:9,0\nLF:2\nLH:0\nend_of_record\n"
+                               "TN:l\nSF:/b.h\nFNF:0\nFNH:0\n"
+                               "BRDA:4,0,0,-\nBRDA:4,1,0,2\nBRF:2\nBRH:1\n"
+                               "DA:4,2\nLF:1\nLH:1\nend_of_record\n");
+}
+
 TEST(ReportFormats, Json)
 {
     EXPECT_EQ(as_json(sample_of_lines()),

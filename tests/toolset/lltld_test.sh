@@ -141,7 +141,7 @@ rm -rf llt_result
 sub/same && twin/same
 expect "programs of one name" "1 0 1 0" "$(counts same_exe main) $(counts same_exe_2 main)"
 
-# a destructor of a library that runs behind the library's stub and the program's runtime
+# a destructor of a library that runs after the library's stub and the program's runtime
 source_of bye <<'C'
 __attribute__((destructor)) static void bye(void) { HIT(1); }
 int beta(int x) { HIT(0); return x; }

@@ -120,7 +120,7 @@ printf '/* A rectangle. */\nint area(int w, int h)\n{\n    return w * h;\n}\n' >
 expect 'an edited source before the build' "$(shown)" "$(echo "$never_run" | grep -v area)"
 build
 run
-expect 'and behind it: no line of the old text' "$(shown)" "area.c 2:2 4:2
+expect 'and after it: no line of the old text' "$(shown)" "area.c 2:2 4:2
 $others"
 expect 'without a complaint' "$(lltcov status >"$work/err" 2>&1; echo $?)" 0
 

@@ -70,9 +70,9 @@ __attribute__((destructor)) static void end(void)
     QMR_DumpModuleCovdata((char*)NAME "_m");
 }
 
-void hit(int probe)
+void hit(int counter)
 {
-    ++counters[probe];
+    ++counters[counter];
 }
 
 #ifdef PLUGIN

@@ -6,7 +6,7 @@
 typedef void action(char** argv);
 
 /* Counts. */
-void hit(int probe);
+void hit(int counter);
 
 /* Loads the library and calls what counts in it. */
 void* load_plugin(const char* path);

@@ -2,19 +2,8 @@
 # usage: runtime_test.sh RUNTIME_SOURCE_DIR RUNTIME_BINARY_DIR
 # Programs that end in every way, and what their dump files add up to.
 set -u
-sources=$1 binaries=$2 here=$(cd "$(dirname "$0")" && pwd)
-work=$(mktemp -d)
-trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
-cd "$work" || exit 2
-passed=0 failed=0
-
-build() { # build OUTPUT OPTION...
-    output=$1
-    shift
-    ${CC:-cc} -std=gnu99 -O1 -Wall -Wextra -Wno-unused-parameter -I"$sources" \
-        "$here/runtime_program.c" "$@" -o "$output" || exit 2
-}
-exec_part=$here/runtime_exec.c
+# shellcheck source=runtime_fixture.sh
+. "$(dirname "$0")/runtime_fixture.sh"
 build static "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
 build static_norelro "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread -Wl,-z,norelro
 build shared "$exec_part" -L"$binaries" -Wl,-rpath,"$binaries" -llltcov_rt -ldl -pthread
@@ -28,39 +17,6 @@ hidden() { # hidden OUTPUT OPTION...
 }
 hidden hidden.so
 hidden hidden_norelro.so -Wl,-z,norelro
-
-# The counts of a file, one a line, the number of processes first; nothing of a file whose size
-# does not fit its header.
-words() {
-    local size
-    size=$(sed -n '/^counts /{s///p;q}' "$1")
-    [ "$(stat -c %s "$1")" = $(($(sed '/^counts /q' "$1" | wc -c) + ${size:-1})) ] || return
-    tail -c "$size" "$1" | od -An -v -w8 -tu8 --endian="$(sed -n '/^order /{s///p;q}' "$1")"
-}
-
-# "PROBE=SUM ..." of first.c over all dump files of the module, and the number of processes; a file
-# that is not whole makes it "torn"
-sums() {
-    for file in root/"$1".*.lltcov; do
-        [ ! -s "$file" ] || echo new "$(words "$file" | tr '\n' ' ')"
-    done | awk '{ torn += NF != 49; runs += $2; for (i = 3; i < 43; ++i) sum[i - 3] += $i }
-        END { if (torn) printf "torn "
-            for (i = 0; i < 40; ++i) if (sum[i] > 0) printf "%d=%d ", i, sum[i]
-            print "of " runs + 0 }'
-}
-
-files() { # files [PATTERN]
-    find root -type f -name "${1:-*.lltcov}" | wc -l
-}
-
-expect() { # expect WHAT EXPECTED ACTUAL
-    if [ "$2" = "$3" ]; then
-        passed=$((passed + 1))
-    else
-        failed=$((failed + 1))
-        printf 'FAILED %s\n  expected: %s\n  actual:   %s\n' "$1" "$2" "$3"
-    fi
-}
 
 # sums of the module | exit status | environment | arguments
 while IFS='|' read -r expected status environment arguments; do
@@ -145,9 +101,9 @@ int main(int n, char** v)
 C
 ${CC:-cc} -fprofile-arcs -c replaced.c -o replaced.o
 nm "$binaries/liblltcov_rt.a" 2> /dev/null | sed -n 's/.* W \(__gcov_.*\)/\1/p' | sort > ours
-if nm replaced.o | grep -q ' U __gcov_fork'; then # not every compiler replaces them
+if nm replaced.o | grep -q ' U __gcov_fork'; then # not every compiler replaces all
     nm replaced.o | sed -n 's/.* U \(__gcov_\(fork\|exec.*\)\)$/\1/p' | sort > theirs
-    expect "the compiler's names" "7 " "$(wc -l < theirs) $(comm -23 theirs ours | xargs)"
+    expect "the compiler's names" "" "$(comm -23 theirs ours | xargs)"
 fi
 
 # where the root is
@@ -174,7 +130,8 @@ expect "files that may not grow" \
     "lltcov: coverage counts are lost: files may not grow so large (error 27),0," \
     "$(ulimit -f 0; lost root ./static exit)"
 rm -rf root
-(ulimit -n 4; LLTCOV_ROOT=root exec ./static exit)
+# Descriptors that this script was started with would be counted too.
+(for fd in 3 4 5 6 7 8 9; do eval "exec $fd<&-"; done; ulimit -n 4; LLTCOV_ROOT=root exec ./static exit)
 expect "one descriptor is left" "0=1 of 1" "$(sums program-m)"
 { { sleep 0.1; LLTCOV_ROOT=file/x ./static exit; echo $? >&3; } 2>&1 | :; } 3> status
 expect "nobody listens" 0 "$(cat status)"
@@ -193,7 +150,6 @@ LLTCOV_ROOT=root ./static exit
 { header; printf '\1\0\0\0\0\0\0\0\1'; head -c 375 /dev/zero; } > expected
 [ "$order" != little ] || cmp root/program-m.Q1.*.0.lltcov expected
 expect "the file" 0 $?
-expect "nothing beside it" 1 "$(files '*')"
 LLTCOV_ROOT=root LLTCOV_TEST=$'one two\n' ./static exit
 LLTCOV_ROOT=root LLTCOV_TEST=other ./static exit
 LLTCOV_ROOT=root LLTCOV_TEST='' ./static exit
@@ -209,90 +165,32 @@ hash=$(header | od -An -v -tu1 -w1 | awk '{ print $1 }' | {
     printf '%016x' $h
 })
 expect "the name" "root/program-m.Q1.$hash.0.lltcov" "$(ls root/program-m.Q1."$hash".*)"
-slot() { echo "root/program-m.Q1.$hash.$1.lltcov"; }
 
-# many at once
-rm -rf root
-seq 1000 | LLTCOV_ROOT=root xargs -P 64 -n 1 ./static exit
-expect "64 at once" "0=1000 of 1000" "$(sums program-m)"
-expect "in few files" yes "$([ "$(files)" -le 16 ] && echo yes || files)"
-expect "and nothing else" "$(files)" "$(files '*')"
-
-# Writers that are killed: each of their dumps that ended is there, and at most one more.
-rm -rf root
-for round in 1 2 3 4 5; do
-    for writer in 1 2 3 4 5 6 7 8; do
-        LLTCOV_ROOT=root timeout -s KILL "0.0$((round * writer + 10))" ./static endless \
-            > "done.$round.$writer" &
-    done
-    wait
-done 2> messages
-dumped=$(cat done.* | wc -c)
-total=$(sums program-m | sed -n 's/^0=\([0-9]*\) of .*/\1/p')
-expect "killed writers" yes "$([ "$total" -ge "$dumped" ] && [ "$total" -le $((dumped + 40)) ] &&
-    [ "$dumped" -gt 40 ] && echo yes || echo "$(sums program-m), $dumped were done")"
-LLTCOV_ROOT=root ./static exit
-expect "a run after them" "$((total + 1))" "$(sums program-m | sed 's/^0=\([0-9]*\) of .*/\1/')"
-rm -f "$(slot 0)"
-: > "root/.$(basename "$(slot 0)").tmp"
-LLTCOV_ROOT=root ./static exit
-expect "what a killed writer left is replaced" no "$([ -e "root/.$(basename "$(slot 0)").tmp" ] || echo no)"
-
-# A process that is stopped while it has a slot blocks nobody.
-milliseconds() {
-    local start
-    start=$(date +%s%N)
-    "$@"
-    echo $((($(date +%s%N) - start) / 1000000))
-}
-rm -rf root
-mkdir root
-holders=()
-hold() { # hold SLOT...
-    for held; do
-        (flock -x 9 && exec sleep 60) 9>> "$(slot "$held")" &
-        holders+=($!)
-        while flock -n "$(slot "$held")" true; do sleep 0.01; done
-        kill -STOP $!
-    done
-}
-export LLTCOV_ROOT=root
-hold 0
-time_taken=$(milliseconds ./static exit)
-expect "one slot is held: time" yes "$([ "$time_taken" -lt 500 ] && echo yes || echo "$time_taken ms")"
-expect "one slot is held" "0=1 of 1" "$(sums program-m)"
-expect "the next is taken" 1 "$(words "$(slot 1)" | head -n 1 | xargs)"
-hold 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15
-time_taken=$(milliseconds ./static exit)
-expect "all slots are held: time" yes "$([ "$time_taken" -lt 4000 ] && echo yes || echo "$time_taken ms")"
-expect "all slots are held" "0=2 of 2" "$(sums program-m)"
-{ kill -KILL "${holders[@]}"; wait; } 2> messages
-./static exit
-expect "a slot is free again" "0=3 of 3 in 17" "$(sums program-m) in $(files)"
-
-# Files that are damaged stay as they are.
-rm -rf root
-./static exit
-cp "$(slot 0)" whole
-for slot in 0 1 2 3; do head -c 400 whole > "$(slot $slot)"; done
-for slot in 4 5 6 7; do { cat whole; echo; } > "$(slot $slot)"; done
-for slot in 8 9 10 11; do sed 's/^mode 1/mode 2/' whole > "$(slot $slot)"; done
-for slot in 12 13; do mkdir "$(slot $slot)"; done
-: > outside
-for slot in 14 15; do ln -s ../outside "$(slot $slot)"; done
-cp -a root damaged
-./static dump__exit
-expect "16 damaged files: one of its own for each dump" "2" "$(files "*.$hash.*.*.lltcov")"
-mv root/*."$hash".*.*.lltcov .
-expect "damaged files stay" "" "$(diff -r --no-dereference root damaged)$(cat outside)"
-rm -rf root
-mkdir root
-mv program-m.* root
-expect "the files of its own" "0=1 2=1 of 1" "$(sums program-m)"
-rm -rf root
-mkdir root
-: > "$(slot 0)"
-./static exit
-expect "an empty file is a new one" "0=1 of 1 in 1" "$(sums program-m) in $(files)"
-printf '%d passed, %d failed\n' "$passed" "$failed"
-exit $((failed > 0))
+# Other machines: the runtime is compiled for them, and one of the other byte order runs.
+c99=(-std=c99 -D_GNU_SOURCE -O2 -fPIC -fvisibility=hidden -Wall -Wextra -Werror)
+while read -r target; do
+    read -ra compiler <<< "$target"
+    if "${compiler[@]}" -include stdio.h -E -x c /dev/null > /dev/null 2>&1; then
+        "${compiler[@]}" "${c99[@]}" -fsyntax-only "$sources"/*.c
+        expect "$target: the runtime" 0 $?
+    else
+        echo "skipped: there is no compiler '$target'"
+    fi
+done <<'TARGETS'
+gcc -m32 -idirafter /usr/include/x86_64-linux-gnu
+aarch64-linux-gnu-gcc
+arm-linux-gnueabihf-gcc
+riscv64-linux-gnu-gcc
+s390x-linux-gnu-gcc
+TARGETS
+if type s390x-linux-gnu-gcc qemu-s390x > /dev/null 2>&1; then
+    rm -rf root
+    s390x-linux-gnu-gcc -std=gnu99 -D_GNU_SOURCE -fvisibility=hidden -w -I"$sources" -static \
+        "$here/runtime_program.c" "$exec_part" "$sources"/*.c -o foreign 2> messages
+    for how in 1 6; do LLTCOV_ROOT=root qemu-s390x ./foreign flags $how; done
+    expect "the other byte order" "2 0 7 8 big" \
+        "$(words root/program-m.* | tail -n 4 | xargs) $(sed -n '/^order /{s///p;q}' root/*)"
+else
+    echo "skipped: there is no emulator of another byte order"
+fi
+finish

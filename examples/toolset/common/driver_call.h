@@ -1,4 +1,4 @@
-// How lltwrapper calls a driver: the driver's own options, and the wrapped command behind them.
+// How lltwrapper calls a driver: the driver's own options, and the wrapped command after them.
 #pragma once
 
 #include "examples/toolset/common/process.h"
@@ -13,7 +13,7 @@ struct DriverCall {
     Words command;       ///< tool and arguments; empty when there are none
 };
 
-/// Reads the words behind the driver's name. Values may be missing: where a setting is empty, the
+/// Reads the words after the driver's name. Values may be missing: where a setting is empty, the
 /// shell that split the command has left no word behind. Without a command, or with an option in
 /// its place, a notice says how a driver is called.
 DriverCall read_driver_call(const Words& arguments);

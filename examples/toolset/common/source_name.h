@@ -3,7 +3,7 @@
 
 #include <string>
 
-/// The text behind the last '.' of the file's name; empty without one.
+/// The text after the last '.' of the file's name; empty without one.
 std::string suffix_of(const std::string& path);
 
 /// True for the suffixes of C and C++, also preprocessed.

@@ -4,9 +4,9 @@
 #include "assembler.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "counter_text.h"
 #include "examples/toolset/common/driver_call.h"
 #include "examples/toolset/common/records.h"
+#include "examples/toolset/counters/counter_text.h"
 #include "handover.h"
 
 #include <cstdio>
@@ -20,8 +20,8 @@ namespace
 /// Part of every symbol: another one makes new symbols for all sources.
 constexpr const char* FORMAT_VERSION = "lltcc 2";
 
-/// The stamp in the compiler's notes is another one in each compile: its second word behind magic
-/// and version. Data files are given the same.
+/// The stamp in the compiler's notes is another one in each compile: the word after magic and
+/// version. Data files are given the same.
 constexpr std::size_t STAMP_AT = 8;
 constexpr std::size_t STAMP_SIZE = 4;
 

@@ -12,93 +12,54 @@
 namespace
 {
 
+/// Whether the word is one of the list, whose words have a blank on each side.
+bool is_in(std::string_view list, const std::string& word)
+{
+    return !word.empty() && list.find(" " + word + " ") != list.npos;
+}
+
 /// Options whose value is the next word.
-bool takes_value(std::string_view word)
-{
-    return is_one_of(word, {"-o",
-                            "-x",
-                            "-D",
-                            "-U",
-                            "-I",
-                            "-L",
-                            "-l",
-                            "-include",
-                            "-imacros",
-                            "-isystem",
-                            "-iquote",
-                            "-idirafter",
-                            "-iprefix",
-                            "-iwithprefix",
-                            "-iwithprefixbefore",
-                            "-isysroot",
-                            "-MF",
-                            "-MT",
-                            "-MQ",
-                            "-MJ",
-                            "-Xassembler",
-                            "-Xpreprocessor",
-                            "-Xlinker",
-                            "-Xclang",
-                            "-mllvm",
-                            "-target",
-                            "-T",
-                            "-u",
-                            "-z",
-                            "-A",
-                            "-B",
-                            "-aux-info",
-                            "--param",
-                            "-dumpbase",
-                            "-dumpdir",
-                            "-dumpbase-ext",
-                            "-arch",
-                            "-specs",
-                            "-wrapper",
-                            "--sysroot",
-                            "-imultilib",
-                            "-include-pch",
-                            "-ivfsoverlay",
-                            "--include"});
-}
+constexpr std::string_view VALUED =
+    " -o -x -D -U -I -L -l -include -imacros -isystem -iquote -idirafter -iprefix -iwithprefix "
+    "-iwithprefixbefore -isysroot -MF -MT -MQ -MJ -Xassembler -Xpreprocessor -Xlinker -Xclang "
+    "-mllvm -target -T -u -z -A -B -aux-info --param -dumpbase -dumpdir -dumpbase-ext -arch "
+    "-specs -wrapper --sysroot -imultilib -include-pch -ivfsoverlay --include ";
 
-constexpr std::string_view EXCLUDE = "-fprofile-exclude-files=";
+/// Of these the ones that matter to a stub.
+constexpr std::string_view VALUED_FOR_STUB = " -target -isysroot --sysroot -idirafter -arch -B ";
 
-bool is_compilable_language(std::string_view language)
-{
-    return is_one_of(language, {"none", "c", "c++", "cpp-output", "c++-cpp-output"});
-}
+constexpr std::string_view LANGUAGES = " none c c++ cpp-output c++-cpp-output ";
 
-/// Options that count or use counts themselves.
-bool is_profile_option(std::string_view word)
+/// Beginnings of options that count or use counts themselves.
+constexpr std::string_view PROFILE_OPTIONS =
+    "-fprofile-use -fprofile-generate -fprofile-arcs -ftest-coverage --coverage -coverage "
+    "-fauto-profile -fbranch-probabilities -fcs-profile -fprofile-values -fprofile-instr "
+    "-fcoverage-mapping -fcoverage-mcdc";
+
+/// Beginnings of options that a stub must be compiled with too: target, code generation, debug
+/// information. Warnings, language standard and include paths are the sources' own affair.
+constexpr std::string_view FOR_STUB = "-m -f -O -g --target= --sysroot= -B -pthread";
+
+/// Of these the ones that a stub must not have.
+constexpr std::string_view NOT_FOR_STUB =
+    "-fsanitize -fprofile -ftest-coverage -fcoverage -fdump -fpreprocessed -fdirectives -fmodule "
+    "-fplugin -fsyntax -finput -fno-rtti -fvisibility-inlines -fpermissive -fdiagnostics "
+    "-fstack-usage -fcallgraph -flto";
+
+/// Whether the word begins with one of the list, whose words have blanks between them.
+bool begins_with_one_of(std::string_view list, std::string_view word)
 {
-    for (const std::string_view option :
-         {"-fprofile-use", "-fprofile-generate", "-fprofile-arcs", "-ftest-coverage", "--coverage",
-          "-coverage", "-fauto-profile", "-fbranch-probabilities", "-fprofile-values",
-          "-fprofile-instr", "-fcoverage-mapping", "-fcs-profile", "-fsanitize-coverage"}) {
-        if (begins_with(word, option)) {
+    while (!list.empty()) {
+        const std::string_view beginning = list.substr(0, list.find(' '));
+        if (begins_with(word, beginning)) {
             return true;
         }
+        list.remove_prefix(std::min(beginning.size() + 1, list.size()));
     }
     return false;
 }
 
-/// Options that the stub of the module must be compiled with too: target, code generation, debug
-/// information. Warnings, language standard and include paths are the sources' own affair.
-bool matters_to_stub(std::string_view word)
-{
-    for (const std::string_view not_for_stub :
-         {"-fsanitize", "-fprofile", "-ftest-coverage", "-fcoverage", "-fdump", "-fpreprocessed",
-          "-fdirectives", "-fmodule", "-fplugin", "-fsyntax", "-finput", "-fno-rtti",
-          "-fvisibility-inlines", "-fpermissive", "-fdiagnostics", "-fstack-usage", "-fcallgraph",
-          "-flto"}) {
-        if (begins_with(word, not_for_stub)) {
-            return false;
-        }
-    }
-    return begins_with(word, "-m") || begins_with(word, "-f") || begins_with(word, "-O") ||
-           begins_with(word, "-g") || begins_with(word, "--target=") ||
-           begins_with(word, "--sysroot=") || begins_with(word, "-B") || word == "-pthread";
-}
+constexpr std::string_view EXCLUDE = "-fprofile-exclude-files=";
 
 class Reader
 {
@@ -108,7 +69,7 @@ public:
     void read(const Words& words)
     {
         for (at_ = 1; at_ < words.size(); ++at_) {
-            const bool has_value = takes_value(words[at_]) && at_ + 1 < words.size();
+            const bool has_value = is_in(VALUED, words[at_]) && at_ + 1 < words.size();
             read_word(words[at_], has_value ? words[at_ + 1] : "");
             at_ += has_value ? 1 : 0;
         }
@@ -132,13 +93,11 @@ private:
             out_.has_lto = true;
         } else if (word == "-fno-lto") {
             out_.has_lto = false;
-        } else if (word == "-pipe") {
-            out_.has_pipe = true;
         } else if (begins_with(word, "-o")) {
             out_.output = word == "-o" ? value : word.substr(2);
         } else if (begins_with(word, EXCLUDE)) {
             out_.excluded = word.substr(EXCLUDE.size());
-        } else if (is_profile_option(word)) {
+        } else if (begins_with_one_of(PROFILE_OPTIONS, word)) {
             give_up("the command has a " + word + " of its own");
         } else {
             read_code_option(word, value);
@@ -155,10 +114,11 @@ private:
                                             word.substr(equals + 1));
             }
         }
-        if (is_one_of(word, {"-target", "-isysroot", "--sysroot", "-idirafter", "-arch", "-B"})) {
+        if (is_in(VALUED_FOR_STUB, word)) {
             out_.kept.push_back(word);
             out_.kept.push_back(value);
-        } else if (matters_to_stub(word) && !takes_value(word)) {
+        } else if (begins_with_one_of(FOR_STUB, word) && !is_in(VALUED, word) &&
+                   !begins_with_one_of(NOT_FOR_STUB, word)) {
             out_.kept.push_back(word);
         }
     }
@@ -168,7 +128,7 @@ private:
         const std::string suffix = suffix_of(word);
         if (word == "-") {
             give_up("the source comes from standard input");
-        } else if (!is_compilable_language(language_)) {
+        } else if (!is_in(LANGUAGES, language_)) {
             give_up("language " + language_);
         } else if (language_ != "none" || names_source(word)) {
             out_.inputs.push_back({word, at_, true});

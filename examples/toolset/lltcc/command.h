@@ -19,7 +19,6 @@ struct CompileCommand {
     std::string why_plain; ///< reason not to instrument; empty when there is none
     Words words;           ///< the command with the words of its response files
     bool has_lto = false;  ///< the code is made only at the link
-    bool has_pipe = false;
     std::vector<CompileInput> inputs;
     std::string output;   ///< empty without "-o"
     std::string excluded; ///< value of the last -fprofile-exclude-files

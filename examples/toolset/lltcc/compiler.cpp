@@ -16,7 +16,7 @@ namespace
 {
 
 /// Part of every answer's name: another one asks all compilers again.
-constexpr const char* FORMAT_VERSION = "compiler 2";
+constexpr const char* FORMAT_VERSION = "compiler 3";
 
 /// The program that a shell would run.
 std::string program_of(const std::string& word)
@@ -43,13 +43,12 @@ std::string resolved(const std::string& path)
 /// A program beside the compiler, under its name with the last "gcc", "g++", ... replaced.
 std::string beside(const std::string& compiler, const std::string& tool)
 {
-    const std::string name = base_name(compiler);
-    const std::string directory = compiler.substr(0, compiler.size() - name.size());
-    for (const char* own : {"gcc", "g++", "cc", "c++"}) {
-        const std::size_t at = name.rfind(own);
-        if (at != name.npos) {
-            const std::string path =
-                directory + name.substr(0, at) + tool + name.substr(at + std::string(own).size());
+    const std::size_t start = compiler.rfind('/') + 1;
+    for (const std::string own : {"gcc", "g++", "cc", "c++"}) {
+        const std::size_t at = compiler.rfind(own);
+        if (at != compiler.npos && at >= start) {
+            std::string path = compiler;
+            path.replace(at, own.size(), tool);
             return ::access(path.c_str(), X_OK) == 0 ? path : "";
         }
     }
@@ -61,10 +60,8 @@ std::string as_expression(const std::string& folder)
 {
     std::string out = "^";
     for (const char c : folder) {
-        out += std::string(std::string_view("\\^$.|?*+()[]{}").find(c) != std::string_view::npos
-                               ? "\\"
-                               : "") +
-               c;
+        out.append(std::string_view("\\^$.|?*+()[]{}").find(c) != std::string_view::npos, '\\');
+        out += c;
     }
     return out + "/";
 }
@@ -101,11 +98,11 @@ Words query_of(const CompileCommand& command)
     Words words = {command.kept[0]};
     for (std::size_t i = 1; i < command.kept.size(); ++i) {
         const std::string& word = command.kept[i];
-        if (is_one_of(word, {"-target", "-isysroot", "--sysroot", "-arch", "-B"})) {
-            words.push_back(word);
-            words.push_back(command.kept[++i]);
-        } else if (begins_with(word, "-m") || begins_with(word, "--") || begins_with(word, "-B")) {
-            words.push_back(word);
+        const bool is_option = !word.empty() && word[0] == '-';
+        if (!is_option || begins_with(word, "-m") || begins_with(word, "--") ||
+            is_one_of(word, {"-target", "-isysroot", "-idirafter", "-arch"}) ||
+            begins_with(word, "-B")) {
+            words.push_back(word); // one that is no option is the value of the option before
         }
     }
     return words;
@@ -145,31 +142,25 @@ Compiler ask(const Words& query, const std::string& program)
     return compiler;
 }
 
+/// The answer as lines, and back; false when the text is not whole.
 std::string to_text(const Compiler& compiler)
 {
-    const char* const kinds[] = {"gcc", "clang", "other"};
-    return std::string(kinds[static_cast<int>(compiler.kind)]) + "\n" +
-           std::to_string(compiler.major) + "\n" + compiler.headers + "\n" + compiler.reader +
-           "\n" + compiler.assembler + "\nend\n";
+    return std::to_string(static_cast<int>(compiler.kind)) + "\n" + std::to_string(compiler.major) +
+           "\n" + compiler.headers + "\n" + compiler.reader + "\n" + compiler.assembler + "\nend\n";
 }
 
-/// False when the text is not whole.
 bool from_text(const std::string& text, Compiler& compiler)
 {
     std::istringstream in(text);
-    std::string kind;
-    std::string major;
+    int kind = 0;
     std::string end;
-    std::getline(in, kind);
-    std::getline(in, major);
+    in >> kind >> compiler.major;
+    in.ignore();
     std::getline(in, compiler.headers);
     std::getline(in, compiler.reader);
     std::getline(in, compiler.assembler);
     std::getline(in, end);
-    compiler.kind = kind == "gcc"     ? Compiler::Kind::gcc
-                    : kind == "clang" ? Compiler::Kind::clang
-                                      : Compiler::Kind::other;
-    compiler.major = std::atoi(major.c_str());
+    compiler.kind = static_cast<Compiler::Kind>(kind);
     return end == "end";
 }
 

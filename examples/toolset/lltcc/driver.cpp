@@ -8,14 +8,15 @@
 #include "command.h"
 #include "commonfunc/Caddis_func.h"
 #include "compiler.h"
-#include "counter_text.h"
 #include "examples/toolset/common/driver_call.h"
 #include "examples/toolset/common/records.h"
+#include "examples/toolset/counters/counter_text.h"
 #include "handover.h"
 #include "stub_role.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <stdexcept>
 
 namespace
 {
@@ -35,12 +36,10 @@ std::string temporary_area(const std::string& project_path)
 /// build tree, under ../lib when installed. Empty when there is none.
 std::string tools_directory()
 {
-    char program[513] = {};
-    QMRGetCurrProcName(program);
-    const std::string home = split_path(std::string(program) + ".").directory;
     for (const char* place : {"/lltcc.d", "/../lib/lltcov/lltcc.d"}) {
-        if (QMRFileExists((home + place + "/as").c_str()) != 0) {
-            return home + place;
+        const std::string directory = program_directory() + place;
+        if (QMRFileExists((directory + "/as").c_str()) != 0) {
+            return directory;
         }
     }
     return "";
@@ -59,30 +58,35 @@ struct Compilation {
 /// Options beside those of the specs; the user's own stay as they are.
 Words options_of(const Compilation& compilation)
 {
+    const bool is_clang = compilation.compiler.kind == Compiler::Kind::clang;
+    const bool is_read_early = env_int("TimerPolicy") == 1 || env_int("SignalPolicy") == 1;
+    std::string update = env_text("LLTCOV_UPDATE");
     Words options;
     if (compilation.command.has_lto) {
         options.emplace_back("-fno-lto"); // else there is nothing to assemble yet
     }
-    if (compilation.compiler.kind == Compiler::Kind::clang) {
+    if (is_clang) {
         for (const char* const* option = CLANG_OPTIONS; *option != nullptr; ++option) {
             options.emplace_back(*option);
         }
-        return options;
+        update = is_read_early && update.empty() ? "atomic" : update;
+    } else {
+        options.push_back("-specs=" + compilation.tools + "/gcc.specs");
+        // A precompiled header made without counters is not used, which is no error.
+        options.emplace_back("-Wno-invalid-pch");
+        if (compilation.compiler.major == 11) {
+            options.emplace_back("-fno-toplevel-reorder"); // else it drops the tables
+        }
+        if (is_read_early) {
+            // Counts are read while loops run, so no loop may keep its counter in a register.
+            options.emplace_back("-fno-tree-loop-im");
+        }
+        if (env_text("LLTCOV_COUNT") == "conditions" && compilation.compiler.major >= 14) {
+            options.emplace_back("-fcondition-coverage");
+            // It warns of a decision with too many terms, which is no fault of the source.
+            options.emplace_back("-Wno-error=coverage-too-many-conditions");
+        }
     }
-    options.push_back("-specs=" + compilation.tools + "/gcc.specs");
-    // A precompiled header made without counters is not used, which is no error.
-    options.emplace_back("-Wno-invalid-pch");
-    if (compilation.compiler.major == 11) {
-        options.emplace_back("-fno-toplevel-reorder"); // else it drops the tables
-    }
-    if (env_int("TimerPolicy") == 1 || env_int("SignalPolicy") == 1) {
-        // Counts are read while loops run, so no loop may keep its counter in a register.
-        options.emplace_back("-fno-tree-loop-im");
-    }
-    if (env_text("LLTCOV_COUNT") == "conditions" && compilation.compiler.major >= 14) {
-        options.emplace_back("-fcondition-coverage");
-    }
-    const std::string update = env_text("LLTCOV_UPDATE");
     if (!update.empty()) {
         options.push_back("-fprofile-update=" + update);
     }
@@ -103,9 +107,7 @@ Words instrumented(const Compilation& compilation, const CompileInput& input)
 /// The prefix of commands that compile a stub of the module: this program takes part in them.
 std::string stub_command(const CompileCommand& command)
 {
-    char program[513] = {};
-    QMRGetCurrProcName(program);
-    std::string text = shell_word(program) + " " + STUB_ROLE;
+    std::string text = shell_word(program_directory() + "/lltcc") + " " + STUB_ROLE;
     for (const std::string& word : command.kept) {
         text += " " + (word[0] == '-' && shell_word(word)[0] == '.' ? shell_word(word).substr(2)
                                                                     : shell_word(word));
@@ -115,11 +117,8 @@ std::string stub_command(const CompileCommand& command)
 
 std::string object_of(const CompileCommand& command, const CompileInput& input)
 {
-    if (!command.output.empty()) {
-        return command.output;
-    }
     const std::string name = base_name(input.path);
-    return name.substr(0, name.rfind('.')) + ".o";
+    return command.output.empty() ? name.substr(0, name.rfind('.')) + ".o" : command.output;
 }
 
 /// What is known of the source before the compiler counts.
@@ -138,15 +137,14 @@ Record begun_record(const Compilation& compilation, const CompileInput& input)
     return record;
 }
 
-/// Leaves the records that the object brings along. False when it has none: it was made where our
-/// assembler was not asked.
-bool leave_records_of(const Compilation& compilation, const Record& begun)
+/// Leaves the records that the object brings along.
+void leave_records_of(const Compilation& compilation, const Record& begun)
 {
     std::string object;
     if (read_whole_file(begun.object, object) != Reading::done) {
         notice("cannot read '%s', which was just made: do two builds run at once?",
                begun.object.c_str());
-        return true;
+        return;
     }
     const std::vector<Record> records = records_of(object);
     for (const Record& record : records) {
@@ -154,7 +152,10 @@ bool leave_records_of(const Compilation& compilation, const Record& begun)
             leave_records(compilation.area, record, object);
         }
     }
-    return !records.empty();
+    if (records.empty()) {
+        notice("'%s' has no counters: something in front of the compiler made it elsewhere",
+               begun.object.c_str());
+    }
 }
 
 /// The compile without instrumentation after one with it has failed. What the compiler has to say
@@ -179,14 +180,24 @@ std::string uncounted(const Compilation& compilation)
     return (own.empty() ? "" : own + ";") + compilation.compiler.headers;
 }
 
-/// Runs the compile that counts; its status, and in `trouble` why the assembler role could not.
-int compile_counting(const Compilation& compilation, const CompileInput& input, const Record& begun,
+/// Runs the compile that counts and leaves its records; its status, and in `trouble` why it must be
+/// repeated without counting: objects without records could not be linked.
+int compile_counting(const Compilation& compilation, const CompileInput& input,
                      std::string& trouble)
 {
-    const Handover handover(begun, uncounted(compilation), compilation.compiler.assembler);
-    const int status = run_program(instrumented(compilation, input));
-    trouble = handover.trouble();
-    return status;
+    try {
+        const Record begun = begun_record(compilation, input);
+        const Handover handover(begun, uncounted(compilation), compilation.compiler.assembler);
+        const int status = run_program(instrumented(compilation, input));
+        trouble = handover.trouble();
+        if (status == 0 && trouble.empty()) {
+            leave_records_of(compilation, begun);
+        }
+        return status;
+    } catch (const std::runtime_error& error) {
+        trouble = error.what();
+        return 1;
+    }
 }
 
 /// `plain` is the same compile as it was wrapped.
@@ -195,17 +206,9 @@ int compile_input(const Compilation& compilation, const CompileInput& input, con
     if (!input.is_source) {
         return run_program(plain);
     }
-    const Record begun = begun_record(compilation, input);
     std::string trouble;
-    const int status = compile_counting(compilation, input, begun, trouble);
-    if (status != 0 || !trouble.empty()) {
-        return compile_plainly(plain, input.path, trouble);
-    }
-    if (!leave_records_of(compilation, begun)) {
-        notice("'%s' has no counters: something in front of the compiler made it elsewhere",
-               begun.object.c_str());
-    }
-    return 0;
+    const int status = compile_counting(compilation, input, trouble);
+    return status != 0 || !trouble.empty() ? compile_plainly(plain, input.path, trouble) : 0;
 }
 
 /// Why the sources cannot be instrumented; empty when they can.
@@ -232,18 +235,15 @@ std::string refusal(const Compilation& compilation)
 /// The same of the compiler, which is asked only when it may be needed.
 std::string refusal_of(const Compiler& compiler, const std::string& name)
 {
-    switch (compiler.kind) {
-    case Compiler::Kind::gcc:
-        return compiler.major >= 11 ? ""
-                                    : "'" + name + "' is GCC " + std::to_string(compiler.major) +
-                                          "; GCC 11 and later can count";
-    case Compiler::Kind::clang:
-        return compiler.major >= 14 ? ""
-                                    : "'" + name + "' is clang " + std::to_string(compiler.major) +
-                                          "; clang 14 and later can count";
-    default:
+    const bool is_gcc = compiler.kind == Compiler::Kind::gcc;
+    const int needed = is_gcc ? 11 : 14;
+    if (compiler.kind == Compiler::Kind::other) {
         return "'" + name + "' is neither GCC nor clang";
     }
+    return compiler.major >= needed ? ""
+                                    : "'" + name + "' is " + (is_gcc ? "GCC " : "clang ") +
+                                          std::to_string(compiler.major) +
+                                          ", which is older than " + std::to_string(needed);
 }
 
 } // namespace

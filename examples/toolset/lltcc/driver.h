@@ -3,5 +3,5 @@
 
 #include "examples/toolset/common/process.h"
 
-/// Runs the command given by the words behind the program's name; the exit status.
+/// Runs the command given by the words after the program's name; the exit status.
 int run_driver(const Words& arguments);

@@ -39,14 +39,6 @@ int notes_file()
     return file;
 }
 
-/// The programs that stand for the compiler's assembler in a cached object, as this one.
-std::string own_path()
-{
-    char program[513] = {};
-    QMRGetCurrProcName(program);
-    return program;
-}
-
 } // namespace
 
 Handover::Handover(const Record& begun, const std::string& headers, const std::string& assembler)
@@ -63,7 +55,8 @@ Handover::Handover(const Record& begun, const std::string& headers, const std::s
     set(TROUBLE, path_of(trouble_));
     set(ASSEMBLER, assembler);
     const std::string others = env_text(CACHE_KEY);
-    set(CACHE_KEY, (others.empty() ? "" : others + ":") + own_path() + ":" + path_of(key_));
+    set(CACHE_KEY,
+        (others.empty() ? "" : others + ":") + program_directory() + "/lltcc:" + path_of(key_));
     // What sends compiles elsewhere, also in front of a cache or under the compiler's name.
     set("CCACHE_PREFIX", "");
     set("DISTCC_HOSTS", "localhost");

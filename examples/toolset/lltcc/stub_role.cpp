@@ -4,7 +4,7 @@
 #include "stub_role.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "counter_text.h"
+#include "examples/toolset/counters/counter_text.h"
 
 #include <fcntl.h>
 #include <sstream>

@@ -3,7 +3,7 @@
 
 #include "examples/toolset/common/process.h"
 
-/// The word that chooses the role, the first one behind the program's name.
+/// The word that chooses the role, the first one after the program's name.
 inline constexpr const char STUB_ROLE[] = "-stub";
 
 /// Runs the compile of a stub, whose words follow `STUB_ROLE`, so that the counter arrays that the

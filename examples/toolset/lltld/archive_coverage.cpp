@@ -34,7 +34,7 @@ void read_symbols(std::string_view names, ArchiveCoverage& coverage)
 }
 
 /// Finds the builds that stubs in the bytes of one or more objects register: of each module the
-/// text that is its work area, and behind it the one with the build id.
+/// text that is its work area, and after it the one with the build id.
 void find_builds(std::string_view bytes, std::map<std::string, StubBuild>& modules)
 {
     constexpr std::string_view KEY = "\"buid\":\"";

@@ -25,7 +25,7 @@ using Arguments = std::vector<Argument>;
 
 /// What is looked for once all directories are known: a library, or a file of a linker script.
 struct Wanted {
-    std::string name; ///< what stands behind "-l", or a path
+    std::string name; ///< what follows "-l", or a path
     std::size_t position;
     bool is_static; ///< no shared library will do
     bool is_path;

@@ -71,7 +71,7 @@ Words with_runtime(const LinkCommand& link, const LinkCoverage& coverage, const 
     if (!stub.empty()) {
         add_input(link, stub, added);
     }
-    // Inputs behind the runtime need it too, so it is taken whether it is needed yet or not.
+    // Inputs after the runtime need it too, so it is taken whether it is needed yet or not.
     added.insert(added.end(), {"-u", "QMR_CreateCoverageListExt"});
     const ArrayForm form = counter_mode(g_lxprj->stubmode).array;
     if (form == ArrayForm::char_extern || form == ArrayForm::word_extern) {

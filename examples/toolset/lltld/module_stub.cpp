@@ -4,7 +4,9 @@
 #include "examples/toolset/lltld/module_stub.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_tree.h"
 #include "examples/toolset/common/process.h"
+#include "examples/toolset/counters/counter_text.h"
 #include "lltld/covlinktool.h"
 #include "lltld/linuxfunc.h"
 
@@ -35,6 +37,15 @@ std::string owner_of_area()
     return QMRFileExists(owner.c_str()) != 0 ? owner : "";
 }
 
+/// As `clear_work_area` does it, without a shell: a build links many programs.
+void empty_work_area()
+{
+    const std::string area = g_lxprj->szCovDictPath;
+    remove_entries(area + "/db", "db");
+    remove_entries(area + "/obj/before", "");
+    remove_entries(area + "/ini", "");
+}
+
 /// Position-independent, for it may go into a shared library; kernel code cannot be. It runs once.
 std::string stub_options(const std::string& command)
 {
@@ -57,7 +68,7 @@ bool adapt_compile_command()
 }
 
 /// The definition of a symbol's counter array, as bytes; empty when its size is not known. 8 bytes
-/// per probe hold the widest element that a stub declares.
+/// per point are enough in every stub mode.
 std::string plain_array(const std::string& symbol)
 {
     _SOURCEFILE_TAB table;
@@ -66,8 +77,8 @@ std::string plain_array(const std::string& symbol)
         GetOneSourceFileTabInfo2(temp_tab_path(symbol.c_str()).c_str(), &table) != 0 &&
         table.elementcount > 0) {
         const std::int64_t bytes = std::max(table.objlist->instnum, 1) * std::int64_t{8};
-        line = "__attribute__((weak, aligned(16))) char g_QMRCovData_" + symbol + "[" +
-               std::to_string(bytes) + "];\n";
+        line = "__attribute__((weak, aligned(" + std::to_string(ARRAY_ALIGNMENT) +
+               "))) char g_QMRCovData_" + symbol + "[" + std::to_string(bytes) + "];\n";
     }
     release_table(table);
     return line;
@@ -121,7 +132,8 @@ void record_libraries(const std::vector<LinkedLibrary>& libraries)
 
 std::string make_stub(const std::vector<ScannedObject>& objects)
 {
-    if (register_scanned_objects(objects) == 0 || !clear_work_area() || !update_tuple_database() ||
+    empty_work_area();
+    if (register_scanned_objects(objects) == 0 || !update_tuple_database() ||
         TidyCoverageDB() == 0 || !adapt_compile_command()) {
         return "";
     }

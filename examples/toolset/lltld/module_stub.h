@@ -11,7 +11,7 @@
 bool load_settings();
 
 /// Chooses the module's name and takes its work area PROJECT/NAME/codemeasure until the program
-/// ends. The name is `wanted` with "_so" behind it for a shared library, else "_exe": a static
+/// ends. The name is `wanted` with "_so" after it for a shared library, else "_exe": a static
 /// library of the same stem has the work area without a suffix, and a program that is built in the
 /// project's folder itself takes that place. Where another output has the work area, or a library
 /// of this link (`taken`) has a module of that name, "_2", "_3" and so on follow.

@@ -20,7 +20,7 @@ constexpr char HEAD[] =
     "PLAIN(QMRInit)\nPLAIN(ZKT_ServerInit)\nPLAIN(TUSK_UserAgentConfig)\nPLAIN(lltcov_dump)\n"
     "PLAIN(lltcov_reset)\nPLAIN(__gcov_dump)\nPLAIN(__gcov_reset)\n"
     "HIDDEN unsigned short g_TUSKSockBindPort;\n"
-    // The arguments of a list, on the stack as the runtime has them; `rest` is then behind them.
+    // The arguments of a list, on the stack as the runtime has them; `rest` is then after them.
     "#define COLLECT(last)"
     " __builtin_va_list rest; char **list; unsigned long n = 1, i; char *at = last;"
     " __builtin_va_start(rest, last); for (; at; ++n) at = __builtin_va_arg(rest, char *);"
@@ -33,7 +33,7 @@ constexpr char TAIL[] = "#ifdef __cplusplus\n}\n#endif\n";
 struct Replaced {
     const char* name;
     const char* real; ///< declaration of the function that is called in the end
-    const char* text; ///< what is behind the name "__gcov_..."
+    const char* text; ///< what follows the name "__gcov_..."
 };
 
 constexpr char EXECV[] = "int execv(const char *, char *const *);";

@@ -17,7 +17,7 @@
 unsigned short g_TUSKSockBindPort __attribute__((weak)) = 60000;
 
 static int target_state;
-static char next_root[PATH_MAX];
+static char* next_root; /* absolute; null: the default */
 
 /* --- modules */
 
@@ -64,8 +64,8 @@ static void choose_root(char* out, const char* area)
         make_absolute(out, from_environment, strlen(from_environment));
         return;
     }
-    if (next_root[0] != '\0') {
-        memcpy(out, next_root, PATH_MAX);
+    if (next_root != NULL) {
+        memcpy(out, next_root, strlen(next_root) + 1);
         return;
     }
     make_absolute(out, area, parent_length(area, parent_length(area, strlen(area))));
@@ -128,11 +128,7 @@ int QMR_AddCoverageBuf(void* pMod, unsigned int iFileId, char* pFileName, unsign
         .or_words = (size_t)or_bytes_of(pFileName, size) / sizeof(uint64_t),
         .index = iFileId,
     };
-    sigset_t mask;
-    registry_lock(&mask);
-    const int added = registry_add_buffer(module, &buffer);
-    registry_unlock(&mask);
-    return added;
+    return registry_add_buffer(module, &buffer);
 }
 
 /* The string member of a flat JSON object, to be freed, or null. */
@@ -210,7 +206,10 @@ int lltcov_reset(void)
 
 void TUSK_CovSetlltcovRootpath(const char* rootpath)
 {
-    make_absolute(next_root, rootpath, strlen(rootpath));
+    char root[PATH_MAX];
+    make_absolute(root, rootpath, strlen(rootpath));
+    free(next_root);
+    next_root = root[0] != '\0' ? strdup(root) : NULL;
 }
 
 void TUSK_CovSetTimerPolicy(int time_interval)

@@ -1,15 +1,13 @@
-/* Who has locked a file (a slot) reads it, adds its counts, writes the sum beside it and renames
- * that over the slot. So a file is whole at any time, whoever is killed. The lock ends with the
- * process; what a killed one left beside the slot is removed by the next that has the lock.
- *
- * A child that another thread starts without the fork handlers (vfork, posix_spawn) may inherit the
- * descriptor and with it the lock, until its exec. That does no harm: the lock is on the file that
- * was replaced, and who comes later opens the new one. */
+/* Who has locked a file (a slot) reads it, adds its counts, writes the sum to a second file beside
+ * it and exchanges the two. So a slot is whole at any time, whoever is killed, and the lock ends
+ * with the process. The second file stays for the next writer: to create and remove one each time,
+ * or to rename one over the slot, takes some file systems longer than a short program runs. */
 #define _FILE_OFFSET_BITS 64 /* large numbers of files and large files on 32-bit machines */
 
 #include "dump_file.h"
 
 #include "out.h"
+#include "place.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -17,16 +15,15 @@
 #include <string.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/uio.h>
 #include <time.h>
 #include <unistd.h>
 
 enum {
-    SLOTS = 16,          /* files that runs share */
-    MODULE_LENGTH = 150, /* bytes of the module in a file name */
-    BUID_LENGTH = 40,    /* likewise */
+    SLOTS = 16, /* files that runs share */
     MAX_COUNTER = 1000000,
-    PATIENCE = 2 /* seconds to wait for a slot when all are busy */
+    PATIENCE = 1 /* whole seconds that pass before no slot is waited for any more */
 };
 
 /* What comes of a slot. */
@@ -37,100 +34,8 @@ enum outcome {
     FAILED /* nor would the next one do */
 };
 
-/* Static, since a handler may run on a small stack; the lock guards them. */
-static char path[PATH_MAX];
-static char beside[PATH_MAX];
-
-/* --- names */
-
-/* At most `length` bytes of the name, with only such as need no care in a file name. */
-static void out_plain(struct out* out, const char* name, size_t length)
-{
-    static const char KEPT[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.+";
-    for (size_t i = 0; name[i] != '\0' && i < length; ++i) {
-        const char plain[] = {strchr(KEPT, name[i]) != NULL ? name[i] : '_', '\0'};
-        out_text(out, plain);
-    }
-}
-
-/* ROOT/START MODULE.BUID.HASH.PLACE.lltcov END; 0, with errno set, when that is too long or there
- * is no root. */
-static int make_path(char* to, const struct module* module, const char* start, const char* place,
-                     const char* end)
-{
-    struct out out = {to, PATH_MAX, 0};
-    out_text(&out, module->root);
-    out_text(&out, "/");
-    out_text(&out, start);
-    out_plain(&out, module->name, MODULE_LENGTH);
-    out_text(&out, ".");
-    out_plain(&out, module->buid != NULL ? module->buid : "", BUID_LENGTH);
-    out_text(&out, ".");
-    for (int shift = 60; shift >= 0; shift -= 4) {
-        const char digit[] = {"0123456789abcdef"[module->image.hash >> shift & 15], '\0'};
-        out_text(&out, digit);
-    }
-    out_text(&out, ".");
-    out_text(&out, place);
-    out_text(&out, ".lltcov");
-    out_text(&out, end);
-    errno = ENAMETOOLONG;
-    return out_end(&out) && module->root[0] != '\0';
-}
-
-static int make_paths(const struct module* module, const char* place)
-{
-    return make_path(path, module, "", place, "") && make_path(beside, module, ".", place, ".tmp");
-}
-
-/* --- files */
-
-/* Creates the directory of the file with its parents. */
-static void make_directories(const char* file)
-{
-    static char directory[PATH_MAX];
-    for (size_t i = 0; file[i] != '\0'; ++i) {
-        if (i > 0 && file[i] == '/') {
-            directory[i] = '\0';
-            mkdir(directory, 0777);
-        }
-        directory[i] = file[i];
-    }
-}
-
-/* Opens a file that may be missing, with its directory, and no link to somewhere else. The
- * descriptor is above those of the standard streams, which the program may have closed. */
-static int open_or_create(const char* file, int flags)
-{
-    flags |= O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY;
-    int fd = open(file, flags, 0666);
-    if (fd < 0 && errno == ENOENT) {
-        make_directories(file);
-        fd = open(file, flags, 0666);
-    }
-    if (fd >= 0 && fd < 3) {
-        const int higher = fcntl(fd, F_DUPFD_CLOEXEC, 3);
-        close(fd);
-        fd = higher;
-    }
-    return fd;
-}
-
-/* Writes the image and closes the file; else the file beside is removed, with errno as it was. */
-static int write_beside(int fd, const struct image* image)
-{
-    const size_t size = image->header_size + image->word_count * sizeof(uint64_t);
-    const int is_written = write_all(fd, image->header, size);
-    int error = errno;
-    const int is_closed = close(fd) == 0;
-    if (is_written && is_closed) {
-        return 1;
-    }
-    error = is_written ? errno : error;
-    unlink(beside);
-    errno = error;
-    return 0;
-}
+/* Static, since a handler may run on a small stack; the lock guards it. */
+static struct place place;
 
 /* --- slots */
 
@@ -161,7 +66,7 @@ static enum outcome lock_slot(int fd, struct stat* state)
         return UNFIT;
     }
     const int is_same =
-        lstat(path, &now) == 0 && now.st_dev == state->st_dev && now.st_ino == state->st_ino;
+        lstat(place.path, &now) == 0 && now.st_dev == state->st_dev && now.st_ino == state->st_ino;
     return is_same ? WRITTEN : BUSY;
 }
 
@@ -175,27 +80,56 @@ static int read_slot(int fd, off_t size, struct image* image)
         memset(image->words, 0, counts);
         return 1;
     }
-    const off_t wanted = (off_t)(image->header_size + counts);
+    const off_t wanted = (off_t)size_of_file(image);
     return size == wanted && readv(fd, parts, 2) == wanted &&
            memcmp(image->file_header, image->header, image->header_size) == 0;
+}
+
+/* Opens the file beside the slot, which may be what a killed writer left: only its room is used.
+ * One that has another name too is not ours to write. */
+static int open_beside(off_t size)
+{
+    struct stat state;
+    const int fd = open_or_create(place.beside, O_WRONLY | O_NONBLOCK);
+    if (fd >= 0 && fstat(fd, &state) == 0 && S_ISREG(state.st_mode) && state.st_nlink == 1 &&
+        (state.st_size <= size || ftruncate(fd, 0) == 0)) {
+        return fd;
+    }
+    const int error = errno;
+    if (fd >= 0) {
+        close(fd);
+    }
+    if (unlink(place.beside) != 0) {
+        errno = error;
+        return -1;
+    }
+    return open_or_create(place.beside, O_WRONLY | O_EXCL);
+}
+
+static int exchange(void)
+{
+#ifdef SYS_renameat2
+    enum { RENAME_BOTH = 2 };
+    if (syscall(SYS_renameat2, AT_FDCWD, place.beside, AT_FDCWD, place.path, RENAME_BOTH) == 0) {
+        return 1;
+    }
+#endif
+    return rename(place.beside, place.path) == 0;
 }
 
 /* With the lock held. */
 static enum outcome replace_slot(struct module* module)
 {
     image_join(module);
-    int fd = open_or_create(beside, O_WRONLY | O_EXCL);
-    if (fd < 0 && errno == EEXIST && unlink(beside) == 0) {
-        fd = open_or_create(beside, O_WRONLY | O_EXCL);
-    }
+    const int fd = open_beside((off_t)size_of_file(&module->image));
     if (fd < 0) {
         return after_failed_open();
     }
-    if (!write_beside(fd, &module->image)) {
+    if (!place_write(&place, fd, &module->image)) {
         return FAILED;
     }
-    if (rename(beside, path) != 0) {
-        unlink(beside);
+    if (!exchange()) {
+        unlink(place.beside);
         return UNFIT;
     }
     return WRITTEN;
@@ -203,7 +137,7 @@ static enum outcome replace_slot(struct module* module)
 
 static enum outcome merge_with_slot(struct module* module)
 {
-    const int fd = open_or_create(path, O_RDWR | O_NONBLOCK);
+    const int fd = open_or_create(place.path, O_RDWR | O_NONBLOCK);
     if (fd < 0) {
         return after_failed_open();
     }
@@ -212,6 +146,9 @@ static enum outcome merge_with_slot(struct module* module)
     if (outcome == WRITTEN) {
         outcome = read_slot(fd, state.st_size, &module->image) ? replace_slot(module) : UNFIT;
     }
+    /* A child that another thread starts in this moment (vfork, posix_spawn) has the descriptor
+     * too, until its exec, and must not keep the lock. */
+    flock(fd, LOCK_UN);
     close(fd);
     return outcome;
 }
@@ -221,10 +158,10 @@ static enum outcome merge_with_any_slot(struct module* module)
 {
     enum outcome outcome = UNFIT;
     for (unsigned int slot = 0; slot < SLOTS; ++slot) {
-        char place[4] = "";
-        struct out out = {place, sizeof place, 0};
+        char name[4] = "";
+        struct out out = {name, sizeof name, 0};
         out_number(&out, slot);
-        if (!out_end(&out) || !make_paths(module, place)) {
+        if (!out_end(&out) || !place_name(&place, module, name)) {
             return FAILED;
         }
         const enum outcome of_slot = merge_with_slot(module);
@@ -241,17 +178,17 @@ static enum outcome merge_with_any_slot(struct module* module)
 /* Gives the file beside its name unless that is taken; BUSY if it is. */
 static enum outcome publish(void)
 {
-    if (link(beside, path) == 0) {
-        unlink(beside);
+    if (link(place.beside, place.path) == 0) {
+        unlink(place.beside);
         return WRITTEN;
     }
     /* A file system without hard links looks before. */
-    if (errno != EEXIST && access(path, F_OK) != 0 && rename(beside, path) == 0) {
+    if (errno != EEXIST && access(place.path, F_OK) != 0 && rename(place.beside, place.path) == 0) {
         return WRITTEN;
     }
     const int error = errno;
-    const int is_taken = access(path, F_OK) == 0;
-    unlink(beside);
+    const int is_taken = access(place.path, F_OK) == 0;
+    unlink(place.beside);
     errno = error;
     return is_taken ? BUSY : FAILED;
 }
@@ -265,19 +202,19 @@ static int write_own(struct module* module)
     memset(image->words, 0, image->word_count * sizeof(uint64_t));
     image_join(module);
     for (; counter < MAX_COUNTER; ++counter) {
-        char place[48];
-        struct out out = {place, sizeof place, 0};
+        char name[48];
+        struct out out = {name, sizeof name, 0};
         out_number(&out, (unsigned long long)getpid());
         out_text(&out, ".");
         out_number(&out, counter);
-        if (!out_end(&out) || !make_paths(module, place)) {
+        if (!out_end(&out) || !place_name(&place, module, name)) {
             return 0;
         }
-        const int fd = open_or_create(beside, O_WRONLY | O_EXCL);
+        const int fd = open_or_create(place.beside, O_WRONLY | O_EXCL);
         if (fd < 0 && errno == EEXIST) {
             continue;
         }
-        if (fd < 0 || !write_beside(fd, image)) {
+        if (fd < 0 || !place_write(&place, fd, image)) {
             return 0;
         }
         const enum outcome outcome = publish();
@@ -291,13 +228,13 @@ static int write_own(struct module* module)
 int dump_file_write(struct module* module)
 {
     const struct timespec moment = {0, 1000000};
-    struct timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    const time_t end = now.tv_sec + PATIENCE;
+    struct timespec now = {0, 0};
+    time_t end = 0;
     enum outcome outcome;
-    while ((outcome = merge_with_any_slot(module)) == BUSY && now.tv_sec < end) {
+    while ((outcome = merge_with_any_slot(module)) == BUSY && now.tv_sec <= end) {
         nanosleep(&moment, NULL);
         clock_gettime(CLOCK_MONOTONIC, &now);
+        end = end == 0 ? now.tv_sec + PATIENCE : end;
     }
     return outcome == WRITTEN || write_own(module);
 }

@@ -1,7 +1,7 @@
-/* The dump file of a module in memory: its header, and behind it the counts of the file that is
- * merged with. The counters themselves are never set back by a dump, for threads count on; so the
- * image also keeps what was dumped already. Called with the registry's lock held; only calls that
- * are safe in a signal handler. */
+/* The dump file of a module in memory: its header, then the counts of the file that is merged
+ * with. The counters themselves are never set back by a dump, for threads count on; so the image
+ * also keeps what was dumped already. Called with the registry's lock held; only calls that are
+ * safe in a signal handler. */
 #ifndef LLTCOV_IMAGE_H
 #define LLTCOV_IMAGE_H
 

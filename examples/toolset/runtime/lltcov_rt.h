@@ -13,19 +13,26 @@
  * program has put another file or connection there. A test that runs as another user, in another
  * root directory or on another machine wants LLTCOV_ROOT=DIRECTORY that it can write.
  *
+ * The counts of all runs are added up in a few files. With LLTCOV_TEST=NAME in the environment a
+ * process adds to files that only processes with the same NAME share.
+ *
  * What counts:
  *   - exit        dumped by the stub's destructor and once more, if counts have changed since,
- *                 behind the last destructor of the program
+ *                 after the last destructor of the program
  *   - _exit, quick_exit, abort, a fatal signal   nothing is dumped: call lltcov_dump before, or use
  *                 a policy (the setting TimerPolicy or SignalPolicy)
  *   - fork        the parent's counts are dumped and the child begins at zero, so that no count is
  *                 reported twice and none is lost when either ends by _exit
  *   - vfork       the child shares the parent's counters, as it shares all its memory
- *   - exec        programs linked by the link driver dump before they call a function of the exec
- *                 family; the new program writes a file of its own
+ *   - exec        dumped before execl, execlp, execle, execv, execvp and execve in code of gcc,
+ *                 which calls functions of this runtime in their place; not in code of clang, not
+ *                 before execvpe and fexecve, not where the C library itself replaces the program
  *   - dlclose     the library's counts are dumped, then forgotten
- *   - threads     all count into the same arrays without a lock: two increments at one instant may
- *                 count as one, but a line that ran is never reported as not run
+ *   - threads     all count into the same arrays; whether two increments at one instant count as
+ *                 two is the compiler's choice (-fprofile-update)
+ *
+ * Programs that call __gcov_dump or __gcov_reset, as they may with the compiler's own runtime, get
+ * lltcov_dump and lltcov_reset.
  */
 #ifndef LLTCOV_RT_H
 #define LLTCOV_RT_H
@@ -73,14 +80,16 @@ void* QMR_CreateCoverageListExt(const char* pModName, const char* covdbpath, uns
                                 int iClass);
 
 /* Adds the counters of one source: its number in the module's merged table, its name there, the
- * array and its size in bytes, and the number of probes. The array must live until
- * QMR_DumpModuleCovdata is called for the module. An array that is known already is not counted
- * twice. Returns 1, or 0 when it was not added. */
+ * array and its size in bytes, and its size in the unit of the stub mode: 4 bytes, one byte (modes
+ * 2, 6, 9) or one bit (modes 0, 4, 7). The array holds whole counters, 64-bit words. "S.EXT:N" as a
+ * name says that those in its last N bytes join two runs by "or"; all others add up. Array and name
+ * must live until QMR_DumpModuleCovdata is called for the module. An array that is known already is
+ * not counted twice. Returns 1, or 0 when it was not added. */
 int QMR_AddCoverageBuf(void* pMod, unsigned int iFileId, char* pFileName, unsigned int* pCovBuf,
                        unsigned int iBufSize, unsigned int iInstSize);
 
-/* Names project and build of the modules created before: a JSON object with the members
- * "projectname" and "buid". Returns 1. */
+/* Names project and build of the modules created before, a JSON object with the members
+ * "projectname" and "buid": they are complete now, and dumps begin. Returns 1. */
 int QMRInit(int iType, char* pProjName);
 
 /* A flag that the stubs of a process share: 0 until one of them has set it. */

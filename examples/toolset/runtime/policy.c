@@ -8,6 +8,7 @@
 #include <pthread.h>
 #include <signal.h>
 #include <stddef.h>
+#include <stdlib.h>
 #include <time.h>
 
 /* --- the timer */
@@ -78,8 +79,9 @@ void policy_restart_in_child(void)
 
 enum { SIGNALS = 65 };
 
-static struct sigaction before[SIGNALS];
-static unsigned char is_watched[SIGNALS];
+/* What the signals did before, by number; null for those that are not watched. Each is made when
+ * the signal is watched: few programs watch one. */
+static struct sigaction* before[SIGNALS];
 
 /* Signals that only ask for a dump, or that do nothing by default. */
 static int ends_process(int number)
@@ -96,13 +98,13 @@ static int ends_process(int number)
 static void dump_at_signal(int number, siginfo_t* info, void* context)
 {
     const int saved = errno;
-    const struct sigaction* const old = &before[number];
+    const struct sigaction* const old = before[number];
     this_copy_dump();
     if ((old->sa_flags & SA_SIGINFO) != 0) {
         old->sa_sigaction(number, info, context);
     } else if (old->sa_handler == SIG_DFL) {
         if (ends_process(number)) {
-            /* It is blocked in its own handler, so it arrives behind this function's end. */
+            /* It is blocked in its own handler, so it arrives when this function has ended. */
             sigaction(number, old, NULL);
             raise(number);
         }
@@ -114,14 +116,22 @@ static void dump_at_signal(int number, siginfo_t* info, void* context)
 
 void policy_watch_signal(int number)
 {
-    if (number < 1 || number >= SIGNALS || is_watched[number]) {
+    if (number < 1 || number >= SIGNALS || before[number] != NULL) {
         return;
     }
     struct sigaction action = {.sa_flags = SA_SIGINFO | SA_RESTART | SA_ONSTACK};
     action.sa_sigaction = dump_at_signal;
     sigfillset(&action.sa_mask);
-    is_watched[number] =
-        sigaction(number, NULL, &before[number]) == 0 && sigaction(number, &action, NULL) == 0;
+    struct sigaction* const old = malloc(sizeof *old);
+    if (old == NULL || sigaction(number, NULL, old) != 0) {
+        free(old);
+        return;
+    }
+    before[number] = old; /* before the first signal can come */
+    if (sigaction(number, &action, NULL) != 0) {
+        before[number] = NULL;
+        free(old);
+    }
 }
 
 /* --- the end */
@@ -130,7 +140,7 @@ void policy_watch_signal(int number)
  * by default it would end the process. */
 static void put_back(int number)
 {
-    struct sigaction action = before[number];
+    struct sigaction action = *before[number];
     if ((action.sa_flags & SA_SIGINFO) == 0 && action.sa_handler == SIG_DFL &&
         !ends_process(number)) {
         action.sa_handler = SIG_IGN;
@@ -142,22 +152,21 @@ static void put_back_handlers(void)
 {
     for (int number = 1; number < SIGNALS; ++number) {
         struct sigaction now;
-        if (is_watched[number] && sigaction(number, NULL, &now) == 0 &&
+        if (before[number] != NULL && sigaction(number, NULL, &now) == 0 &&
             (now.sa_flags & SA_SIGINFO) != 0 && now.sa_sigaction == dump_at_signal) {
             put_back(number);
         }
-        is_watched[number] = 0;
     }
 }
 
 void policy_stop(void)
 {
     put_back_handlers();
-    pthread_mutex_lock(&timer_lock);
-    interval = 0;
-    pthread_cond_signal(&timer_changed);
-    pthread_mutex_unlock(&timer_lock);
     if (timer_runs) {
+        pthread_mutex_lock(&timer_lock);
+        interval = 0;
+        pthread_cond_signal(&timer_changed);
+        pthread_mutex_unlock(&timer_lock);
         pthread_join(timer_thread, NULL);
         timer_runs = 0;
     }

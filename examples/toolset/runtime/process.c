@@ -53,12 +53,12 @@ int process_is_exiting(void)
     return is_exiting;
 }
 
-/* The last destructor of each image that was linked with the runtime, also where the copy of
- * another image keeps its modules. */
+/* The last destructor of each image that was linked with the runtime. Where this copy has no
+ * modules, that of another image keeps those of this one. */
 __attribute__((destructor(101))) static void finish(void)
 {
     policy_stop();
-    copies_dump();
+    registry_modules != NULL ? this_copy_dump() : copies_dump();
 }
 
 void process_set_up(void)
@@ -121,7 +121,7 @@ static size_t count_arguments(const char* argument, va_list rest)
 }
 
 /* With "argument" and "rest" of the function that it stands in, declares the array `arguments` and
- * leaves `rest` behind the null pointer. A macro, for the array lives on the caller's stack: there
+ * leaves `rest` after the null pointer. A macro, for the array lives on the caller's stack: there
  * is no other memory that a program may use between vfork and exec. */
 #define COLLECT_ARGUMENTS()                                                                        \
     va_list rest;                                                                                  \

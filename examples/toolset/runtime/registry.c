@@ -6,7 +6,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-enum { SLOTS = 4096 };
+enum { SLOTS = 256 };
 
 struct module* registry_modules;
 
@@ -16,7 +16,7 @@ static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
 void registry_lock(sigset_t* mask)
 {
     sigset_t all;
-    sigfillset(&all);
+    memset(&all, 0xff, sizeof all);
     pthread_sigmask(SIG_BLOCK, &all, mask);
     pthread_mutex_lock(&lock);
 }
@@ -104,18 +104,15 @@ int registry_add_buffer(struct module* module, const struct buffer* buffer)
         }
     }
     struct buffer* added = malloc(sizeof *added);
-    char* name = copy_of(buffer->name);
-    if (added == NULL || name == NULL) {
-        free(added);
-        free(name);
+    if (added == NULL) {
         return 0;
     }
     *added = *buffer;
-    added->name = name;
     added->next = NULL;
     added->same_slot = *slot;
     *slot = added;
-    *module->last = added;
+    /* A fork or a reset may go through the list meanwhile. */
+    __atomic_store_n(module->last, added, __ATOMIC_RELEASE);
     module->last = &added->next;
     return 1;
 }
@@ -130,7 +127,6 @@ static void remove_buffers(struct module* module)
         }
         *link = buffer->same_slot;
         module->first = buffer->next;
-        free(buffer->name);
         free(buffer);
     }
 }

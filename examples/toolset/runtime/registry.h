@@ -12,7 +12,7 @@
 struct buffer {
     struct buffer* next;      /* in the module */
     struct buffer* same_slot; /* in the table of addresses */
-    char* name;               /* its name in the merged table */
+    const char* name;         /* its name in the merged table */
     volatile uint64_t* data;  /* the array */
     size_t words;             /* its counters */
     size_t or_words;          /* those at its end, which two runs join by "or" */
@@ -38,7 +38,7 @@ struct module {
 void registry_lock(sigset_t* mask);
 void registry_unlock(const sigset_t* mask);
 
-/* The rest is called with the lock held. */
+/* The rest is called with the lock held, but for registry_add_buffer. */
 
 extern struct module* registry_modules;
 
@@ -46,7 +46,9 @@ extern struct module* registry_modules;
 struct module* registry_add_module(const char* name, const char* area, const char* root,
                                    const char* test, int mode);
 
-/* Adds an array unless its address is known; 1, or 0 when there is no memory. */
+/* Adds an array unless its address is known; 1, or 0 when there is no memory. Without the lock, for
+ * there are many arrays: nobody dumps a module that is not complete, and the loader runs the
+ * constructors and destructors of images, which add and remove, one after the other. */
 int registry_add_buffer(struct module* module, const struct buffer* buffer);
 
 /* Unlinks and frees the module. */

@@ -16,7 +16,7 @@ class NotInstrumentable : public std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/// A part of the text, and the place in the array that stands behind it.
+/// A part of the text, and the place in the array that follows it.
 struct TextPiece {
     static constexpr std::uint32_t NONE = UINT32_MAX;
 
@@ -39,11 +39,12 @@ inline constexpr std::uint32_t ARRAY_ALIGNMENT = 64;
 /// `NotInstrumentable` when something in it is not understood.
 CounterText read_gcc_text(std::string_view text);
 
-/// The same for `clang -fprofile-instr-generate -fcoverage-mapping`.
+/// The same for clang with the options of `CLANG_OPTIONS`.
 CounterText read_clang_text(std::string_view text);
+
+/// What clang is to be called with, up to a null pointer. They are of the compilation alone: in a
+/// link they would bring clang's own runtime.
+extern const char* const CLANG_OPTIONS[];
 
 /// The text with "ARRAY+OFFSET" where the counters stood; `array` is the whole name.
 std::string with_array(const CounterText& text, const std::string& array);
-
-/// What clang needs for that, ended by a null pointer.
-extern const char* const CLANG_OPTIONS[];

@@ -6,7 +6,8 @@
 // and data directives are understood, so that this works for every machine: how a counter is
 // addressed stays as it is, and a name is replaced by an expression. Anything else that names a
 // counter or a table is refused.
-#include "gcc_tables.h"
+#include "examples/toolset/counters/asm_line.h"
+#include "examples/toolset/counters/gcc_tables.h"
 
 #include "commonfunc/text.h"
 
@@ -19,22 +20,6 @@ using Texts = std::vector<std::string_view>;
 
 constexpr std::string_view COUNTER = "__gcov";
 constexpr std::string_view TABLE = "LPBX";
-constexpr std::string_view BLANKS = " \t";
-
-bool is_name_character(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-           c == '.' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
-}
-
-std::string_view name_at(std::string_view text, std::size_t at)
-{
-    std::size_t end = at;
-    while (end < text.size() && is_name_character(text[end])) {
-        ++end;
-    }
-    return text.substr(at, end - at);
-}
 
 /// What the compiler calls for the program's fork, exec and the like: the runtime has it.
 bool is_function(std::string_view name)
@@ -44,40 +29,7 @@ bool is_function(std::string_view name)
                             "__gcov_reset"});
 }
 
-/// A line of the text as the assembler sees it: a label, or a directive or instruction.
-struct Line {
-    std::string_view whole; ///< with its line end
-    std::string_view word;  ///< the first one
-    std::string_view rest;  ///< behind it
-};
-
-Line line_at(std::string_view text, std::size_t start)
-{
-    const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
-    Line line;
-    line.whole = text.substr(start, end - start);
-    std::string_view rest = line.whole.substr(0, line.whole.find('\n'));
-    rest.remove_prefix(std::min(rest.find_first_not_of(BLANKS), rest.size()));
-    line.word = rest.substr(0, rest.find_first_of(BLANKS));
-    rest.remove_prefix(line.word.size());
-    rest.remove_prefix(std::min(rest.find_first_not_of(BLANKS), rest.size()));
-    line.rest = rest;
-    return line;
-}
-
-bool is_data(std::string_view word)
-{
-    return is_one_of(word, {".long", ".quad", ".zero", ".word", ".xword", ".dword", ".4byte",
-                            ".8byte", ".2byte", ".hword", ".short", ".value", ".byte", ".space",
-                            ".skip", ".llong"});
-}
-
-bool is_padding(std::string_view word)
-{
-    return is_one_of(word, {".zero", ".space", ".skip"});
-}
-
-std::string_view operand_of(const Line& line)
+std::string_view operand_of(const AsmLine& line)
 {
     return line.rest.substr(0, line.rest.find_first_of(" \t,#@;|!"));
 }
@@ -89,29 +41,14 @@ public:
 
     CounterText read()
     {
-        std::size_t done = 0;
-        for (std::size_t hit = next_hit(0); hit < text_.size(); hit = next_hit(done)) {
-            const std::size_t start = text_.rfind('\n', hit) + 1; // npos + 1 is 0
-            keep(done, start);
-            done = read_line(start);
-        }
-        keep(done, text_.size());
+        walk_lines(
+            text_, COUNTER, TABLE, [this](std::size_t from, std::size_t to) { keep(from, to); },
+            [this](std::size_t start) { return read_line(start); });
         place_counters(parts_, out_);
         return std::move(out_);
     }
 
 private:
-    /// Where the next name of a counter or table may be; the text's size when there is none.
-    std::size_t next_hit(std::size_t from)
-    {
-        for (auto& [word, at] : next_) {
-            if (at < from || from == 0) {
-                at = std::min(text_.find(word, from), text_.size());
-            }
-        }
-        return std::min(next_[0].second, next_[1].second);
-    }
-
     void keep(std::size_t from, std::size_t to)
     {
         if (from < to) {
@@ -122,20 +59,18 @@ private:
     /// Takes the line apart, a definition with its data; returns where the text goes on.
     std::size_t read_line(std::size_t start)
     {
-        const Line line = line_at(text_, start);
+        const AsmLine line = line_at(text_, start);
         const std::size_t next = start + line.whole.size();
         const std::string_view name = name_at(line.rest, 0);
         const std::string_view label = line.word.substr(0, line.word.size() - 1);
         const bool is_ours = is_counter(name) || is_table(name);
-        if (is_one_of(line.word, {".string", ".ascii", ".asciz", ".file", ".ident"})) {
+        if (line.is_string() || is_one_of(line.word, {".file", ".ident"})) {
             keep(start, next);
-        } else if (!line.word.empty() && line.word.back() == ':' &&
-                   (is_counter(label) || is_table(label))) {
+        } else if (line.is_label() && (is_counter(label) || is_table(label))) {
             return read_definition(label, start, next);
         } else if (line.word == ".comm" && is_ours) {
             read_common(name, line.rest.substr(name.size()));
-        } else if (is_ours && is_one_of(line.word, {".local", ".hidden", ".weak", ".globl", ".type",
-                                                    ".size"})) {
+        } else if (is_ours && line.is_attribute()) {
             // goes with the definition
         } else if (line.word == ".section") {
             keep_section(line, start, next);
@@ -146,7 +81,7 @@ private:
     }
 
     /// Sections of the tables alone, and of single variables, go with what is in them.
-    void keep_section(const Line& line, std::size_t start, std::size_t next)
+    void keep_section(const AsmLine& line, std::size_t start, std::size_t next)
     {
         const bool is_of_table = line.rest.find(".__gcov") != line.rest.npos ||
                                  line.rest.find(".LPBX") != line.rest.npos ||
@@ -174,11 +109,11 @@ private:
         Texts words;
         std::uint32_t size = 0;
         while (next < text_.size()) {
-            const Line line = line_at(text_, next);
-            if (!is_data(line.word)) {
+            const AsmLine line = line_at(text_, next);
+            if (!line.is_value() && !line.is_padding()) {
                 break;
             }
-            if (is_padding(line.word)) {
+            if (line.is_padding()) {
                 size += number_of(operand_of(line));
             } else {
                 words.push_back(operand_of(line));
@@ -201,7 +136,7 @@ private:
         std::size_t end = label;
         for (int lines = 0; lines < 5 && end > 0; ++lines) {
             const std::size_t start = end < 2 ? 0 : text_.rfind('\n', end - 2) + 1;
-            const Line line = line_at(text_, start);
+            const AsmLine line = line_at(text_, start);
             if (is_one_of(line.word, {".align", ".p2align", ".balign"})) {
                 const std::uint32_t number = number_of(operand_of(line));
                 return line.word != ".balign" && number < 8 ? 1U << number : number;
@@ -233,7 +168,6 @@ private:
     }
 
     std::string_view text_;
-    std::pair<std::string_view, std::size_t> next_[2] = {{COUNTER, 0}, {TABLE, 0}};
     CounterText out_;
     GccParts parts_;
 };

@@ -1,5 +1,5 @@
 // One allocation for the whole text: C++ sources give megabytes of assembly.
-#include "counter_text.h"
+#include "examples/toolset/counters/counter_text.h"
 
 std::string with_array(const CounterText& text, const std::string& array)
 {

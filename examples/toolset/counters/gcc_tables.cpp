@@ -1,8 +1,9 @@
 // The head of the tables, `.LPBX0`, holds version, stamp, checksum, file name and how each kind
 // joins two runs; `.LPBX1` is the list of the functions' tables in the order of data files.
-#include "gcc_tables.h"
+#include "examples/toolset/counters/gcc_tables.h"
 
 #include "commonfunc/text.h"
+#include "examples/toolset/counters/asm_line.h"
 
 #include <algorithm>
 
@@ -185,12 +186,6 @@ std::uint32_t number_of(std::string_view digits)
     } catch (const std::exception&) {
         refuse(digits);
     }
-}
-
-void refuse(std::string_view what)
-{
-    throw NotInstrumentable("the compiler's counters are not understood: '" +
-                            std::string(what.substr(0, what.find('\n')).substr(0, 80)) + "'");
 }
 
 void place_counters(GccParts& parts, CounterText& out)

@@ -1,7 +1,7 @@
 // What a text of gcc says of its counters, before it is understood.
 #pragma once
 
-#include "counter_text.h"
+#include "examples/toolset/counters/counter_text.h"
 
 #include <string_view>
 #include <unordered_map>
@@ -31,9 +31,6 @@ bool is_table(std::string_view name);
 
 /// A decimal number, negative ones as their two's complement.
 std::uint32_t number_of(std::string_view digits);
-
-/// Throws `NotInstrumentable` with a part of the text.
-[[noreturn]] void refuse(std::string_view what);
 
 /// Reads the tables into the record and gives every counter its place: in the record, and in the
 /// pieces that refer to it.

@@ -1,0 +1,104 @@
+/* Only calls that are safe in a signal handler. */
+#define _FILE_OFFSET_BITS 64 /* large numbers of files and large files on 32-bit machines */
+
+#include "place.h"
+
+#include "out.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+/* Bytes of the names in a file name. */
+enum { MODULE_LENGTH = 150, BUID_LENGTH = 40 };
+
+/* At most `length` bytes of the name, with only such as need no care in a file name. */
+static void out_plain(struct out* out, const char* name, size_t length)
+{
+    static const char KEPT[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.+";
+    for (size_t i = 0; name[i] != '\0' && i < length; ++i) {
+        const char plain[] = {strchr(KEPT, name[i]) != NULL ? name[i] : '_', '\0'};
+        out_text(out, plain);
+    }
+}
+
+/* ROOT/START MODULE.BUID.HASH.PLACE.lltcov END; 0, with errno set, when that is too long or there
+ * is no root. */
+static int make_path(char* to, const struct module* module, const char* start, const char* place,
+                     const char* end)
+{
+    struct out out = {to, PATH_MAX, 0};
+    out_text(&out, module->root);
+    out_text(&out, "/");
+    out_text(&out, start);
+    out_plain(&out, module->name, MODULE_LENGTH);
+    out_text(&out, ".");
+    out_plain(&out, module->buid != NULL ? module->buid : "", BUID_LENGTH);
+    out_text(&out, ".");
+    for (int shift = 60; shift >= 0; shift -= 4) {
+        const char digit[] = {"0123456789abcdef"[module->image.hash >> shift & 15], '\0'};
+        out_text(&out, digit);
+    }
+    out_text(&out, ".");
+    out_text(&out, place);
+    out_text(&out, ".lltcov");
+    out_text(&out, end);
+    errno = ENAMETOOLONG;
+    return out_end(&out) && module->root[0] != '\0';
+}
+
+int place_name(struct place* place, const struct module* module, const char* name)
+{
+    return make_path(place->path, module, "", name, "") &&
+           make_path(place->beside, module, ".", name, ".tmp");
+}
+
+/* Creates the directory of the file with its parents; the path is changed meanwhile. */
+static void make_directories(char* file)
+{
+    for (char* at = file + 1; *at != '\0'; ++at) {
+        if (*at == '/') {
+            *at = '\0';
+            mkdir(file, 0777);
+            *at = '/';
+        }
+    }
+}
+
+/* O_NOFOLLOW: whoever may write in the directory must not choose another file. */
+int open_or_create(char* file, int flags)
+{
+    flags |= O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY;
+    int fd = open(file, flags, 0666);
+    if (fd < 0 && errno == ENOENT) {
+        make_directories(file);
+        fd = open(file, flags, 0666);
+    }
+    if (fd >= 0 && fd < 3) {
+        const int higher = fcntl(fd, F_DUPFD_CLOEXEC, 3);
+        close(fd);
+        fd = higher;
+    }
+    return fd;
+}
+
+size_t size_of_file(const struct image* image)
+{
+    return image->header_size + image->word_count * sizeof(uint64_t);
+}
+
+int place_write(const struct place* place, int fd, const struct image* image)
+{
+    const int is_written = write_all(fd, image->header, size_of_file(image));
+    int error = errno;
+    const int is_closed = close(fd) == 0;
+    if (is_written && is_closed) {
+        return 1;
+    }
+    error = is_written ? errno : error;
+    unlink(place->beside);
+    errno = error;
+    return 0;
+}

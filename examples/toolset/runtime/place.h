@@ -1,0 +1,28 @@
+/* The file of a dump and the one beside it: names, and what is done with files in general. */
+#ifndef LLTCOV_PLACE_H
+#define LLTCOV_PLACE_H
+
+#include "registry.h"
+
+/* Two paths. */
+struct place {
+    char path[PATH_MAX];
+    char beside[PATH_MAX]; /* what is written before it gets the other name */
+};
+
+/* ROOT/MODULE.BUID.HASH.NAME.lltcov. 0, with errno set, when that is too long or there is no root.
+ */
+int place_name(struct place* place, const struct module* module, const char* name);
+
+/* Opens a file that may be missing, with its directory, and no link to somewhere else. The
+ * descriptor is above those of the standard streams, which the program may have closed. */
+int open_or_create(char* file, int flags);
+
+/* Bytes of a file with the image. */
+size_t size_of_file(const struct image* image);
+
+/* Writes the image to the file beside and closes it. 1; else, with errno set, the file is removed.
+ */
+int place_write(const struct place* place, int fd, const struct image* image);
+
+#endif

@@ -1,0 +1,261 @@
+#!/bin/bash
+# Conditions: a program is run several times, once as `gcc --coverage -fcondition-coverage` built it
+# and once as the tool set did. Each decision must have the outcomes that gcov says, in JSON,
+# Cobertura and tracefile; where one process sees what another one does not, they join.
+# usage: conditions_test.sh PROGRAMS     PROGRAMS: the folder of lltwrapper, lltcc and lltcov
+# Exit status 77: the compiler has no condition coverage, or jq is missing.
+set -uo pipefail
+unset CDPATH MAKEFLAGS CC CXX AR CFLAGS CXXFLAGS CPPFLAGS LDFLAGS "${!qmr_@}" "${!llt@}" "${!LLT@}"
+export LC_ALL=C CCACHE_DISABLE=1
+tests=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+# shellcheck disable=SC2034 # for against_gcov.sh
+toolset=$tests/../../examples/toolset
+work=$(mktemp -d /tmp/conditions.XXXXXX)
+trap 'rm -rf "$work"' EXIT
+PATH=$(cd "$1" && pwd):$PATH
+# shellcheck source=tests/toolset/against_gcov.sh
+. "$tests/against_gcov.sh"
+command -v jq >/dev/null || exit 77
+gcc -fcondition-coverage -x c -S -o /dev/null /dev/null 2>"$work/why" || exit 77
+cases=0 failures=0
+
+# same WHAT EXPECTED ACTUAL: two files, which must not be empty
+same() {
+    cases=$((cases + 1))
+    [ -s "$2" ] && diff "$2" "$3" >"$work/differences" && return
+    failures=$((failures + 1))
+    echo "FAILED $1 (< expected, > actual)"
+    cat "$work/differences"
+}
+
+make_c_sources() {
+    cat >range.h <<'C'
+static inline int in_range(int x, int low, int high)
+{
+    return x >= low && x <= high;
+}
+C
+    cat >decide.c <<'C'
+#include "range.h"
+int both(int a, int b)
+{
+    return a && b;
+}
+int always(int a, int b)
+{
+    return a && b;
+}
+int two(int a, int b, int c)
+{
+    return (a && b) + (b || c) + !a;
+}
+int nested(int a, int b, int c)
+{
+    if (a && (b || (c && !in_range(a, 1, 3)) || (a > 2 && c > 2)))
+        return a > b ? b || c : b && (c || a);
+    return 0;
+}
+int loop(int n)
+{
+    int i;
+    for (i = 0; i < n && i != 3; ++i)
+        if (!(i & 1) || n > 5)
+            continue;
+    return i;
+}
+int forks_apart(int in_child, int b)
+{
+    return in_child && b;
+}
+int never(int a, int b)
+{
+    return a || b;
+}
+#define T8(a) (a) && (a) != 1 && (a) != 2 && (a) != 3 && (a) != 4 && (a) != 5 && (a) != 6 && (a) != 7
+int too_many(int a)
+{
+    return T8(a) && T8(a) && T8(a) && T8(a) && T8(a) && T8(a) && T8(a) && T8(a) && a > 9;
+}
+C
+}
+
+make_cpp_sources() {
+    cat >between.h <<'C'
+template <class T> bool between(T a, T b, T c)
+{
+    return (a < b && b < c) || a == c;
+}
+C
+    cat >pick.cpp <<'C'
+#include "between.h"
+int pick(int a, int b, int c)
+{
+    return between(a, b, c) + between<double>(b, a, 1.5);
+}
+C
+    cat >main.cpp <<'C'
+#include "between.h"
+#include <cstdlib>
+#include <sys/wait.h>
+#include <unistd.h>
+extern "C" {
+#include "range.h"
+int both(int a, int b);
+int always(int a, int b);
+int two(int a, int b, int c);
+int nested(int a, int b, int c);
+int loop(int n);
+int forks_apart(int in_child, int b);
+int too_many(int a);
+}
+int pick(int a, int b, int c);
+int main(int, char** argv)
+{
+    const int a = std::atoi(argv[1]), b = std::atoi(argv[2]), c = std::atoi(argv[3]);
+    int sum = both(a, b) + always(1, 1) + two(a, b, c) + nested(a, b, c) + loop(a) + pick(a, b, c);
+    sum += in_range(b, 0, c) + between(c, b, 2) + too_many(a);
+    const pid_t child = fork();
+    sum += forks_apart(child == 0, b);
+    if (child > 0)
+        waitpid(child, nullptr, 0);
+    return sum == 12345;
+}
+C
+}
+
+# Runs that differ in what they see; the test's name gives them dump files of their own.
+# shellcheck disable=SC2016 # variables of the build
+commands='
+for source in decide.c; do $CC $flags -c $source; done
+for source in pick.cpp main.cpp; do $CXX $flags -c $source; done
+rm -f libdecide.a
+$AR rcs libdecide.a decide.o
+$CXX main.o pick.o libdecide.a -o prog
+./prog 1 1 0
+LLTCOV_TEST=one ./prog 0 1 1
+LLTCOV_TEST=two ./prog 1 0 1
+./prog 1 1 0
+LLTCOV_TEST=one ./prog 4 0 3
+'
+
+# Rows FILE LINE FUNCTION CONDITION COUNT COVERED NOT_TRUE NOT_FALSE of objects with "terms", lists
+# of [true, false]; objects of one file, line and function are joined.
+rows='group_by([.file, .line, .function])[] | .[0] as $place |
+    [[.[].conditions] | transpose[] | [transpose[] | [transpose[] | any]]] | to_entries[] |
+    [$place.file, $place.line, $place.function, .key, (.value | length * 2),
+        (.value | flatten | map(select(.)) | length),
+        (.value | map(.[0]) | indices(false) | join(" ")),
+        (.value | map(.[1]) | indices(false) | join(" "))] | @tsv'
+
+gcov_rows() {
+    find "$work/tree" -name '*.gcno' -print0 |
+        xargs -0 -n 1 gcov --json-format --stdout -b --conditions 2>/dev/null |
+        jq -n -r --arg root "$work/tree/" '[inputs.files[] | select(.file | startswith("/usr") | not) |
+            (.file | ltrimstr($root)) as $file | .lines[] | select(.conditions != []) |
+            {file: $file, line: .line_number, function: .function_name, conditions: [.conditions[] |
+                .not_covered_true as $true | .not_covered_false as $false | [range(.count / 2) |
+                    [([.] | inside($true) | not), ([.] | inside($false) | not)]]]}] | '"$rows" | sort
+}
+
+json_rows() {
+    jq -r --arg root "$work/tree/" '[.sources[] | (.path | ltrimstr($root)) as $file |
+        .condition_outcomes[] | {file: $file, line: .line, function: .symbol,
+            conditions: [.conditions[] | [.[] | [.true, .false]]]}] | '"$rows" "$1" | sort
+}
+
+# FILE LINE HIT ALL of each line's outcomes, then the sum
+outcomes_of_rows() {
+    awk -F '\t' -v OFS='\t' '
+        { all[$1 OFS $2] += $5; hit[$1 OFS $2] += $6; sum += $5; hits += $6 }
+        END { for (place in all) print place, hit[place] + 0, all[place] | "sort"
+            close("sort"); print "sum", hits, sum }' "$1"
+}
+
+# The same of a tracefile, by its records and by the sums that it says itself. All terms of a line
+# are one group, whose size its records say.
+outcomes_of_tracefile() {
+    awk -F '[:,]' -v OFS='\t' -v root="$work/tree/" '
+        $1 == "SF" { file = substr($0, 4); sub("^" root, "", file) }
+        $1 == "MCDC" { place = file OFS $2; all[place]++; hit[place] += $5 > 0; size[place] = 2 * $3 }
+        $1 == "MCF" { sum += $2 }
+        $1 == "MCH" { hits += $2 }
+        END { for (place in all) print place, hit[place],
+                all[place] == size[place] ? all[place] : "not all" | "sort"
+            close("sort"); print "sum", hits, sum }' "$1"
+}
+
+# FILE LINE PERCENT of each condition of Cobertura's report, and of the rows
+percents_of_cobertura() {
+    awk -v OFS='\t' '
+        /<class / { file = $0; sub(/.* filename="/, "", file); sub(/".*/, "", file) }
+        /<condition / {
+            line = $0; sub(/.*<line number="/, "", line); sub(/".*/, "", line)
+            while (match($0, /type="mcdc" coverage="[0-9]*/)) {
+                print file, line, substr($0, RSTART + 22, RLENGTH - 22)
+                $0 = substr($0, RSTART + RLENGTH)
+            }
+        }' "$1" | sort
+}
+
+percents_of_rows() { awk -F '\t' -v OFS='\t' '{ print $1, $2, int($6 * 100 / $5) }' "$1" | sort; }
+
+# A genhtml that knows conditions has to see all of them.
+read_by_genhtml() { # read_by_genhtml WHAT
+    genhtml --mcdc-coverage --version >"$work/said" 2>&1 || return
+    cases=$((cases + 1))
+    # It always misses the last lines of functions, which older releases would not read.
+    if ! genhtml --mcdc-coverage --branch-coverage -o "$work/html" "$work/info" >"$work/said" 2>&1 ||
+        grep -E 'WARNING|ERROR' "$work/said" | grep -v derive_function_end_line; then
+        failures=$((failures + 1))
+        echo "FAILED $1: genhtml"
+        cat "$work/said"
+    fi
+    tail -n 1 "$work/sums" | awk '{ print "(" $2 " of " $3 }' >"$work/expected"
+    sed -n '/MC\/DC/s/.*\((.* of [0-9]*\).*/\1/p' "$work/said" >"$work/actual"
+    same "$1: what genhtml sees" "$work/expected" "$work/actual"
+}
+
+# compare MODE FLAGS
+compare() {
+    local what="$2, mode $1"
+    export flags=$2 qmr_coverage_stub_mold=$1 LLTCOV_COUNT=conditions
+    with_gcov "$work/source" "$commands" '' -fcondition-coverage || exit
+    gcov_rows >"$work/gcov.conditions"
+    flags="$2 -Werror" with_lltcov "$work/source" "$commands" || exit
+    LLT_PROJECT=$work/tree lltcov export --json -o "$work/json" 2>"$work/err"
+    LLT_PROJECT=$work/tree lltcov export --cobertura -o "$work/xml" 2>"$work/err"
+    LLT_PROJECT=$work/tree lltcov export --lcov -o "$work/info" 2>"$work/err"
+    differing "$work/gcov.rows" "$work/gcov.rows" "$work/lltcov.rows" >"$work/result" || {
+        failures=$((failures + 1))
+        echo "FAILED $what"
+        cat "$work/result"
+    }
+    json_rows "$work/json" >"$work/conditions"
+    same "$what: JSON" "$work/gcov.conditions" "$work/conditions"
+    outcomes_of_rows "$work/gcov.conditions" >"$work/sums"
+    outcomes_of_tracefile "$work/info" >"$work/actual"
+    same "$what: tracefile" "$work/sums" "$work/actual"
+    percents_of_rows "$work/gcov.conditions" >"$work/expected"
+    percents_of_cobertura "$work/xml" >"$work/actual"
+    same "$what: Cobertura" "$work/expected" "$work/actual"
+    read_by_genhtml "$what"
+}
+
+mkdir "$work/source" && (cd "$work/source" && make_c_sources && make_cpp_sources) || exit
+compare 1 -O0
+# Together the runs see all of "both"; "always" sees only true terms, "never" nothing, and the child
+# of a fork what its parent does not: the first term true and false, the second true, false in the
+# runs whose second number is 0.
+awk -F '\t' '$1 == "decide.c" && ($3 ~ /^(both|always|never|forks_apart|too_many)$/) {
+    print $3, $5, $6, "[" $7 "]", "[" $8 "]" }' "$work/conditions" | sort >"$work/actual"
+cat >"$work/expected" <<'END'
+always 4 2 [] [0 1]
+both 4 4 [] []
+forks_apart 4 4 [] []
+never 4 0 [0 1] [0 1]
+END
+same 'what is clear by hand' "$work/expected" "$work/actual"
+compare 8 '-O2 -g'
+
+echo "$((cases - failures)) passed, $failures failed"
+[ $failures = 0 ]
