@@ -9,6 +9,8 @@
 #
 # Rows: name, Debian package ("-": bundled), commands that configure, build and test; and the
 # sources whose lines a coverage report of the library must show: all that have code.
+# popt's programs become others within the library; were that shared, gcov would lose what the
+# program itself has counted, and could not be compared with.
 projects() {
     cat <<'END'
 hello | - | - | make -e | make -e test | *.cpp */*.c */*.cpp
