@@ -8,6 +8,8 @@
 #include "lltcov/shown_sources.h"
 
 #include <cstdio>
+#include <map>
+#include <tuple>
 
 namespace
 {
@@ -59,29 +61,62 @@ int print_tests_of_line(const ProjectData& data, CoverageMaker& maker, const Lin
     return 0;
 }
 
-/// Tests that alone reach lines, with the number of those.
-int print_unique(const ProjectData& data, CoverageMaker& maker)
+/// What a test may reach: a line, or one of its branches.
+struct Place {
+    std::string path;
+    std::uint32_t line;
+    std::string function; ///< of a branch: instances of a template have branches of their own
+    int branch;           ///< -1 for the line itself
+
+    bool operator<(const Place& other) const
+    {
+        return std::tie(path, line, function, branch) <
+               std::tie(other.path, other.line, other.function, other.branch);
+    }
+};
+
+/// Calls the function with everything that is reached.
+template <typename Visit> void visit_reached(const Coverage& coverage, Visit visit)
 {
-    std::map<Line, const std::string*> only_test; // null where there are several
-    for (const std::string& test : data.tests) {
-        for (const auto& [path, source] : maker.coverage_of_test(test, all_objects(data))) {
-            for (const auto& [line, count] : source.lines) {
-                if (count > 0) {
-                    const auto [place, is_new] = only_test.emplace(Line(path, line), &test);
-                    place->second = is_new ? &test : nullptr;
+    for (const auto& [path, source] : coverage) {
+        for (const auto& [line, count] : source.lines) {
+            if (count > 0) {
+                visit(Place{path, line, "", -1});
+            }
+        }
+        for (const auto& [line, blocks] : source.blocks) {
+            for (const auto& [function, block] : blocks) {
+                int number = 0;
+                for (const Branch& branch : block.branches) {
+                    if (branch.count > 0) {
+                        visit(Place{path, line, function, number});
+                    }
+                    ++number;
                 }
             }
         }
     }
-    std::map<std::string, std::size_t> lines;
-    for (const auto& [line, test] : only_test) {
+}
+
+/// Tests that alone reach something, with the numbers of lines and branches.
+int print_unique(const ProjectData& data, CoverageMaker& maker)
+{
+    std::map<Place, const std::string*> only_test; // null where there are several
+    for (const std::string& test : data.tests) {
+        visit_reached(maker.coverage_of_test(test, all_objects(data)), [&](const Place& reached) {
+            const auto [place, is_new] = only_test.emplace(reached, &test);
+            place->second = is_new ? &test : nullptr;
+        });
+    }
+    std::map<std::string, std::pair<std::size_t, std::size_t>> numbers; // lines, branches
+    for (const auto& [place, test] : only_test) {
         if (test != nullptr) {
-            ++lines[*test];
+            ++(place.branch < 0 ? numbers[*test].first : numbers[*test].second);
         }
     }
-    Table table({"TEST", ">LINES"});
-    for (const auto& [test, number] : lines) {
-        table.add({test, std::to_string(number)});
+    Table table({"TEST", ">LINES", ">BRANCHES"});
+    for (const auto& [test, number] : numbers) {
+        table.add({test, std::to_string(number.first), std::to_string(number.second)});
     }
     table.print();
     return 0;
@@ -120,7 +155,8 @@ int run_tests(const Arguments& arguments)
              data.root.c_str());
         return 1;
     }
-    CoverageMaker maker(data, Counting::lines, findings);
+    const Counting counting = line.has("--unique") ? Counting::branches : Counting::lines;
+    CoverageMaker maker(data, counting, findings);
     const int status = has_line               ? print_tests_of_line(data, maker, wanted)
                        : line.has("--unique") ? print_unique(data, maker)
                                               : print_all(data, maker);

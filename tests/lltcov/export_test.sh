@@ -150,7 +150,7 @@ expect 'tests' 'huge 9/11 81.8 one 8/11 72.7 two 8/11 72.7' \
     "$(lltcov tests | sed '1d; s/  */ /g' | paste -sd ' ')"
 expect 'tests of a line' 'huge 102 one 1 two 5' \
     "$(lltcov tests lib.c:3 | sed '1d; s/  */ /g' | paste -sd ' ')"
-expect 'tests that alone reach a line' 'huge 1' \
+expect 'tests that alone reach a line or branch' 'huge 1 1' \
     "$(lltcov tests --unique | sed '1d; s/  */ /g')"
 expect 'no test' "lltcov: no test reaches '$work/lib.c:9'" "$(lltcov tests lib.c:9 2>&1 >out)"
 lltcov tests lib.c:2 > out 2> said
