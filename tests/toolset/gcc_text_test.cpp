@@ -127,6 +127,28 @@ TEST(GccText, CountersKeepTheirAlignmentAndThoseJoinedByOrComeLast)
     EXPECT_EQ(renamed.find("__gcov"), renamed.npos) << renamed;
 }
 
+TEST(GccText, ASectionOfTablesAloneDoesNotAlignTheOneBefore)
+{
+    const std::string text = "\t.section\t.init_array,\"aw\"\n\t.quad\tstart\n"
+                             "\t.section\t.bss.__gcov0.f,\"aw\",@nobits\n\t.align 32\n"
+                             "__gcov0.f:\n\t.zero\t16\n" +
+                             tables(ONE_TABLE, ONE_LIST);
+    const std::string renamed = with_array(read_gcc_text(text), "A");
+    EXPECT_EQ(renamed.substr(0, renamed.find("\t.section\t.data.rel.local")),
+              "\t.section\t.init_array,\"aw\"\n\t.quad\tstart\n"
+              "\t.section\t.lltcov_empty,\"e\",%progbits\n\t.align 32\n");
+}
+
+TEST(GccText, ObjectsOfGcc11CallTheRuntimeWithTheArray)
+{
+    const std::string text =
+        "_sub_I_00100_0:\n\tleaq\t.LPBX0(%rip), %rdi\n\tjmp\t__gcov_init@PLT\n" +
+        tables(ONE_TABLE, ONE_LIST) + ONE_COMMON;
+    const std::string renamed = with_array(read_gcc_text(text), "A");
+    EXPECT_EQ(renamed.substr(0, renamed.find("\t.section")),
+              "_sub_I_00100_0:\n\tleaq\tA+0(%rip), %rdi\n\tjmp\t__gcov_init@PLT\n");
+}
+
 TEST(GccText, AnAddressSanitizerGuardsRoomInPlaceOfWhatIsLeftOut)
 {
     // Each entry: variable, size, size with the guard after it, and more that is not ours.

@@ -28,7 +28,7 @@ bool is_function(std::string_view name)
 {
     return is_one_of(name, {"__gcov_fork", "__gcov_execl", "__gcov_execlp", "__gcov_execle",
                             "__gcov_execv", "__gcov_execvp", "__gcov_execve", "__gcov_dump",
-                            "__gcov_reset"});
+                            "__gcov_reset", "__gcov_init", "__gcov_exit"});
 }
 
 std::string_view operand_of(const AsmLine& line)
@@ -113,13 +113,16 @@ private:
                     ARRAY_ALIGNMENT;
     }
 
-    /// Sections of the tables alone, and of single variables, go with what is in them.
+    /// A section of tables or counters alone gives way to one that is left empty: what aligns it
+    /// must not come into the section before.
     void keep_section(const AsmLine& line, std::size_t start, std::size_t next)
     {
         const bool is_of_table = line.rest.find(".__gcov") != line.rest.npos ||
                                  line.rest.find(".LPBX") != line.rest.npos ||
                                  line.rest.find("$LPBX") != line.rest.npos;
-        if (!is_of_table) {
+        if (is_of_table) {
+            add_own("\t.section\t.lltcov_empty,\"e\",%progbits\n");
+        } else {
             keep(start, next);
         }
     }
@@ -179,6 +182,15 @@ private:
         return 8;
     }
 
+    static bool is_head(std::string_view name)
+    {
+        return is_table(name) && name.substr(1) == "LPBX0";
+    }
+
+    /// GCC 11 calls a runtime with its tables before main. Ours has functions of these names that
+    /// do nothing, so that what they are called with does not matter: the array takes its place.
+    bool has_starter() const { return text_.find("_sub_I_00100_") != text_.npos; }
+
     /// An instruction or data that names counters: each name becomes a place in the array.
     void rename(std::string_view line)
     {
@@ -191,6 +203,9 @@ private:
             if (is_counter(name)) {
                 out_.pieces.push_back({line.substr(done, at - done), 0});
                 parts_.references.emplace_back(out_.pieces.size() - 1, name);
+                done = at + name.size();
+            } else if (is_head(name) && has_starter()) {
+                out_.pieces.push_back({line.substr(done, at - done), 0});
                 done = at + name.size();
             } else if (is_table(name) || (begins_with(name, COUNTER) && !is_function(name))) {
                 refuse(line);

@@ -71,12 +71,11 @@ Words options_of(const Compilation& compilation)
         }
         update = is_read_early && update.empty() ? "atomic" : update;
     } else {
-        options.push_back("-specs=" + compilation.tools + "/gcc.specs");
+        // GCC 11 drops tables that nothing but a section refers to, when it optimises.
+        const bool is_old = compilation.compiler.major == 11;
+        options.push_back("-specs=" + compilation.tools + (is_old ? "/gcc11.specs" : "/gcc.specs"));
         // A precompiled header made without counters is not used, which is no error.
         options.emplace_back("-Wno-invalid-pch");
-        if (compilation.compiler.major == 11) {
-            options.emplace_back("-fno-toplevel-reorder"); // else it drops the tables
-        }
         if (is_read_early) {
             // Counts are read while loops run, so no loop may keep its counter in a register.
             options.emplace_back("-fno-tree-loop-im");

@@ -19,6 +19,7 @@ constexpr char HEAD[] =
     "PLAIN(TUSK_CovSetCompilePolicy)\nPLAIN(QMRGetTargetState)\nPLAIN(QMRSetTargetState)\n"
     "PLAIN(QMRInit)\nPLAIN(ZKT_ServerInit)\nPLAIN(TUSK_UserAgentConfig)\nPLAIN(lltcov_dump)\n"
     "PLAIN(lltcov_reset)\nPLAIN(__gcov_dump)\nPLAIN(__gcov_reset)\n"
+    "PLAIN(__gcov_init)\nPLAIN(__gcov_exit)\n"
     "HIDDEN unsigned short g_TUSKSockBindPort;\n"
     // The arguments of a list, on the stack as the runtime has them; `rest` is then after them.
     "#define COLLECT(last)"

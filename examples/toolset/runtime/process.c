@@ -84,6 +84,8 @@ REPLACEMENT int __gcov_execlp(const char* file, char* argument, ...);
 REPLACEMENT int __gcov_execle(const char* path, char* argument, ...);
 REPLACEMENT void __gcov_dump(void);
 REPLACEMENT void __gcov_reset(void);
+REPLACEMENT void __gcov_init(void* tables);
+REPLACEMENT void __gcov_exit(void);
 
 /* What fork has to be prepared for is done by its handlers. */
 pid_t __gcov_fork(void)
@@ -166,3 +168,11 @@ void __gcov_reset(void)
 {
     lltcov_reset();
 }
+
+/* What objects of GCC 11 call before main and at exit; their counters are registered by stubs. */
+void __gcov_init(void* tables)
+{
+    (void)tables;
+}
+
+void __gcov_exit(void) {}
