@@ -12,6 +12,36 @@ namespace
 
 using nlohmann::json;
 
+/// Names are bytes in any encoding, the parser wants UTF-8: each byte stands for the character of
+/// its value while the text is parsed.
+std::string widened(std::string_view bytes)
+{
+    std::string out;
+    out.reserve(bytes.size());
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80) {
+            out += c;
+        } else {
+            out += static_cast<char>(0xC0 | byte >> 6);
+            out += static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    return out;
+}
+
+std::string narrowed(const std::string& text)
+{
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const bool is_pair = byte >= 0x80 && i + 1 < text.size();
+        out += is_pair ? static_cast<char>((byte & 3) << 6 | (text[i + 1] & 0x3F)) : text[i];
+        i += is_pair ? 1 : 0;
+    }
+    return out;
+}
+
 /// Counts of unsound profiles may be negative.
 std::uint64_t count_of(const json& object, const char* key)
 {
@@ -62,13 +92,13 @@ void add_line(SourceCoverage& source, const json& object)
         }
     }
     if (!block.branches.empty() || !block.conditions.empty()) {
-        add_block(source.blocks[line][object.value("function_name", "")], block);
+        add_block(source.blocks[line][narrowed(object.value("function_name", ""))], block);
     }
 }
 
 void add_function(SourceCoverage& source, const json& object)
 {
-    FunctionCoverage& function = source.functions[object.at("name").get<std::string>()];
+    FunctionCoverage& function = source.functions[narrowed(object.at("name").get<std::string>())];
     function.line = line_of(object, "start_line");
     function.count = count_of(object, "execution_count");
 }
@@ -86,7 +116,8 @@ public:
             return true;
         }
         if (depth == FILE) {
-            result_.sources.emplace_back(value.at("file").get<std::string>(), std::move(source_));
+            result_.sources.emplace_back(narrowed(value.at("file").get<std::string>()),
+                                         std::move(source_));
             source_ = {};
         } else if (value.contains("line_number")) {
             add_line(source_, value);
@@ -110,9 +141,9 @@ GcovResult read_gcov_json(std::string_view text)
 {
     try {
         GcovResult result;
-        const json root = json::parse(text, Taker(result));
+        const json root = json::parse(widened(text), Taker(result));
         result.data_file = root.at("data_file").get<std::string>();
-        result.directory = root.value("current_working_directory", "");
+        result.directory = narrowed(root.value("current_working_directory", ""));
         return result;
     } catch (const json::exception& error) {
         throw std::runtime_error(error.what());

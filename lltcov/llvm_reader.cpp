@@ -177,7 +177,8 @@ private:
 
 std::string profile_text(const ObjectReadings& objects)
 {
-    std::string text;
+    // A first line in plain characters: what begins with others is taken for another format.
+    std::string text = "# counts\n";
     for (const ObjectReading* object : objects) {
         for (const RecordedFunction& function : object->record->functions) {
             text += function.name + "\n" + std::to_string(function.hash) + "\n";

@@ -56,7 +56,8 @@ TEST(ProfileText, HasTheCountersOfEachFunctionInItsOwnOrder)
     two.functions = {{"run", 0, 0, 0, 24, {{0, 2, 0}}}};
     ObjectReading first = {&one, {7, 1, 18446744073709551615U}, {}};
     ObjectReading second = {&two, {5, 6}, {}};
-    EXPECT_EQ(profile_text({&first, &second}), "run\n24\n2\n1\n18446744073709551615\n\n"
+    EXPECT_EQ(profile_text({&first, &second}), "# counts\n"
+                                               "run\n24\n2\n1\n18446744073709551615\n\n"
                                                "a.c:help\n99164\n1\n7\n\n"
                                                "run\n24\n2\n5\n6\n\n");
 }

@@ -13,6 +13,17 @@ TEST_F(ProjectDataTest, RunsOfTheLastBuildAddUpAndAnUncalledModuleCountsAsZero)
     EXPECT_FALSE(findings_.has_problems());
 }
 
+TEST_F(ProjectDataTest, TheCountersAtTheEndJoinByOrAndTheOthersByAdding)
+{
+    const std::string area = dir + "/liba/codemeasure";
+    write_file(area + "/db/db0/record", record("S", "a.o", 8));
+    for (const std::string test : {"", "\ntest one"}) { // without a name, then of a test as well
+        add_dump(area + test, "Q1", source_lines("S", {3, 6}));
+        add_dump(area + test, "Q1", source_lines("S", {5, 3}));
+        EXPECT_EQ(counts(), test.empty() ? "8 7 " : "16 7 ");
+    }
+}
+
 TEST_F(ProjectDataTest, AnObjectOfTwoModulesIsOneAndAnotherObjectOfTheSourceIsAdded)
 {
     add_module("libb", "S");

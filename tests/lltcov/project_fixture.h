@@ -81,7 +81,8 @@ protected:
     }
 
     /// The record of an object of a.c, which includes h.h.
-    std::string record(const std::string& symbol, const std::string& object = "a.o")
+    std::string record(const std::string& symbol, const std::string& object = "a.o",
+                       std::uint32_t or_bytes = 0)
     {
         Record record;
         record.symbol = symbol;
@@ -89,6 +90,7 @@ protected:
         record.object = dir + "/" + object;
         record.reader = dir + "/gcov";
         record.array_bytes = 16;
+        record.or_bytes = or_bytes;
         record.version = 'B' << 24 | '2' << 16 | '2' << 8 | '*';
         record.has_checksum = true;
         record.functions = {{"f", 1, 2, 3, 0, {{0, 2, 0}}}};

@@ -1,7 +1,8 @@
 #!/bin/bash
 # With a real compiler cache: a second build of the same tree, in another project, comes from the
 # cache and has its records and its report; a cache under the compiler's own name serves plain and
-# covered builds in turn; a lost record comes back.
+# covered builds in turn; a lost record comes back;
+# an object of the same tree in another folder is no hit.
 # usage: cache_test.sh PROGRAMS     the folder of lltwrapper, lltcc and lltcov
 # Exit status 77: ccache is missing.
 set -uo pipefail
@@ -114,6 +115,17 @@ expect 'a record comes back with the link' 1 "$(found)"
 rm -f "$work"/second/llt_result/*
 report third
 expect 'and the report with it' same "$(cmp "$work/first.info" "$work/third.info" && echo same)"
+
+# --- the same tree in another folder: without -g nothing that the compiler sees differs
+enter folders
+for folder in one two; do
+    mkdir -p "$work/$folder/sub"
+    cd "$work/$folder" || exit
+    printf 'int half(int x)\n{\n    return x / 2;\n}\n' >sub/half.c
+    lltwrapper ccache gcc -c sub/half.c -o half.o >"$work/log" 2>&1 || cat "$work/log"
+    expect "the record names folder $folder" "source $PWD/sub/half.c object $PWD/half.o" \
+        "$(grep -aE '^(source|object) ' half.o | paste -sd ' ')"
+done
 
 # --- under the compiler's own name
 mkdir "$work/names"

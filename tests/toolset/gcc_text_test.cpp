@@ -127,6 +127,24 @@ TEST(GccText, CountersKeepTheirAlignmentAndThoseJoinedByOrComeLast)
     EXPECT_EQ(renamed.find("__gcov"), renamed.npos) << renamed;
 }
 
+TEST(GccText, AnAddressSanitizerGuardsRoomInPlaceOfWhatIsLeftOut)
+{
+    // Each entry: variable, size, size with the guard after it, and more that is not ours.
+    const std::string text = tables(ONE_TABLE, ONE_LIST) +
+                             "__gcov0.f:\n\t.zero\t16\n\t.zero\t48\n" +
+                             ".LASAN0:\n\t.quad\t.LPBX1\n\t.quad\t8\n\t.quad\t96\n\t.quad\t.LC1\n"
+                             "\t.quad\tmine\n\t.quad\t8\n\t.quad\t64\n"
+                             "\t.quad\t__gcov0.f\n\t.quad\t16\n\t.quad\t64\n\t.text\n";
+    const CounterText read = read_gcc_text(text);
+    const std::string renamed = with_array(read, "A");
+    EXPECT_EQ(renamed.substr(renamed.find(".LASAN0")),
+              ".LASAN0:\n\t.quad\tlltcov_guarded+0\n\t.quad\t8\n\t.quad\t96\n\t.quad\t.LC1\n"
+              "\t.quad\tmine\n\t.quad\t8\n\t.quad\t64\n"
+              "\t.quad\tlltcov_guarded+128\n\t.quad\t16\n\t.quad\t64\n\t.text\n"
+              "\t.local\tlltcov_guarded\n\t.comm\tlltcov_guarded,192,64\n");
+    EXPECT_EQ(read.record.array_bytes, 16U);
+}
+
 TEST(GccText, WhatIsNotUnderstoodIsRefused)
 {
     const std::string sound = tables(ONE_TABLE, ONE_LIST) + ONE_COMMON;
@@ -138,7 +156,7 @@ TEST(GccText, WhatIsNotUnderstoodIsRefused)
         {"a counter of no table", sound + "\t.comm\t__gcov0.g,8,8\n\tincq\t__gcov0.g(%rip)\n"},
         {"another name of the compiler's", sound + "\tcall\t__gcov_indirect_call\n"},
         {"code that uses a table", sound + "\tlea\t.LPBX0(%rip), %rax\n"},
-        {"another size", tables(ONE_TABLE, ONE_LIST) + "\t.comm\t__gcov0.f,24,16\n"},
+        {"too little room", tables(ONE_TABLE, ONE_LIST) + "\t.comm\t__gcov0.f,8,16\n"},
         {"too much alignment", tables(ONE_TABLE, ONE_LIST) + "\t.comm\t__gcov0.f,16,128\n"},
         {"a function without its table", tables("", ONE_LIST)},
         {"counters that join in another way",

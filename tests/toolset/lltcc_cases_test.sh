@@ -49,6 +49,7 @@ static program      | $CC -O2 -c statements.c && $CC -static statements.o -o pro
 x86:intel syntax    | $CC -O2 -masm=intel -c statements.c && $CC statements.o -o prog && ./prog
 x86:large model     | $CC -O1 -mcmodel=large -c statements.c && $CC statements.o -o prog && ./prog
 x86:vectors         | $CC -O3 -mavx2 -c statements.c && $CC statements.o -o prog && ./prog
+address sanitizer   | $CC -fsanitize=address -O1 -g -c statements.c && $CC -fsanitize=address statements.o -o prog && ./prog
 pipe                | $CC -pipe -O2 -c statements.c && $CC statements.o -o prog && ./prog
 saved temporaries   | $CC -save-temps -O2 -c statements.c && $CC statements.o -o prog && ./prog
 response file       | echo -O2 -g statements.c -o s.o >args && $CC -c @args && $CC s.o -o prog && ./prog
@@ -259,7 +260,7 @@ static void add(long amount)
 }
 static void* work(void* argument)
 {
-    for (int i = 0; i < 2000; i++)
+    for (int i = 0; i < 200000; i++)
         if (i % 2)
             add(*(int*)argument);
     return NULL;
@@ -272,7 +273,7 @@ int main(void)
         pthread_create(&threads[i], NULL, work, &one);
     for (int i = 0; i < 4; i++)
         pthread_join(threads[i], NULL);
-    return total == 4000 ? 0 : 1;
+    return total == 400000 ? 0 : 1;
 }
 C
     cat >one.c <<'C'

@@ -10,6 +10,8 @@
 #include "examples/toolset/common/source_name.h"
 #include "lltld/source_tab.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -44,16 +46,19 @@ void make_directories(const std::string& path)
 std::string name_in_table(const Record& record)
 {
     const std::string suffix = suffix_of(record.source);
-    return record.symbol + "." + (suffix.empty() ? "c" : suffix) +
+    const auto is_plain = [](unsigned char c) { return std::isalnum(c) != 0 || c == '+'; };
+    const bool is_usual =
+        !suffix.empty() && suffix.size() < 8 && std::all_of(suffix.begin(), suffix.end(), is_plain);
+    return record.symbol + "." + (is_usual ? suffix : "c") +
            (record.or_bytes == 0 ? "" : ":" + std::to_string(record.or_bytes));
 }
 
-std::string table_record(const Record& record)
+std::string table_record(const Record& record, SourceState state)
 {
     _SOURCEFILE_OBJECT entry = {};
     copy_bounded(entry.szName, name_in_table(record));
     struct stat info = {};
-    if (::stat(record.source.c_str(), &info) == 0) {
+    if (state == SourceState::as_compiled && ::stat(record.source.c_str(), &info) == 0) {
         entry.size = static_cast<std::uint32_t>(info.st_size);
         entry.mtime = static_cast<std::uint32_t>(info.st_mtime);
     }
@@ -121,7 +126,8 @@ std::vector<Record> records_of(std::string_view object)
     }
 }
 
-void leave_records(const std::string& area, const Record& record, const std::string& object)
+void leave_records(const std::string& area, const Record& record, const std::string& object,
+                   SourceState state)
 {
     for (const char* part : {"/db", "/ini", "/obj/before"}) {
         make_directories(area + part);
@@ -133,7 +139,7 @@ void leave_records(const std::string& area, const Record& record, const std::str
     const std::string place = area + "/db/db" + record.symbol;
     const std::string beside = area + "/db/." + record.symbol + "." + std::to_string(::getpid());
     make_directories(beside);
-    write_whole(beside + "/.tab", table_record(record));
+    write_whole(beside + "/.tab", table_record(record, state));
     write_whole(beside + "/CompileCmd.txt", record.compile_command);
     write_whole(beside + "/record", to_bytes(record));
     move_into_place(beside, place);

@@ -18,6 +18,11 @@ std::int32_t points_of_array(int stub_mode, std::uint32_t bytes);
 /// The records in the object's section; none when it has no section, or one that is damaged.
 std::vector<Record> records_of(std::string_view object);
 
+/// Whether the source is known to be what was compiled; after a restored record it is held against
+/// the time of the object.
+enum class SourceState { as_compiled, unknown };
+
 /// Writes the files of the record into the area (LLTTEMP/codemeasure), each of which appears whole
 /// or not at all; `object` is the content of the object. Throws `std::runtime_error`.
-void leave_records(const std::string& area, const Record& record, const std::string& object);
+void leave_records(const std::string& area, const Record& record, const std::string& object,
+                   SourceState state);

@@ -5,6 +5,7 @@
 #include "contract/record.h"
 
 #include <cstdint>
+#include <deque>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -27,6 +28,7 @@ struct TextPiece {
 /// The text with its counters taken out. `pieces` are views into the text that was read.
 struct CounterText {
     std::vector<TextPiece> pieces;
+    std::deque<std::string> own_texts; ///< of pieces that do not stand in the text
     /// What the text says of the record: functions with their counters, size of the array, and for
     /// gcc version and checksum.
     Record record;

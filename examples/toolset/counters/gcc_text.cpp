@@ -20,6 +20,8 @@ using Texts = std::vector<std::string_view>;
 
 constexpr std::string_view COUNTER = "__gcov";
 constexpr std::string_view TABLE = "LPBX";
+constexpr std::string_view SANITIZED = "LASAN0:";
+constexpr std::string_view GUARDED = "lltcov_guarded";
 
 /// What the compiler calls for the program's fork, exec and the like: the runtime has it.
 bool is_function(std::string_view name)
@@ -37,13 +39,20 @@ std::string_view operand_of(const AsmLine& line)
 class Reader
 {
 public:
-    explicit Reader(std::string_view text) : text_(text) {}
+    explicit Reader(std::string_view text) : text_(text)
+    {
+        sanitized_ = std::min(text.find(SANITIZED), text.size());
+    }
 
     CounterText read()
     {
         walk_lines(
             text_, COUNTER, TABLE, [this](std::size_t from, std::size_t to) { keep(from, to); },
             [this](std::size_t start) { return read_line(start); });
+        if (guarded_ != 0) {
+            add_own("\t.local\t" + std::string(GUARDED) + "\n\t.comm\t" + std::string(GUARDED) +
+                    "," + std::to_string(guarded_) + "," + std::to_string(ARRAY_ALIGNMENT) + "\n");
+        }
         place_counters(parts_, out_);
         return std::move(out_);
     }
@@ -74,10 +83,34 @@ private:
             // goes with the definition
         } else if (line.word == ".section") {
             keep_section(line, start, next);
+        } else if (is_ours && start > sanitized_ && line.is_value() && line.rest == name) {
+            give_room(line, next);
         } else {
             rename(line.whole);
         }
         return next;
+    }
+
+    void add_own(std::string text)
+    {
+        out_.own_texts.push_back(std::move(text));
+        out_.pieces.push_back({out_.own_texts.back()});
+    }
+
+    /// An entry in the list of an address sanitizer: a variable, its size and that with the guard
+    /// after it. What is not there any more gets room of its own to be guarded.
+    void give_room(const AsmLine& line, std::size_t next)
+    {
+        const AsmLine size = line_at(text_, std::min(next, text_.size() - 1));
+        const std::size_t guarded = next + size.whole.size();
+        const AsmLine with_guard = line_at(text_, std::min(guarded, text_.size() - 1));
+        if (!size.is_value() || !with_guard.is_value()) {
+            refuse(line.whole);
+        }
+        add_own("\t" + std::string(line.word) + "\t" + std::string(GUARDED) + "+" +
+                std::to_string(guarded_) + "\n");
+        guarded_ += (number_of(operand_of(with_guard)) + ARRAY_ALIGNMENT - 1) / ARRAY_ALIGNMENT *
+                    ARRAY_ALIGNMENT;
     }
 
     /// Sections of the tables alone, and of single variables, go with what is in them.
@@ -168,6 +201,8 @@ private:
     }
 
     std::string_view text_;
+    std::size_t sanitized_;     ///< where a sanitizer's list begins; the text's size without one
+    std::uint32_t guarded_ = 0; ///< bytes of the room that stands in for what the list names
     CounterText out_;
     GccParts parts_;
 };

@@ -16,7 +16,7 @@ namespace
 {
 
 /// Part of every answer's name: another one asks all compilers again.
-constexpr const char* FORMAT_VERSION = "compiler 3";
+constexpr const char* FORMAT_VERSION = "compiler 4";
 
 /// The program that a shell would run.
 std::string program_of(const std::string& word)
@@ -26,7 +26,7 @@ std::string program_of(const std::string& word)
     }
     std::istringstream path(env_text("PATH"));
     for (std::string directory; std::getline(path, directory, ':');) {
-        const std::string program = (directory.empty() ? "." : directory) + "/" + word;
+        std::string program = (directory.empty() ? "." : directory) + "/" + word;
         if (::access(program.c_str(), X_OK) == 0) {
             return program;
         }
@@ -108,9 +108,29 @@ Words query_of(const CompileCommand& command)
     return words;
 }
 
-/// The assembler by its path, or as a name to be found through PATH.
-std::string assembler_of(Words query)
+/// The call that answers in English, and names no folders of the user's as the compiler's own.
+Words asking(const Words& query)
 {
+    Words words = {"env",
+                   "-u",
+                   "CPATH",
+                   "-u",
+                   "C_INCLUDE_PATH",
+                   "-u",
+                   "CPLUS_INCLUDE_PATH",
+                   "-u",
+                   "DEPENDENCIES_OUTPUT",
+                   "-u",
+                   "SUNPRO_DEPENDENCIES",
+                   "LC_ALL=C"};
+    words.insert(words.end(), query.begin(), query.end());
+    return words;
+}
+
+/// The assembler by its path, or as a name to be found through PATH.
+std::string assembler_of(const Words& compiler)
+{
+    Words query = asking(compiler);
     query.emplace_back("-print-prog-name=as");
     std::string answer;
     std::string unused;
@@ -123,7 +143,7 @@ Compiler ask(const Words& query, const std::string& program)
 {
     std::string answer;
     for (const char* language : {"c++", "c"}) {
-        Words words = query;
+        Words words = asking(query);
         words.insert(words.end(), {"-E", "-v", "-x", language, "/dev/null"});
         std::string unused;
         if (run_program(words, {nullptr, &unused, &answer}) == 0) {

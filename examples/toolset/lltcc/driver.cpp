@@ -37,7 +37,7 @@ std::string temporary_area(const std::string& project_path)
 std::string tools_directory()
 {
     for (const char* place : {"/lltcc.d", "/../lib/lltcov/lltcc.d"}) {
-        const std::string directory = program_directory() + place;
+        std::string directory = program_directory() + place;
         if (QMRFileExists((directory + "/as").c_str()) != 0) {
             return directory;
         }
@@ -149,7 +149,7 @@ void leave_records_of(const Compilation& compilation, const Record& begun)
     const std::vector<Record> records = records_of(object);
     for (const Record& record : records) {
         if (record.array_bytes != 0) {
-            leave_records(compilation.area, record, object);
+            leave_records(compilation.area, record, object, SourceState::as_compiled);
         }
     }
     if (records.empty()) {

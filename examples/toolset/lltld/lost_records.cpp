@@ -46,7 +46,8 @@ void restore_from(const std::string& object, const std::set<std::string>& lost)
     for (const Record& record : records_of(object)) {
         if (lost.count(record.symbol) != 0) {
             try {
-                leave_records(std::string(g_lxprj->szLLTTEMP) + "/codemeasure", record, object);
+                leave_records(std::string(g_lxprj->szLLTTEMP) + "/codemeasure", record, object,
+                              SourceState::unknown);
             } catch (const std::runtime_error& error) {
                 notice("the records of '%s' are lost: %s", record.source.c_str(), error.what());
             }

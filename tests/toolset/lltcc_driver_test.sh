@@ -1,0 +1,134 @@
+#!/bin/bash
+# What lltcc makes of one compile: the options it passes, who defines the array, which headers it
+# counts; and how the stubs of an archive and of a link align their arrays.
+# usage: lltcc_driver_test.sh PROGRAMS [COMPILER]     PROGRAMS: the folder of lltwrapper and lltcc
+set -uo pipefail
+unset CDPATH CPATH C_INCLUDE_PATH CPLUS_INCLUDE_PATH "${!qmr_@}" "${!llt@}" "${!LLT@}" TimerPolicy SignalPolicy
+export LC_ALL=C CCACHE_DISABLE=1
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+real=$(command -v "${2:-gcc}")
+work=$(mktemp -d /tmp/driver.XXXXXX)
+trap 'rm -rf "$work"' EXIT
+PATH=$(cd "$1" && pwd):$PATH
+cases=0 failures=0
+
+# expect WHAT EXPECTED ACTUAL
+expect() {
+    cases=$((cases + 1))
+    [ "$2" = "$3" ] && return
+    failures=$((failures + 1))
+    printf 'FAILED %s\n  expected: %s\n  actual:   %s\n' "$1" "$2" "$3"
+    tail -n 5 "$work/log"
+}
+
+# A compiler that has a header folder of its own and notes its options.
+make_compiler() {
+    mkdir "$work/bin" "$work/own" "$work/user"
+    cat >"$work/bin/gcc" <<END
+#!/bin/sh
+printf '%s\n' "\$@" >>'$work/options'
+exec '$real' -isystem '$work/own' "\$@"
+END
+    chmod +x "$work/bin/gcc"
+    echo 'static inline int in_own(int x) { return x + 1; }' >"$work/own/own.h"
+    echo 'static inline int in_user(int x) { return x + 2; }' >"$work/user/user.h"
+    cat >"$work/a.c" <<'C'
+#include <own.h>
+#include <user.h>
+int in_source(int x)
+{
+    return in_own(x) + in_user(x);
+}
+C
+}
+
+# compile MODE WORD...: a.c into a.o, in a new project
+compile() {
+    rm -rf "$work/project" "$work/options" "$work/a.o"
+    lltcc -qmr_current_prj_path "$work/project" -projectname LLTTEMP -qmr_coverage_stub_mold "$1" \
+        "$work/bin/gcc" -c "${@:2}" "$work/a.c" -o "$work/a.o" >"$work/log" 2>&1 || cat "$work/log"
+}
+
+# functions: those that a.o counts, by their names in the source
+functions() {
+    grep -a '^function ' "$work/a.o" | sed -E 's/.* //; s/^_ZL?[0-9]+(.*)i$/\1/' | sort | paste -sd ' '
+}
+
+make_compiler
+
+# --- counts that are read early: environment, how often the option is passed
+while read -r setting times; do
+    (export "${setting%,*}" "${setting#*,}" && compile 1 -I "$work/user")
+    expect "$setting" "$times" "$(grep -cx -e -fno-tree-loop-im "$work/options")"
+done <<'END'
+TimerPolicy=0,SignalPolicy=0 0
+TimerPolicy=1 1
+SignalPolicy=1 1
+END
+
+# --- the array: stub mode, its type in the object
+while read -r mode type; do
+    compile "$mode" -I "$work/user"
+    expect "mode $mode" "$type" "$(nm "$work/a.o" | awk '/ g_QMRCovData_/ { print $(NF - 1) }')"
+done <<'END'
+0 U
+1 U
+2 U
+5 C
+7 C
+8 C
+9 C
+END
+
+# --- headers: the compiler's own are not counted, the user's are, wherever the compiler is told of them
+for option in -I -iquote -isystem; do
+    [ $option = -iquote ] && sed -i 's/<user.h>/"user.h"/' "$work/a.c"
+    compile 1 $option "$work/user"
+    expect "headers, $option" 'in_source in_user' "$(functions)"
+done
+while read -r variable language; do
+    (export "$variable=$work/user" && compile 1 -x "$language")
+    expect "headers, $variable, $language" 'in_source in_user' "$(functions)"
+done <<'END'
+CPATH c
+CPATH c++
+C_INCLUDE_PATH c
+CPLUS_INCLUDE_PATH c++
+END
+
+# --- the stubs' arrays, of 8 bytes and of 24 in each: none may begin where another one ends
+mkdir "$work/tree"
+cd "$work/tree" || exit
+for name in a b c d; do
+    echo "int $name(int x) { return x; }" >$name.c
+done
+for name in b d; do
+    echo "int ${name}_more(int x) { return x ? 1 : 2; }" >>$name.c
+done
+printf 'int a(int), b(int), c(int), d(int);\nint main(void)\n{\n    return a(0) + b(0) + c(2) + d(3);\n}\n' >main.c
+export LLT_PROJECT=$work/tree
+# shellcheck source=examples/toolset/TUSK_INIT.SH
+. "$root/examples/toolset/TUSK_INIT.SH"
+wrapped="lltwrapper $real"
+
+# offsets FILE: arrays that the file defines, and of these the ones not at a multiple of 64 (hexadecimal)
+offsets() {
+    nm "$1" | awk '/ [bBvVdDwW] g_QMRCovData_/ { all++; odd += $1 !~ /[048c]0$/ } END { print all + 0, odd + 0 }'
+}
+
+for mode in 1 2; do
+    export qmr_coverage_stub_mold=$mode
+    rm -rf LLTTEMP ./*.o ./*.a prog
+    {
+        for name in a b c d main; do $wrapped -c $name.c; done
+        lltwrapper -artool ar -arsuffix .a ar rcs libtwo.a c.o d.o
+        $wrapped main.o a.o b.o libtwo.a -o prog
+    } >"$work/log" 2>&1
+    expect "stub of the archive, mode $mode" '2 0' "$(offsets libtwo.a)"
+    expect "its section's alignment" 64 \
+        "$(readelf -SW libtwo.a | awk '/ \.bss / && $NF > most { most = $NF } END { print most }')"
+    expect "stub of the link, mode $mode" '5 0' "$(offsets prog)"
+    expect 'the program, mode '$mode 5 "$(./prog >>"$work/log" 2>&1; echo $?)"
+done
+echo "$cases cases, $failures failed"
+[ $failures = 0 ]
