@@ -17,10 +17,12 @@ build_tree() {
 # Each runs in the tree of a variant.
 long_zlib() { ./minigzip <"$data" >/dev/null; }
 long_lz4() { LD_LIBRARY_PATH=lib programs/lz4 -9 -q -c "$data" >/dev/null; }
-short_zlib() {
+many() {
     local i
-    for ((i = 0; i < short; i++)); do ./minigzip <zlib.pc >/dev/null; done
+    for ((i = 0; i < short; i++)); do "$@" >/dev/null; done
 }
+short_zlib() { many ./minigzip -c zlib.pc; }
+short_libtommath() { many ./test trivial_stuff; }
 
 # in_turn LIST COMMAND: in each variant, ROUNDS times
 in_turn() {
@@ -59,13 +61,17 @@ mkdir -p "$root/build/bench"
 cat /usr/bin/* 2>/dev/null | head -c 60000000 >"$data" || true
 if use_project zlib; then
     in_turn long long_zlib
-    against "minigzip, 60 MB: wrapped to gcov" long.wrapped long.gcov 1.03
+    against 'minigzip, 60 MB: wrapped to gcov' long.wrapped long.gcov 1.03
     in_turn short short_zlib
-    against "$short short processes: wrapped to gcov" short.wrapped short.gcov 0.65
+    against "$short runs of minigzip: wrapped to gcov" short.wrapped short.gcov 0.65
+fi
+if use_project libtommath; then
+    in_turn short short_libtommath
+    against "$short runs of 150 objects: wrapped to gcov" short.wrapped short.gcov 0.65
     (time_reports)
-    against "report: lltcov export to lcov --capture" report.lltcov report.lcov 0.10
+    against 'report: lltcov export to lcov --capture' report.lltcov report.lcov 0.10
 fi
 if use_project lz4; then
     in_turn long long_lz4
-    against "lz4, 60 MB: wrapped to gcov" long.wrapped long.gcov 1.03
+    against 'lz4, 60 MB: wrapped to gcov' long.wrapped long.gcov 1.03
 fi

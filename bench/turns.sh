@@ -43,5 +43,5 @@ ratio() { awk "BEGIN { printf \"%.2f\", $(median "$1") / $(median "$2") }"; }
 # against WHAT LIST LIST GOAL: prints the ratio beside its goal
 against() {
     awk -v is="$(ratio "$2" "$3")" -v goal="$4" -v what="$1" 'BEGIN {
-        printf "%-48s %5s x   goal: at most %s x%s\n", what, is, goal, is > goal + 0 ? " (missed)" : "" }'
+        printf "%-48s %5s x   goal: at most %s x%s\n", what, is, goal, (is > goal + 0 ? " (missed)" : "") }'
 }

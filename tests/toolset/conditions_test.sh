@@ -225,7 +225,7 @@ compare() {
     LLT_PROJECT=$work/tree lltcov export --json -o "$work/json" 2>"$work/err"
     LLT_PROJECT=$work/tree lltcov export --cobertura -o "$work/xml" 2>"$work/err"
     LLT_PROJECT=$work/tree lltcov export --lcov -o "$work/info" 2>"$work/err"
-    differing "$work/gcov.rows" "$work/gcov.rows" "$work/lltcov.rows" >"$work/result" || {
+    differing "$work/gcov.rows" "$work/lltcov.rows" >"$work/result" || {
         failures=$((failures + 1))
         echo "FAILED $what"
         cat "$work/result"
