@@ -5,6 +5,8 @@
 # shellcheck source=examples/build_twice.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../examples/build_twice.sh"
 
+export CCACHE_DISABLE=1 # meson takes it when it is there: the plain build would be of cached objects
+
 # shellcheck disable=SC2034 # for the sourcing scripts
 variants=(plain wrapped gcov)
 

@@ -20,6 +20,7 @@ zlib | zlib | ./configure | make | make test | *.c
 bzip2 | bzip2 | - | make -e libbz2.a bzip2 bzip2recover | make -e test | blocksort.c bzlib.c compress.c decompress.c huffman.c
 cjson | cjson | cmake -S . -B out -DBUILD_SHARED_AND_STATIC_LIBS=ON -DENABLE_CJSON_UTILS=ON | cmake --build out | ctest --test-dir out | cJSON.c cJSON_Utils.c
 tinyxml2 | tinyxml2 | meson setup out -Ddefault_library=both -Dtests=true | meson compile -C out | meson test -C out | tinyxml2.cpp
+jsoncpp | libjsoncpp | meson setup out -Dtests=true | meson compile -C out | meson test -C out | src/lib_json/*.cpp
 libtommath | libtommath | - | make -e libtommath.a test | ./test | bn_!(cutoffs|mp_radix_smap|prime_tab).c
 popt | popt | ./configure --disable-nls --disable-shared | make | make check | src/popt*.c
 lz4 | lz4 | - | make -C lib && make -C programs && make -C tests fullbench frametest fuzzer checkFrame | LD_LIBRARY_PATH=$PWD/lib make -C tests test-lz4-basic test-frametest test-fuzzer FUZZER_TIME='-i100 -s1' >/dev/null 2>&1 | lib/lz4*.c lib/xxhash.c

@@ -96,6 +96,25 @@ C_INCLUDE_PATH c
 CPLUS_INCLUDE_PATH c++
 END
 
+# --- a stub's headers: short ones for the stub, the C library's own for what a compile command adds
+printf '#include <stdio.h>\n#include <stdlib.h>\nstatic FILE *users_own(void) { return abort(), stdout; }\n' \
+    >"$work/added.h"
+cat >"$work/stub.c" <<'C'
+#include <stdio.h>
+#include <stdlib.h>
+#include <errno.h>
+int starts(void *p) { errno = 0; return p == NULL || printf("%d", 1) < 0; }
+C
+for language in c c++; do
+    for added in '' "-include $work/added.h"; do
+        # shellcheck disable=SC2086 # words
+        lltcc -stub "$real" -x $language -Wall -Wno-unused -Werror -H $added -o "$work/stub.o" \
+            -c "$work/stub.c" >"$work/log" 2>&1
+        expect "stub in $language $added" 0 $?
+        expect "the C library's stdio.h in it" 0 "$(grep -c '^\.* /.*/include/stdio.h' "$work/log")"
+    done
+done
+
 # --- the stubs' arrays, of 8 bytes and of 24 in each: none may begin where another one ends
 mkdir "$work/tree"
 cd "$work/tree" || exit

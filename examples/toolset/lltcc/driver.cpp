@@ -32,19 +32,6 @@ std::string temporary_area(const std::string& project_path)
     return absolute_path(root.empty() ? "." : root) + "/LLTTEMP/codemeasure";
 }
 
-/// The directory that holds this program as `as`, and the specs of gcc: beside the program in the
-/// build tree, under ../lib when installed. Empty when there is none.
-std::string tools_directory()
-{
-    for (const char* place : {"/lltcc.d", "/../lib/lltcov/lltcc.d"}) {
-        std::string directory = program_directory() + place;
-        if (QMRFileExists((directory + "/as").c_str()) != 0) {
-            return directory;
-        }
-    }
-    return "";
-}
-
 /// One wrapped command: what its compiles have in common.
 struct Compilation {
     std::string area;
@@ -246,6 +233,17 @@ std::string refusal_of(const Compiler& compiler, const std::string& name)
 }
 
 } // namespace
+
+std::string tools_directory()
+{
+    for (const char* place : {"/lltcc.d", "/../lib/lltcov/lltcc.d"}) {
+        std::string directory = program_directory() + place;
+        if (QMRFileExists((directory + "/as").c_str()) != 0) {
+            return directory;
+        }
+    }
+    return "";
+}
 
 int run_driver(const Words& arguments)
 {
