@@ -9,7 +9,8 @@
 
 #include "commonfunc/build_id.h"      // build identity, local time stamps
 #include "commonfunc/env.h"           // the rules for reading environment variables
-#include "commonfunc/file_ops.h"      // existence, directories, removal, replacement
+#include "commonfunc/file_io.h"       // files read and written whole
+#include "commonfunc/file_ops.h"      // existence, directories, removal
 #include "commonfunc/ini_profile.h"   // INI profile files
 #include "commonfunc/message.h"       // log lines, coloured lines, warnings
 #include "commonfunc/path_name.h"     // path splitting, identifier form of names

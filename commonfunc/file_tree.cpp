@@ -2,6 +2,7 @@
 // sources: a shell and a tool for each would be most of an archive step.
 #include "commonfunc/file_tree.h"
 
+#include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"

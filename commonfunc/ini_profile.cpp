@@ -4,7 +4,7 @@
 // byte 0xFF ends the text, and inserting a key squeezes "%%" behind it.
 #include "commonfunc/ini_profile.h"
 
-#include "commonfunc/file_ops.h"
+#include "commonfunc/file_io.h"
 #include "commonfunc/message.h"
 #include "commonfunc/text.h"
 

@@ -1,7 +1,7 @@
 // Only for looking at what they name: the command itself is passed on as it is.
 #include "commonfunc/response_file.h"
 
-#include "commonfunc/file_ops.h"
+#include "commonfunc/file_io.h"
 #include "commonfunc/message.h"
 
 namespace

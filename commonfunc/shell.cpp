@@ -3,7 +3,7 @@
 #include "commonfunc/shell.h"
 
 #include "commonfunc/env.h"
-#include "commonfunc/file_ops.h"
+#include "commonfunc/file_io.h"
 #include "commonfunc/message.h"
 
 #include <cerrno>

@@ -64,8 +64,8 @@ wrapper_environment() {
     logged shims "$root/build/release/lltcov" shims "$place/shims"
     PATH=$place/shims:$1:$PATH
     export LLT_PROJECT=$place/project
-    # shellcheck source=examples/toolset/TUSK_INIT.SH
-    . "$root/examples/toolset/TUSK_INIT.SH"
+    # shellcheck source=toolset/TUSK_INIT.SH
+    . "$root/toolset/TUSK_INIT.SH"
 }
 
 # build_and_test BUILD: in place/tree both times, as commands and outputs may hold its path. Leaves

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Builds a sample project through lltwrapper with the tool set of examples/toolset, runs its tests
+# Builds a sample project through lltwrapper with the tool set of toolset/, runs its tests
 # and makes an HTML report of the lines that ran. Checks on the way that nothing went past
 # lltwrapper, that the tests pass as without it and that the report shows the whole library.
 # usage: demo.sh [NAME|all]      (./dev demo installs what it needs and builds the program first)

@@ -1,6 +1,7 @@
 // One file at a time is read whole, with one NUL behind it, and freed before the next one.
 #include "lltld/object_scan.h"
 
+#include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "lltld/inst_file_list.h"
 

@@ -1,3 +1,4 @@
+#include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "tests/fixture.h"
 

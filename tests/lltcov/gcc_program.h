@@ -3,7 +3,7 @@
 #pragma once
 
 #include "contract/record.h"
-#include "lltcov/coverage.h"
+#include "lltcov/report/coverage.h"
 
 #include <string>
 

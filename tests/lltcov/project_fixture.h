@@ -1,8 +1,8 @@
 // A project on disk as a build and its runs leave it, read by a gcov that knows only its two lines.
 #pragma once
 
-#include "lltcov/project_data.h"
-#include "lltcov/shown_sources.h"
+#include "lltcov/report/project_data.h"
+#include "lltcov/report/shown_sources.h"
 #include "lltld/source_tab.h"
 #include "tests/fixture.h"
 

@@ -2,7 +2,7 @@
 # shellcheck disable=SC2154 # work and toolset are those of the sourcing script
 # Builds a program with `gcc --coverage` and through lltwrapper and the tool set, and compares what
 # gcov and lltcov say of it. To be sourced, with `work` set to a temporary folder, `toolset` to
-# examples/toolset and the programs first on PATH.
+# toolset and the programs first on PATH.
 # Verdicts are sorted rows. Fields are separated by tabs; files are those below the project's folder,
 # relative to it:
 #     line FILE LINE COUNT            added up over functions and objects
@@ -39,7 +39,7 @@ with_lltcov() {
     fresh_tree "$1"
     (
         export LLT_PROJECT=$work/tree
-        # shellcheck source=examples/toolset/TUSK_INIT.SH
+        # shellcheck source=toolset/TUSK_INIT.SH
         . "$toolset/TUSK_INIT.SH"
         CC="lltwrapper ${3:-}gcc ${4:-}" CXX="lltwrapper ${3:-}g++ ${4:-}" \
             AR="lltwrapper -artool ${3:-}ar -arsuffix .a ${3:-}ar" logged bash -ec "$2" &&

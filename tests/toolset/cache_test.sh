@@ -28,8 +28,8 @@ expect() {
 enter() {
     unset lltcovRootpath qmr_current_prj_path
     LLT_PROJECT=$work/$1
-    # shellcheck source=examples/toolset/TUSK_INIT.SH
-    . "$root/examples/toolset/TUSK_INIT.SH"
+    # shellcheck source=toolset/TUSK_INIT.SH
+    . "$root/toolset/TUSK_INIT.SH"
 }
 
 # A library in C++ that is worth a cache, and a program.

@@ -15,7 +15,7 @@ unset CC CXX CFLAGS CXXFLAGS MAKEFLAGS LLT_PROJECT LLTCOV_ROOT
 mkdir "$work/project" "$work/native"
 cd "$work/project"
 PATH=${lltcov%/*}:$PATH
-# shellcheck source=examples/toolset/TUSK_INIT.SH
+# shellcheck source=toolset/TUSK_INIT.SH
 . "$init"
 
 cat >sum.h <<'C'

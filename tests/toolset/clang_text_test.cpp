@@ -1,5 +1,5 @@
 // Texts as clang writes them, cut down to what matters.
-#include "examples/toolset/counters/counter_text.h"
+#include "toolset/counters/counter_text.h"
 
 #include <gtest/gtest.h>
 

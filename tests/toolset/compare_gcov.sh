@@ -82,8 +82,8 @@ command -v jq >/dev/null || skip 'jq is missing'
 get_project "$project" "$work/source" || skip "no sources of $project"
 gcc -O1 -fPIC -shared -o "$work/steady.so" "$tests/steady.c"
 export LLT_PROJECT=$work/project
-# shellcheck source=examples/toolset/TUSK_INIT.SH
-. "$tests/../../examples/toolset/TUSK_INIT.SH"
+# shellcheck source=toolset/TUSK_INIT.SH
+. "$tests/../../toolset/TUSK_INIT.SH"
 
 ask_gcov gcov
 logged "$programs/lltcov" shims "$work/shims"

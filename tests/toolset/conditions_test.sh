@@ -9,7 +9,7 @@ unset CDPATH MAKEFLAGS CC CXX AR CFLAGS CXXFLAGS CPPFLAGS LDFLAGS "${!qmr_@}" "$
 export LC_ALL=C CCACHE_DISABLE=1
 tests=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # shellcheck disable=SC2034 # for against_gcov.sh
-toolset=$tests/../../examples/toolset
+toolset=$tests/../../toolset
 work=$(mktemp -d /tmp/conditions.XXXXXX)
 trap 'rm -rf "$work"' EXIT
 PATH=$(cd "$1" && pwd):$PATH

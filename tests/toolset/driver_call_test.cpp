@@ -1,5 +1,5 @@
 // The drivers' command line, as a shell leaves it of what the wrapper forwards.
-#include "examples/toolset/common/driver_call.h"
+#include "toolset/common/driver_call.h"
 
 #include <gtest/gtest.h>
 

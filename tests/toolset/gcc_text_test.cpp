@@ -1,7 +1,7 @@
 // Assembly texts as gcc writes them for several machines, cut to what matters: where each counter
 // goes, what is left of the text, and what the record says of it.
-#include "examples/toolset/common/records.h"
-#include "examples/toolset/counters/counter_text.h"
+#include "toolset/common/records.h"
+#include "toolset/counters/counter_text.h"
 
 #include <gtest/gtest.h>
 

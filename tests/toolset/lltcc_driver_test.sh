@@ -126,8 +126,8 @@ for name in b d; do
 done
 printf 'int a(int), b(int), c(int), d(int);\nint main(void)\n{\n    return a(0) + b(0) + c(2) + d(3);\n}\n' >main.c
 export LLT_PROJECT=$work/tree
-# shellcheck source=examples/toolset/TUSK_INIT.SH
-. "$root/examples/toolset/TUSK_INIT.SH"
+# shellcheck source=toolset/TUSK_INIT.SH
+. "$root/toolset/TUSK_INIT.SH"
 wrapped="lltwrapper $real"
 
 # offsets FILE: arrays that the file defines, and of these the ones not at a multiple of 64 (hexadecimal)

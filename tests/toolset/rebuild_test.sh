@@ -11,7 +11,7 @@ unset CC CFLAGS MAKEFLAGS LLT_PROJECT LLTCOV_ROOT
 mkdir "$work/project"
 cd "$work/project"
 PATH=${lltcov%/*}:$PATH
-# shellcheck source=examples/toolset/TUSK_INIT.SH
+# shellcheck source=toolset/TUSK_INIT.SH
 . "$init"
 lltcov shims "$work/shims" >"$work/log"
 PATH=$work/shims:$PATH

@@ -8,7 +8,7 @@ set -euo pipefail
 unset CDPATH MAKEFLAGS CC CXX AR CFLAGS CXXFLAGS CPPFLAGS LDFLAGS "${!qmr_@}" "${!llt@}" "${!LLT@}"
 export LC_ALL=C CCACHE_DISABLE=1
 tests=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-toolset=$tests/../../examples/toolset
+toolset=$tests/../../toolset
 work=$(mktemp -d /tmp/targets.XXXXXX)
 trap 'rm -rf "$work"' EXIT
 PATH=$(cd "$1" && pwd):$PATH

@@ -1,9 +1,0 @@
-// The assembler role: the wrapped compiler calls it where it would call its assembler.
-#pragma once
-
-#include "examples/toolset/common/process.h"
-
-/// Assembles the text with the compiler's counters in the source's own array, and puts the source's
-/// record into the object. The exit status; when the text cannot be understood it is 0 without an
-/// object, and the driver role learns why.
-int run_assembler(const Words& arguments);

@@ -1,8 +1,0 @@
-// Records that are gone from LLTTEMP although objects of the link carry them.
-#pragma once
-
-#include "examples/toolset/lltld/link_coverage.h"
-
-/// Leaves the records of the link's coverage symbols again where they are missing, from the objects
-/// and the members of libraries that they belong to. Needs the work area.
-void restore_lost_records(const LinkCommand& link, const LinkCoverage& coverage);

@@ -1,0 +1,93 @@
+// Where a project and its parts are. A module is known by the project file of its work area, a dump
+// by its name.
+#include "lltcov/common/project.h"
+
+#include "commonfunc/Caddis_func.h"
+
+#include <algorithm>
+#include <dirent.h>
+#include <fnmatch.h>
+#include <memory>
+
+std::string project_root(const CommandLine& line)
+{
+    const bool is_named = line.has("--project");
+    std::string root = is_named ? line.value("--project") : env_text("qmr_current_prj_path");
+    if (names_project_file(root)) {
+        root = split_path(root).directory;
+    }
+    if (!is_named && !root.empty() && env_int("isOverlappedCompile") == 1) {
+        root += "/" + env_text(env_text("PlatformToken").c_str());
+    }
+    std::string absolute = absolute_path(root.empty() ? "." : root);
+    if (QMRPathIsDirectory(absolute.c_str()) == 0) {
+        throw UsageError("the project's folder '" + root + "' does not exist");
+    }
+    return absolute;
+}
+
+std::vector<Module> modules_of(const std::string& root)
+{
+    std::vector<Module> modules;
+    for (const std::string& name : names_in(root)) {
+        const std::string area = root + "/" + name + "/codemeasure";
+        if (name != "LLTTEMP" && QMRFileExists((area + "/.prj").c_str()) != 0) {
+            modules.push_back({name, area});
+        }
+    }
+    return modules;
+}
+
+std::string temporary_area(const std::string& root)
+{
+    return root + "/LLTTEMP/codemeasure";
+}
+
+std::string dump_root(const std::string& root)
+{
+    for (const char* variable : {"LLTCOV_ROOT", "lltcovRootpath"}) {
+        if (env_is_filled(variable)) {
+            return env_text(variable);
+        }
+    }
+    return root + "/llt_result";
+}
+
+bool is_dump(const std::string& name)
+{
+    const std::size_t dot = name.rfind('.');
+    return name[0] != '.' && dot != name.npos && name.substr(dot) == ".lltcov";
+}
+
+bool is_spare_dump(const std::string& name)
+{
+    return ::fnmatch(".?*.lltcov.tmp", name.c_str(), 0) == 0;
+}
+
+bool is_inside(const std::string& path, const std::string& folder)
+{
+    return path.compare(0, folder.size() + 1, folder + "/") == 0;
+}
+
+std::string shown_path(const std::string& path, const std::string& folder)
+{
+    return is_inside(path, folder) ? path.substr(folder.size() + 1) : path;
+}
+
+std::vector<std::string> names_in(const std::string& directory)
+{
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> dir(::opendir(directory.c_str()), ::closedir);
+    while (dir != nullptr) {
+        const dirent* entry = ::readdir(dir.get());
+        if (entry == nullptr) {
+            break;
+        }
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") {
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}

@@ -1,0 +1,91 @@
+// Goes through a table of checks and prints what each finds. A check more is a row more.
+#include "lltcov/doctor/doctor.h"
+
+#include "lltcov/common/commands.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+struct Check {
+    const char* name;
+    void (*look)(Examined& examined, Findings& findings);
+};
+
+constexpr Check CHECKS[] = {
+    {"project path", check_project_path},
+    {"settings", check_settings},
+    {"places", check_places},
+    {"programs", check_programs},
+    {"shims", check_shims},
+    {"sources", check_sources},
+    {"objects", check_objects},
+    {"archives", check_archives},
+    {"names", check_names},
+    {"sockets", check_sockets},
+    {"dumps", check_dumps},
+    {"leftovers", check_leftovers},
+};
+
+std::vector<std::string> files_below(const std::string& root)
+{
+    std::vector<std::string> files;
+    std::error_code error;
+    const auto options = fs::directory_options::skip_permission_denied;
+    for (fs::recursive_directory_iterator at(root, options, error), end; !error && at != end;
+         at.increment(error)) {
+        if (at->path().filename() == ".git") {
+            at.disable_recursion_pending();
+        } else if (fs::is_regular_file(at->symlink_status(error))) {
+            files.push_back(at->path());
+        }
+    }
+    return files;
+}
+
+/// Prints the findings under the check's name; true when there are any.
+bool print(const char* name, const Findings& findings)
+{
+    for (const std::string& line : findings.lines()) {
+        std::printf("%s: %s\n", name, line.c_str());
+    }
+    return findings.has_problems();
+}
+
+} // namespace
+
+int run_doctor(const Arguments& arguments)
+{
+    const CommandLine line(arguments, {}, {"--project"});
+    line.refuse_operands();
+    Findings reading;
+    std::string root;
+    try {
+        root = project_root(line);
+    } catch (const UsageError& error) {
+        if (line.has("--project")) {
+            throw;
+        }
+        std::printf("project path: %s; set qmr_current_prj_path\n", error.what());
+        return 1;
+    }
+    Examined examined = {read_modules(root, reading), files_below(root)};
+    bool is_sick = print("modules", reading);
+    for (const Check& check : CHECKS) {
+        Findings findings;
+        check.look(examined, findings);
+        is_sick = print(check.name, findings) || is_sick;
+    }
+    if (!is_sick) {
+        const std::size_t modules = examined.data.modules.size();
+        std::printf("nothing found: %zu modules in '%s'%s\n", modules, root.c_str(),
+                    modules == 0 ? "; if it is built, lltcc has said what it compiles plainly"
+                                 : "");
+    }
+    return is_sick ? 1 : 0;
+}

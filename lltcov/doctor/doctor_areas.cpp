@@ -1,0 +1,204 @@
+// What the last build and the runs left: the records of the modules against the files they name.
+#include "lltcov/doctor/doctor.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "lltcov/common/coverage_names.h"
+#include "lltcov/report/shown_sources.h"
+#include "lltld/object_scan.h"
+
+#include <algorithm>
+#include <ctime>
+#include <functional>
+#include <sys/stat.h>
+
+namespace
+{
+
+/// Longest path of a record.
+constexpr std::size_t MAX_PATH_IN_RECORD = 259;
+/// A temporary file that is younger may be in use, in seconds.
+constexpr std::time_t MIN_AGE = 60;
+
+bool contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != text.npos;
+}
+
+bool is_archive(const std::string& content)
+{
+    return begins_with(content, "!<arch>\n") || begins_with(content, "!<thin>\n");
+}
+
+/// The module that an archive step makes of the archive.
+std::string module_of_archive(const std::string& path)
+{
+    const std::string name = base_name(path);
+    std::string module = name.substr(0, name.find('.'));
+    std::replace(module.begin(), module.end(), '-', '_');
+    return module;
+}
+
+bool holds_symbol(const ScannedObject& object, const std::string& symbol)
+{
+    return std::any_of(object.symbols.begin(), object.symbols.end(),
+                       [&](const CoverageSymbol& found) { return found.name == symbol; });
+}
+
+/// Archives with instrumented members below the project and as modules record them, by module.
+class Archives
+{
+public:
+    explicit Archives(Findings& findings) : findings_(findings) {}
+
+    void add(const std::string& path, const std::string& content)
+    {
+        const std::string module = module_of_archive(path);
+        // A member's name ends with a slash, here or in the table of long names.
+        const bool has_stub = contains(content, STUB_PREFIX + module + ".o/");
+        if (!is_archive(content) || (!has_stub && !contains(content, ARRAY_PREFIX))) {
+            return;
+        }
+        if (!has_stub) {
+            findings_.add("archives without a stub",
+                          "'" + path +
+                              "' has instrumented members and no stub: they count only "
+                              "where lltld links them; " +
+                              (fits_identifier(module)
+                                   ? "make it by one ar through lltwrapper"
+                                   : "its name must be of letters, digits, '_' and '-'"));
+        }
+        const std::size_t hash = std::hash<std::string>()(content);
+        const auto [known, is_new] = seen_.emplace(module, Archive{path, hash});
+        if (!is_new && known->second.path != path && known->second.hash != hash) {
+            findings_.add("shared work areas", "'" + known->second.path + "' and '" + path +
+                                                   "' share the work area of '" + module +
+                                                   "'; give the libraries different names");
+        }
+    }
+
+private:
+    struct Archive {
+        std::string path;
+        std::size_t hash;
+    };
+
+    Findings& findings_;
+    std::map<std::string, Archive> seen_;
+};
+
+void check_symbol(const std::string& symbol, Findings& findings)
+{
+    if (symbol.size() > MAX_SYMBOL) {
+        findings.add("long symbols", "symbol '" + symbol +
+                                         "' has more than 31 characters: its "
+                                         "archive step fails; use a driver with shorter ones");
+    }
+}
+
+} // namespace
+
+void check_sources(Examined& examined, Findings& findings)
+{
+    CoverageMaker(examined.data, Counting::lines, findings).coverage_of(all_objects(examined.data));
+}
+
+void check_objects(Examined& examined, Findings& findings)
+{
+    for (const InstrumentedObject& object : examined.data.objects) {
+        const std::string& path = object.record.object;
+        ScannedObject scanned;
+        if (!scan_object(path, scanned)) {
+            findings.add("objects that are gone",
+                         "'" + path + "' is gone since '" + object.area +
+                             "' was filled; build it again, with the module");
+        } else if (!holds_symbol(scanned, object.symbol)) {
+            findings.add("objects compiled anew",
+                         "'" + path + "' was compiled anew since '" + object.area +
+                             "' was filled; build the module again through lltwrapper");
+        }
+    }
+}
+
+void check_archives(Examined& examined, Findings& findings)
+{
+    Archives archives(findings);
+    std::string content;
+    for (const ModuleData& module : examined.data.modules) {
+        if (read_whole_file(module.output, content) == Reading::missing) {
+            findings.add("modules without output",
+                         "'" + module.output + "' of module " + module.module.name +
+                             " is gone; build it, or forget it by lltcov clean --gone");
+        } else if (is_archive(content)) {
+            archives.add(module.output, content);
+        }
+    }
+    for (const std::string& path : examined.files) {
+        if (path.size() > 2 && path.compare(path.size() - 2, 2, ".a") == 0 &&
+            read_whole_file(path, content) == Reading::done) {
+            archives.add(path, content);
+        }
+    }
+}
+
+void check_names(Examined& examined, Findings& findings)
+{
+    for (const std::string& name : names_in(temporary_area(examined.data.root) + "/db")) {
+        check_symbol(begins_with(name, "db") ? name.substr(2) : "", findings);
+    }
+    for (const InstrumentedObject& object : examined.data.objects) {
+        check_symbol(object.symbol, findings);
+        for (const std::string& path : {object.record.source, object.record.object}) {
+            if (path.size() > MAX_PATH_IN_RECORD) {
+                findings.add("long paths", "'" + path +
+                                               "' has more than 259 bytes: archive steps "
+                                               "cut it; build in a shorter path");
+            }
+        }
+    }
+    for (const Module& module : modules_of(examined.data.root)) {
+        if (!fits_identifier(module.name)) {
+            findings.add("module names", "module '" + module.name +
+                                             "' is no C identifier: its "
+                                             "stub does not compile; rename the library");
+        }
+    }
+}
+
+void check_sockets(Examined& examined, Findings& findings)
+{
+    if (env_text("LLT_DISABLE_SOCKET") == "1") {
+        return;
+    }
+    for (const ModuleData& module : examined.data.modules) {
+        std::string archive;
+        std::string command;
+        read_whole_file(module.output, archive);
+        read_whole_file(module.module.area + "/CompileCmd.txt", command);
+        if (is_archive(archive) && !declares_port(command)) {
+            findings.add("sockets", "sockets are on, but nothing declares g_TUSKSockBindPort for "
+                                    "the stub of " +
+                                        module.module.name +
+                                        "; set LLT_DISABLE_SOCKET=1, or add -include HEADER");
+        }
+    }
+}
+
+void check_dumps(Examined& examined, Findings& findings)
+{
+    const std::string directory = dump_root(examined.data.root);
+    const std::vector<std::string> names = names_in(directory);
+    if (std::any_of(names.begin(), names.end(), is_dump)) {
+        add_dumps(examined.data, directory, findings);
+    }
+}
+
+void check_leftovers(Examined& examined, Findings& findings)
+{
+    for (const std::string& path : examined.files) {
+        struct stat info = {};
+        if (begins_with(base_name(path), ".lltwrapper-") && ::lstat(path.c_str(), &info) == 0 &&
+            std::time(nullptr) - info.st_mtime > MIN_AGE) {
+            findings.add("leftovers", "'" + path + "' is left of an interrupted step; remove it");
+        }
+    }
+}

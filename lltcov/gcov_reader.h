@@ -1,9 +1,0 @@
-// Counters of gcc, read by the gcov of the compiler's version.
-#pragma once
-
-#include "lltcov/console.h"
-#include "lltcov/object_reading.h"
-
-/// Reads the objects' counters, many objects by one gcov and on all processors. What cannot be read
-/// goes to the findings.
-void read_gcc_objects(const ObjectReadings& objects, Counting counting, Findings& findings);

@@ -1,0 +1,108 @@
+// Output goes to files: many programs can then run side by side, and none waits for its reader.
+#include "lltcov/report/child_process.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_tree.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace
+{
+
+/// The environment, but with messages in English, which are looked into.
+std::vector<char*> english_environment()
+{
+    static char english[] = "LC_ALL=C";
+    std::vector<char*> variables = {english};
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        if (!begins_with(*variable, "LC_ALL=")) {
+            variables.push_back(*variable);
+        }
+    }
+    variables.push_back(nullptr);
+    return variables;
+}
+
+} // namespace
+
+TemporaryFolder::TemporaryFolder()
+    : path_((env_is_filled("TMPDIR") ? absolute_path(env_text("TMPDIR")) : "/tmp") +
+            "/lltcov-XXXXXX")
+{
+    if (::mkdtemp(&path_[0]) == nullptr) {
+        throw std::runtime_error("no temporary folder '" + path_ + "': " + std::strerror(errno));
+    }
+}
+
+TemporaryFolder::~TemporaryFolder()
+{
+    remove_tree(path_);
+}
+
+void TemporaryFolder::write(const std::string& name, const std::string& bytes) const
+{
+    const std::string path = path_ + "/" + name;
+    File file = open_file(path, "wbe");
+    const bool is_open = file != nullptr;
+    const bool is_written =
+        is_open && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
+    if (!is_open || std::fclose(file.release()) != 0 || !is_written) {
+        throw std::runtime_error("cannot write '" + path + "': " + std::strerror(errno));
+    }
+}
+
+std::string TemporaryFolder::read(const std::string& name) const
+{
+    std::string bytes;
+    read_whole_file(path_ + "/" + name, bytes);
+    return bytes;
+}
+
+pid_t start_program(const std::vector<std::string>& words, const TemporaryFolder& folder,
+                    const std::string& name)
+{
+    constexpr int WRITING = O_WRONLY | O_CREAT | O_TRUNC;
+    const std::string output = folder.path() + "/" + name + ".out";
+    const std::string errors = folder.path() + "/" + name + ".err";
+    std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
+    for (const std::string& word : words) {
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    }
+    arguments.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), WRITING, 0600);
+    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(), WRITING, 0600);
+    ::posix_spawn_file_actions_addchdir_np(&actions, folder.path().c_str());
+    pid_t child = 0;
+    const int error = ::posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(),
+                                     english_environment().data());
+    ::posix_spawn_file_actions_destroy(&actions);
+    return error == 0 ? child : 0;
+}
+
+int wait_for_program(pid_t program)
+{
+    int status = -1;
+    while (program != 0 && ::waitpid(program, &status, 0) < 0 && errno == EINTR) {
+    }
+    return exit_status_of(status);
+}
+
+std::size_t number_of_processors()
+{
+    return std::max(1U, std::thread::hardware_concurrency());
+}

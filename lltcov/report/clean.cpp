@@ -1,0 +1,192 @@
+// Removes only what the tool set wrote: dumps whose work area is in the project, work areas, and
+// LLTTEMP. Nothing is removed through a link, for it may lead out of the project.
+#include "lltcov/common/commands.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_tree.h"
+#include "commonfunc/text_lines.h"
+#include "lltcov/common/project.h"
+#include "lltcov/report/dump_file.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <filesystem>
+#include <set>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+enum class Mode { remove, show };
+
+/// What is removed: the runs, all that concerns outputs that are gone, or everything.
+enum class Scope { runs, gone, all };
+
+/// The file type bits of the path itself; 0 when there is nothing.
+mode_t type_of(const std::string& path)
+{
+    struct stat info = {};
+    return ::lstat(path.c_str(), &info) == 0 ? info.st_mode & S_IFMT : 0;
+}
+
+class Cleaner
+{
+public:
+    Cleaner(std::string root, Mode mode, Scope scope)
+        : root_(std::move(root)), mode_(mode), scope_(scope)
+    {
+    }
+
+    void clean()
+    {
+        if (scope_ != Scope::runs) {
+            clean_areas();
+        }
+        clean_dumps();
+        if (scope_ == Scope::all) {
+            clean_temporary();
+        }
+    }
+
+    void report() const
+    {
+        std::printf("%s %zu dumps", mode_ == Mode::show ? "would remove" : "removed", dumps_);
+        if (!areas_.empty() || temporary_) {
+            std::printf(", %zu work areas%s", areas_.size(), temporary_ ? ", LLTTEMP" : "");
+        }
+        std::printf(" of '%s'\n", root_.c_str());
+    }
+
+    bool has_failed() const { return has_failed_; }
+
+private:
+    void clean_dumps()
+    {
+        const std::string directory = absolute_path(dump_root(root_));
+        for (const std::string& name : names_in(directory)) {
+            const std::string path = directory + "/" + name;
+            const bool is_ours = is_dump(name) ? is_wanted_dump(path)
+                                               : scope_ != Scope::gone && is_spare_dump(name) &&
+                                                     is_inside(path, root_);
+            if (is_ours && type_of(path) == S_IFREG && remove(path)) {
+                dumps_ += is_dump(name) ? 1 : 0;
+            }
+        }
+    }
+
+    void clean_areas()
+    {
+        for (const std::string& name : names_in(root_)) {
+            const std::string area = root_ + "/" + name + "/codemeasure";
+            if (name != "LLTTEMP" && type_of(root_ + "/" + name) == S_IFDIR &&
+                type_of(area) == S_IFDIR && is_wanted_area(area) && remove(area)) {
+                areas_.insert(area);
+                remove_if_empty(root_ + "/" + name);
+            }
+        }
+    }
+
+    void clean_temporary()
+    {
+        const std::string temporary = root_ + "/LLTTEMP";
+        if (type_of(temporary) == S_IFDIR) {
+            temporary_ = remove(temporary);
+        } else if (type_of(temporary) != 0) {
+            warn("'%s' is no directory of its own and stays; remove it yourself",
+                 temporary.c_str());
+        }
+    }
+
+    /// A damaged dump belongs to the project when it is in its folder.
+    bool is_wanted_dump(const std::string& path) const
+    {
+        std::string text;
+        read_whole_file(path, text);
+        try {
+            const std::string named(read_dump(text).area);
+            const std::string area = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
+            const bool is_ours = is_inside(named[0] == '/' ? area : path, root_);
+            const bool is_gone =
+                !named.empty() && (areas_.count(area) != 0 || type_of(area + "/.prj") == 0);
+            return is_ours && (scope_ != Scope::gone || is_gone);
+        } catch (const FormatError&) {
+            return is_inside(path, root_) && scope_ != Scope::gone;
+        }
+    }
+
+    /// A work area of an archive step or a link says what was built, or which libraries were taken,
+    /// or holds nothing but folders.
+    bool is_wanted_area(const std::string& area) const
+    {
+        char output[PATH_MAX] = {};
+        read_profile_string("project", "sutpath", output, sizeof output, nullptr,
+                            (area + "/.prj").c_str());
+        if (output[0] != '\0') {
+            return scope_ == Scope::all || type_of(output) == 0;
+        }
+        if (type_of(area + "/libraries.txt") == S_IFREG) {
+            return scope_ == Scope::all;
+        }
+        const std::filesystem::recursive_directory_iterator files(area);
+        return scope_ == Scope::all && std::all_of(begin(files), end(files), [](const auto& file) {
+                   return file.is_directory();
+               });
+    }
+
+    bool remove(const std::string& path)
+    {
+        if (mode_ == Mode::show) {
+            std::printf("%s\n", path.c_str());
+            return true;
+        }
+        remove_tree(path);
+        if (type_of(path) == 0) {
+            return true;
+        }
+        warn("'%s' could not be removed; check its owner and permissions", path.c_str());
+        has_failed_ = true;
+        return false;
+    }
+
+    void remove_if_empty(const std::string& directory) const
+    {
+        if (mode_ == Mode::remove) {
+            ::rmdir(directory.c_str());
+        }
+    }
+
+    std::string root_;
+    Mode mode_;
+    Scope scope_;
+    std::size_t dumps_ = 0;
+    std::set<std::string> areas_; ///< that were removed
+    bool temporary_ = false;
+    bool has_failed_ = false;
+};
+
+} // namespace
+
+int run_clean(const Arguments& arguments)
+{
+    const CommandLine line(arguments, {"--gone", "--all", "--dry-run"}, {"--project"});
+    line.refuse_operands();
+    if (line.has("--gone") && line.has("--all")) {
+        throw UsageError("choose one of --gone and --all");
+    }
+    const std::string root = project_root(line);
+    if (type_of(root + "/LLTTEMP") == 0 && modules_of(root).empty()) {
+        warn("'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name "
+             "the project with --project",
+             root.c_str());
+        return 1;
+    }
+    const Scope scope = line.has("--all")    ? Scope::all
+                        : line.has("--gone") ? Scope::gone
+                                             : Scope::runs;
+    Cleaner cleaner(root, line.has("--dry-run") ? Mode::show : Mode::remove, scope);
+    cleaner.clean();
+    cleaner.report();
+    return cleaner.has_failed() ? 1 : 0;
+}

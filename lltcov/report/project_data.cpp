@@ -1,0 +1,276 @@
+// The module's merged table says which symbols belong to its last build; the record of each is in
+// the numbered copy that the step took, else where the compiler driver left it.
+#include "lltcov/report/project_data.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/text_lines.h"
+#include "lltcov/report/linked_libraries.h"
+#include "lltld/source_tab.h"
+
+#include <algorithm>
+#include <cstring>
+#include <numeric>
+#include <optional>
+#include <sys/stat.h>
+#include <tuple>
+
+namespace
+{
+
+constexpr const char* DAMAGED = "damaged records";
+constexpr const char* REBUILD = "; build it again through lltwrapper";
+
+/// The records of a table; none when there is no file or it holds a part of a record.
+std::vector<_SOURCEFILE_OBJECT> read_tab(const std::string& path)
+{
+    std::string content;
+    read_whole_file(path, content);
+    std::vector<_SOURCEFILE_OBJECT> records;
+    if (!content.empty() && content.size() % sizeof(_SOURCEFILE_OBJECT) == 0) {
+        records.resize(content.size() / sizeof(_SOURCEFILE_OBJECT));
+        std::memcpy(static_cast<void*>(records.data()), content.data(), content.size());
+    }
+    return records;
+}
+
+std::string project_value(const Module& module, const char* key)
+{
+    char value[1024] = {};
+    read_profile_string("project", key, value, sizeof value, nullptr,
+                        (module.area + "/.prj").c_str());
+    return value;
+}
+
+std::string symbol_of(const _SOURCEFILE_OBJECT& record)
+{
+    const std::string name = source_name(record);
+    return name.substr(0, name.rfind('.'));
+}
+
+/// The time at which a file got its content; 0 when there is none.
+timespec time_of(const std::string& path)
+{
+    struct stat info = {};
+    return ::stat(path.c_str(), &info) == 0 ? info.st_mtim : timespec{};
+}
+
+class ModuleReader
+{
+public:
+    ModuleReader(ProjectData& data, Findings& findings) : data_(data), findings_(findings) {}
+
+    void read(const Module& module)
+    {
+        ModuleData entry;
+        entry.module = module;
+        entry.buid = project_value(module, "BUID");
+        entry.output = project_value(module, "sutpath");
+        entry.built = project_value(module, "EndTime_Caddis");
+        const std::string path = module.area + "/db/.tab";
+        const std::vector<_SOURCEFILE_OBJECT> records = read_tab(path);
+        if (records.empty() || entry.buid.empty()) {
+            findings_.add(DAMAGED, "'" + path + "' is missing or damaged: module " + module.name +
+                                       " is left out" + REBUILD);
+            return;
+        }
+        for (const _SOURCEFILE_OBJECT& record : records) {
+            read_object(record, entry);
+        }
+        data_.modules.push_back(std::move(entry));
+    }
+
+    /// Adds the libraries that links took and whose work areas belong to others of the same name by
+    /// now. Of a library that was built several times the build that was linked last is meant.
+    void read_displaced()
+    {
+        std::vector<std::tuple<std::time_t, long, std::string>> lists;
+        for (const std::string& name : names_in(data_.root)) {
+            const std::string path = data_.root + "/" + name + "/codemeasure/libraries.txt";
+            const timespec time = time_of(path);
+            if (time.tv_sec != 0) {
+                lists.emplace_back(time.tv_sec, time.tv_nsec, path);
+            }
+        }
+        std::sort(lists.rbegin(), lists.rend());
+        for (const auto& [seconds, nanoseconds, path] : lists) {
+            std::string text;
+            read_whole_file(path, text);
+            try {
+                for (const LinkedLibrary& library : read_linked_libraries(text)) {
+                    add_displaced(library);
+                }
+            } catch (const FormatError& error) {
+                findings_.add(DAMAGED, path + ":" + std::to_string(error.line) + ": " +
+                                           error.what() + "; link that again through lltwrapper");
+            }
+        }
+    }
+
+private:
+    void add_displaced(const LinkedLibrary& library)
+    {
+        ModuleData entry;
+        entry.module.area =
+            absolute_path(library.area[0] == '/' ? library.area : data_.root + "/" + library.area);
+        entry.module.name = base_name(split_path(entry.module.area + ".").directory);
+        entry.buid = library.buid;
+        entry.output = library.path;
+        bool has_successor = false;
+        for (const ModuleData& known : data_.modules) {
+            const bool shares_area = known.module.area == entry.module.area;
+            has_successor = has_successor || shares_area;
+            if (shares_area && (known.output == entry.output || is_copy(known, library))) {
+                return;
+            }
+        }
+        if (!has_successor || QMRFileExists(entry.output.c_str()) == 0) {
+            return;
+        }
+        for (const std::string& symbol : library.symbols) {
+            const std::string path = temporary_area(data_.root) + "/db/db" + symbol + "/.tab";
+            const std::vector<_SOURCEFILE_OBJECT> own = read_tab(path);
+            if (own.empty()) {
+                findings_.add(DAMAGED, "'" + path + "' is missing or damaged: a source of '" +
+                                           entry.output + "' is left out" + REBUILD);
+            } else {
+                read_object(own[0], entry);
+            }
+        }
+        data_.modules.push_back(std::move(entry));
+    }
+
+    /// True when the library is a copy of the module's output, or was filled from it.
+    bool is_copy(const ModuleData& module, const LinkedLibrary& library) const
+    {
+        return module.buid == library.buid &&
+               std::any_of(library.symbols.begin(), library.symbols.end(),
+                           [&](const std::string& symbol) {
+                               const auto known = data_.object_of_symbol.find(symbol);
+                               return known != data_.object_of_symbol.end() &&
+                                      std::count(module.objects.begin(), module.objects.end(),
+                                                 known->second) != 0;
+                           });
+    }
+
+    void read_object(const _SOURCEFILE_OBJECT& record, ModuleData& module)
+    {
+        const std::string symbol = symbol_of(record);
+        auto known = data_.object_of_symbol.find(symbol);
+        if (known == data_.object_of_symbol.end()) {
+            std::optional<InstrumentedObject> object = load(record, symbol, module.module);
+            if (!object) {
+                return;
+            }
+            known = data_.object_of_symbol.emplace(symbol, data_.objects.size()).first;
+            data_.objects.push_back(std::move(*object));
+        }
+        std::vector<std::size_t>& objects = module.objects;
+        if (std::find(objects.begin(), objects.end(), known->second) == objects.end()) {
+            objects.push_back(known->second);
+        }
+        InstrumentedObject& object = data_.objects[known->second];
+        object.is_in_use = object.is_in_use || QMRFileExists(module.output.c_str()) != 0;
+    }
+
+    std::optional<InstrumentedObject> load(const _SOURCEFILE_OBJECT& record,
+                                           const std::string& symbol, const Module& module)
+    {
+        const std::string left = temporary_area(data_.root) + "/db/db" + symbol;
+        const std::string copy = module.area + "/db/db" + std::to_string(record.fileid);
+        InstrumentedObject object;
+        object.symbol = symbol;
+        object.area = module.area;
+        std::string path = copy + "/record";
+        if (!read_record(path, object)) {
+            path = left + "/record";
+            if (!read_record(path, object)) {
+                findings_.add(DAMAGED, "'" + path + "' is missing or damaged: the source of '" +
+                                           symbol + "' is left out" + REBUILD);
+                return std::nullopt;
+            }
+        }
+        object.file = module.area + "/obj/before/" + symbol;
+        if (QMRFileExists(object.file.c_str()) == 0) {
+            object.file = temporary_area(data_.root) + "/obj/before/" + symbol;
+        }
+        // A source that was touched and compiled again has the same symbol and a newer record.
+        std::vector<_SOURCEFILE_OBJECT> own = read_tab(left + "/.tab");
+        const timespec compiled = time_of(own.empty() ? object.record.object : left + "/.tab");
+        object.compiled = compiled.tv_sec == 0 ? time_of(path) : compiled;
+        own = own.empty() ? read_tab(copy + "/.tab") : own;
+        if (!own.empty() && symbol_of(own[0]) == symbol) {
+            object.source_size = own[0].size;
+            object.source_mtime = own[0].mtime;
+        }
+        return object;
+    }
+
+    /// True when the file holds the record of the object's symbol; a damaged one is a finding.
+    bool read_record(const std::string& path, InstrumentedObject& object)
+    {
+        std::string bytes;
+        read_whole_file(path, bytes);
+        try {
+            for (Record& record : read_records(bytes)) {
+                if (record.symbol == object.symbol) {
+                    object.record = std::move(record);
+                    return true;
+                }
+            }
+        } catch (const FormatError& error) {
+            findings_.add(DAMAGED,
+                          path + ":" + std::to_string(error.line) + ": " + error.what() + REBUILD);
+        }
+        return false;
+    }
+
+    ProjectData& data_;
+    Findings& findings_;
+};
+
+} // namespace
+
+ProjectData read_modules(const std::string& root, Findings& findings)
+{
+    ProjectData data;
+    data.root = root;
+    const std::vector<Module> modules = modules_of(root);
+    Progress progress("reading modules", modules.size());
+    ModuleReader reader(data, findings);
+    for (const Module& module : modules) {
+        reader.read(module);
+        progress.step();
+    }
+    reader.read_displaced();
+    return data;
+}
+
+RunCounters all_runs(const InstrumentedObject& object)
+{
+    RunCounters all;
+    all.counters.resize(object.record.array_bytes / 8);
+    for (const auto& [test, runs] : object.runs) {
+        join_counters(all.counters, runs.counters, object.record.or_bytes / 8);
+        all.runs += runs.runs;
+    }
+    return all;
+}
+
+std::vector<std::size_t> all_objects(const ProjectData& data)
+{
+    std::vector<std::size_t> all(data.objects.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    return all;
+}
+
+ProjectData read_project_data(const CommandLine& line, Findings& findings)
+{
+    const std::string root = project_root(line);
+    ProjectData data = read_modules(root, findings);
+    if (data.modules.empty()) {
+        findings.add("projects", "'" + root + "' holds no module with coverage data; build it " +
+                                     "through lltwrapper, or name another one with --project");
+    }
+    add_dumps(data, dump_root(root), findings);
+    return data;
+}

@@ -1,0 +1,239 @@
+// A dump belongs to the module whose work area it names. It counts only for the build that it was
+// made by: the next archive step or link has another build id, and its counters may mean other
+// lines.
+#include "lltcov/report/project_data.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/text_lines.h"
+#include "lltcov/report/dump_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <map>
+#include <set>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Programs exchange a dump file with the one that they write beside it, so that a file which was
+/// opened may be written anew while it is read. Who holds a lock of it keeps them away: they take
+/// another file. A writer that was stopped is not waited for.
+class ReadLock
+{
+public:
+    explicit ReadLock(const std::string& path)
+    {
+        constexpr int TRIES = 1000;
+        for (int i = 0; i < TRIES && !lock(path); ++i) {
+            ::usleep(1000);
+        }
+    }
+    ~ReadLock()
+    {
+        if (file_ >= 0) {
+            ::close(file_);
+        }
+    }
+    ReadLock(const ReadLock&) = delete;
+    ReadLock& operator=(const ReadLock&) = delete;
+
+private:
+    /// True when the file of that path is locked, or cannot be.
+    bool lock(const std::string& path)
+    {
+        if (file_ >= 0) {
+            ::close(file_);
+        }
+        struct stat opened = {};
+        struct stat named = {};
+        file_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        return file_ < 0 ||
+               (::flock(file_, LOCK_SH | LOCK_NB) == 0
+                    ? ::fstat(file_, &opened) == 0 && ::stat(path.c_str(), &named) == 0 &&
+                          opened.st_ino == named.st_ino && opened.st_dev == named.st_dev
+                    : errno != EWOULDBLOCK);
+    }
+
+    int file_ = -1;
+};
+
+constexpr const char* AGAIN = "; remove it and run that test again";
+
+class RunReader
+{
+public:
+    RunReader(ProjectData& data, Findings& findings) : data_(data), findings_(findings)
+    {
+        for (ModuleData& module : data.modules) {
+            module_of_area_.emplace(module.module.area, &module); // the one that has it now
+            module_of_build_.emplace(std::pair(module.module.area, module.buid), &module);
+        }
+    }
+
+    void read(const std::string& path)
+    {
+        std::string text;
+        const ReadLock lock(path);
+        const Reading reading = read_whole_file(path, text);
+        if (reading == Reading::empty) {
+            return; // its program was killed before it had written anything
+        }
+        if (reading != Reading::done) {
+            findings_.add("damaged dumps", "'" + path + "' cannot be read" + AGAIN);
+            return;
+        }
+        try {
+            const Dump dump = read_dump(text);
+            if (ModuleData* module = module_of(dump)) {
+                const auto build =
+                    module_of_build_.find({module->module.area, std::string(dump.buid)});
+                build == module_of_build_.end() ? refuse(dump, *module, path)
+                                                : add(dump, *build->second, path);
+            }
+        } catch (const FormatError& error) {
+            findings_.add("damaged dumps",
+                          path + ":" + std::to_string(error.line) + ": " + error.what() + AGAIN);
+        }
+    }
+
+    /// Says what was left out as a whole, when all files are read.
+    void report(const std::string& directory)
+    {
+        for (const auto& [module, refused] : refused_) {
+            tell(*module, "refused dumps",
+                 std::to_string(refused.dumps) + (refused.dumps == 1 ? " dump of " : " dumps of ") +
+                     module->module.name + (refused.dumps == 1 ? " is of " : " are of ") +
+                     (refused.builds.size() == 1 ? "build " + *refused.builds.begin()
+                                                 : "several other builds") +
+                     ", '" + module->output + "' is of build " + module->buid +
+                     ": not counted (one is '" + refused.path +
+                     "'); lltcov clean, then run the tests again");
+        }
+        for (const auto& [area, dumps] : orphans_) {
+            findings_.add("dumps of modules that are gone",
+                          std::to_string(dumps) + " dumps of '" + area +
+                              "', where no module is left: not counted; lltcov clean --gone");
+        }
+        const auto has_runs = [](const ModuleData& module) { return module.runs > 0; };
+        if (!findings_.has_problems() &&
+            std::none_of(data_.modules.begin(), data_.modules.end(), has_runs)) {
+            findings_.note("runs",
+                           "no run of this project has left counts in '" + directory +
+                               "' (dumps of other projects there: " + std::to_string(foreign_) +
+                               "); run the tests, or set LLTCOV_ROOT");
+        }
+    }
+
+private:
+    /// Tests leave programs behind, and runs of them, that are gone when they end: no problem.
+    void tell(const ModuleData& module, const char* kind, const std::string& line)
+    {
+        QMRFileExists(module.output.c_str()) != 0 ? findings_.add(kind, line)
+                                                  : findings_.note(kind, line);
+    }
+
+    struct Refused {
+        std::size_t dumps = 0;
+        std::set<std::string> builds;
+        std::string path; ///< of the first
+    };
+
+    /// The module of the dump's work area, relative to the project where the path is; null for one
+    /// of another project, and for one that is gone, which is noted.
+    ModuleData* module_of(const Dump& dump)
+    {
+        const std::string named(dump.area);
+        const auto [place, is_new] = area_of_name_.emplace(named, "");
+        if (is_new) {
+            place->second = absolute_path(named[0] == '/' ? named : data_.root + "/" + named);
+        }
+        const auto module = module_of_area_.find(place->second);
+        if (module != module_of_area_.end()) {
+            return module->second;
+        }
+        if (named[0] != '/' || is_inside(named, data_.root)) {
+            ++orphans_[named];
+        } else {
+            ++foreign_;
+        }
+        return nullptr;
+    }
+
+    void refuse(const Dump& dump, const ModuleData& module, const std::string& path)
+    {
+        Refused& refused = refused_[&module];
+        refused.path = refused.dumps++ == 0 ? path : refused.path;
+        refused.builds.emplace(dump.buid);
+    }
+
+    void add(const Dump& dump, ModuleData& module, const std::string& path)
+    {
+        std::vector<std::pair<InstrumentedObject*, const DumpedSource*>> additions;
+        for (const DumpedSource& source : dump.sources) {
+            const auto object = data_.object_of_symbol.find(std::string(source.symbol));
+            if (object == data_.object_of_symbol.end()) {
+                tell(module, "sources without records",
+                     "'" + path + "' counts '" + std::string(source.symbol) + "', which " +
+                         module.module.name +
+                         " has no record of: left out; build and run it again");
+            } else if (data_.objects[object->second].record.array_bytes !=
+                       source.counters.size() * 8) {
+                findings_.add("damaged dumps", "'" + path + "' gives '" +
+                                                   std::string(source.symbol) + "' " +
+                                                   std::to_string(source.counters.size()) +
+                                                   " counters, its record another number" + AGAIN);
+                return;
+            } else {
+                additions.emplace_back(&data_.objects[object->second], &source);
+            }
+        }
+        std::sort(additions.begin(), additions.end());
+        const auto is_same = [](const auto& a, const auto& b) { return a.first == b.first; };
+        if (std::adjacent_find(additions.begin(), additions.end(), is_same) != additions.end()) {
+            findings_.add("damaged dumps", "'" + path + "' holds a source twice" + AGAIN);
+            return;
+        }
+        const std::string test(dump.test);
+        for (const auto& [object, source] : additions) {
+            RunCounters& sum = object->runs[test];
+            join_counters(sum.counters, source->counters, object->record.or_bytes / 8);
+            sum.runs += dump.runs;
+        }
+        module.runs += dump.runs;
+        if (!test.empty()) {
+            data_.tests.insert(test);
+        }
+    }
+
+    ProjectData& data_;
+    Findings& findings_;
+    std::map<std::string, ModuleData*> module_of_area_;
+    std::map<std::pair<std::string, std::string>, ModuleData*> module_of_build_; ///< area, build id
+    std::map<std::string, std::string> area_of_name_; ///< absolute, by what dumps name
+    std::map<const ModuleData*, Refused> refused_;
+    std::map<std::string, std::size_t> orphans_; ///< by area
+    std::size_t foreign_ = 0;                    ///< dumps of other projects
+};
+
+} // namespace
+
+void add_dumps(ProjectData& data, const std::string& directory, Findings& findings)
+{
+    std::vector<std::string> names;
+    for (std::string& name : names_in(directory)) {
+        if (is_dump(name)) {
+            names.push_back(std::move(name));
+        }
+    }
+    Progress progress("reading dumps", names.size());
+    RunReader reader(data, findings);
+    for (const std::string& name : names) {
+        reader.read(directory + "/" + name);
+        progress.step();
+    }
+    reader.report(directory);
+}

@@ -1,0 +1,274 @@
+// A shim is short in the plain case: the shell reads a script command by command, so a build whose
+// wrapping is off pays for the first lines only. With the wrapping on, the rest tells the calls
+// that the wrapper must not see, and writes words such that they come through the wrapper and its
+// shell as they are. The wrapper's own lines go to a log: makefiles read what their tools print.
+#include "lltcov/shims/shim_text.h"
+
+#include "commonfunc/Caddis_func.h"
+
+#include <climits>
+#include <cstdio>
+
+namespace
+{
+
+constexpr char SHELL[] = "#!/bin/sh\n";
+constexpr char REMARK[] = ", through lltwrapper while LLT_WRAP is on";
+constexpr char MARK[] = "# Shim of lltcov: ";
+
+/// A cache that calls a shim does not see what the wrapper adds; other machines have no wrapper.
+constexpr char SKIP_LAUNCHER[] = R"SH(if [ "$on" != 0 ]; then
+    case $1 in
+        '' | -* | *=*) ;;
+        *) exec "$@" ;;
+    esac
+fi
+)SH";
+
+/// What the real tool runs is found without this directory, and is wrapped here or not at all.
+/// `${0%/*}` is the directory as PATH has it, which is how a masquerading compiler cache behind the
+/// shim would find the shim again.
+constexpr char LEAVE_PATH[] = R"SH(unset LLT_WRAP
+case :$PATH: in
+    *:"${0%/*}":*)
+        PATH=:$PATH:
+        PATH=${PATH%%":${0%/*}:"*}:${PATH#*":${0%/*}:"}
+        PATH=${PATH#:} PATH=${PATH%:}
+        ;;
+esac
+)SH";
+
+constexpr char PLAIN_CASE[] = R"SH([ "$on" != 0 ] || exec "$real" "$@"
+)SH";
+
+constexpr char WRAPPED_CASE[] =
+    R"SH(# Behind the others on PATH: drivers of the user's own choice come first.
+export PATH="$PATH:${wrapper%/*}" LLTWRAPPER_EXACT_STATUS="${LLTWRAPPER_EXACT_STATUS:-1}"
+project=${qmr_current_prj_path:-}
+project=${project%/*.prj}
+if [ -z "$LLTWRAPPER_LOG" ] && [ -d "$project/LLTTEMP" ]; then
+    export LLTWRAPPER_LOG="$project/LLTTEMP/build.log"
+fi
+)SH";
+
+/// Sets `step` when the call compiles or links, `rewrite` when a word cannot stand as it is.
+constexpr char SCAN_COMPILER[] = R"SH(
+case $PWD/ in
+    */CMakeFiles/CMakeScratch/* | */CMakeFiles/CMakeTmp/* | */CMakeFiles/_CMakeLTOTest-* | \
+        */CMakeFiles/*/CompilerId*) exec "$real" "$@" ;;
+esac
+step='' input='' list='' rewrite='' option=''
+for word; do
+    case $option$word in
+        # Its output is read, it makes no code, or a configure step tries something.
+        - | -E | -S | -M | -MM | -fsyntax-only | -'###' | --version | --help* | --target-help | \
+            -print-* | --print-* | -dumpmachine | -dumpversion | -dumpfullversion | -dumpspecs | \
+            c-header | c++-header | -xc-header | -xc++-header | /dev/* | \
+            conftest.* | *meson-private/*) exec "$real" "$@" ;;
+        -c | -o) step=yes ;;
+        -o*) step=yes rewrite=yes ;;
+        -Xlinker?*) rewrite=yes ;;
+        @*) list=${word#@} ;;
+        *.[cCioa] | *.cc | *.cp | *.cxx | *.cpp | *.CPP | *.c++ | *.ii) input=yes ;;
+    esac
+    case $word in
+        -Xlinker) option=$word ;;
+        '' | *[!A-Za-z0-9_@%+=:,./^-]*) option='' rewrite=yes ;;
+        *) option='' ;;
+    esac
+done
+
+# The wrapper looks for -c and -o in the command only, not in a response file.
+if [ -z "$step" ] && [ -r "$list" ]; then
+    set -f
+    output='' option=''
+    while read -r line || [ -n "$line" ]; do
+        for word in $line; do
+            case $option$word in
+                -E | -S | -M | -MM) exec "$real" "$@" ;;
+                -c) step=-c ;;
+                -o?*) output=${word#-o} ;;
+            esac
+            case $word in -o) option=$word ;; *) option='' ;; esac
+        done
+    done <"$list"
+    case $step$output in
+        -c*) set -- "$@" -c ;;
+        *[\"\'\\]*) exec "$real" "$@" ;;
+        ?*)
+            set -- "$@" -o "$output"
+            step=-o
+            ;;
+    esac
+fi
+if [ -z "$step" ]; then
+    [ -n "$input" ] || exec "$real" "$@"
+    set -- "$@" -o a.out
+fi
+)SH";
+
+constexpr char SCAN_LINKER[] = R"SH(
+step='' rewrite=''
+for word; do
+    case $word in
+        # Partial links are left to the last one; scripts of another kind, questions.
+        -r | -i | -Ur | --relocatable | -c | -v | -V | --version | --help | --print-*)
+            exec "$real" "$@" ;;
+        -o) step=yes ;;
+        -o* | -E | -S) step=yes rewrite=yes ;;
+    esac
+    case $word in
+        '' | *[!A-Za-z0-9_@%+=:,./^-]*) rewrite=yes ;;
+    esac
+done
+[ -n "$step" ] || exec "$real" "$@"
+)SH";
+
+constexpr char RUN_STEP[] = R"SH(
+# escape WORD WHERE: $word, such that the wrapper's shell makes WORD of it
+escape() {
+    word='' rest=$1
+    [ -n "$rest" ] || word="''"
+    while
+        plain=${rest%%[!A-Za-z0-9_@%+=:,./^-]*}
+        word=$word$plain rest=${rest#"$plain"}
+        [ -n "$rest" ]
+    do
+        char=${rest%"${rest#?}"} rest=${rest#?}
+        case $2$char in
+            value[\ \"\(\)\<\>]) ;;       # the wrapper escapes these in values
+            *'
+') char="'$char'" ;;
+            *) char=\\$char ;;
+        esac
+        word=$word$char
+    done
+}
+
+if [ -n "$rewrite" ]; then
+    option=''
+    for word; do
+        shift
+        case $option in
+            -Xlinker)
+                # The wrapper would take its value for an option of the compiler.
+                option=''
+                case $word in
+                    *,*) set -- "$@" -Xlinker ;;
+                    *) escape "-Wl,$word" '' ;;
+                esac
+                ;;
+            ?*)
+                option=''
+                escape "$word" value
+                ;;
+            *)
+                case $word in
+                    # Of a linker: the wrapper would take them for a compiler's.
+                    -E) word=--export-dynamic ;;
+                    -S) word=--strip-debug ;;
+                    -Xlinker) option=$word; continue ;;
+                    -[DIocLl]) option=$word ;;
+                    -o*)
+                        set -- "$@" -o
+                        escape "${word#-o}" value
+                        ;;
+                    -[DILl]*) escape "$word" value ;;
+                    *) escape "$word" '' ;;
+                esac
+                ;;
+        esac
+        set -- "$@" "$word"
+    done
+fi
+exec "$wrapper" "$real" "$@"
+)SH";
+
+/// Only what puts members into an archive. A separate "-c" or "-o" would make it a compile or link
+/// for the wrapper: the letter is doubled, which means the same.
+constexpr char ARCHIVE_STEP[] = R"SH(
+letters='' operation='' archive='' rewrite='' option=''
+for word; do
+    case $option$word in
+        --version | --help | -M | -h | -V) exec "$real" "$@" ;;
+        --plugin | --target | --output) option=$word; continue ;;
+        --*) ;; # with its value
+        -[coSE]) rewrite=yes ;;
+        -*[rq]*) letters=yes operation=yes ;;
+        -*) letters=yes ;;
+        *)
+            # Without a dash the operation stands first.
+            case $letters$word in
+                yes*.a) archive=${archive:-$word} ;;
+                yes*) ;;
+                *[rq]*) letters=yes operation=yes ;;
+                *) exec "$real" "$@" ;;
+            esac
+            ;;
+    esac
+    option=''
+done
+# The wrapper looks for the archive's name in the command that it has escaped.
+[ -n "$operation" ] || exec "$real" "$@"
+case $archive in
+    '' | *[!A-Za-z0-9_@%+=:,./^-]*) exec "$real" "$@" ;;
+esac
+# The module's name becomes part of the stub's function names; a link finds the members of others.
+module=${archive##*/} module=${module%%.*}
+case $module in
+    '' | *[!A-Za-z0-9_-]*) exec "$real" "$@" ;;
+esac
+if [ -n "$rewrite" ]; then
+    for word; do
+        shift
+        case $word in
+            -[coSE]) word=$word${word#-} ;;
+        esac
+        set -- "$@" "$word"
+    done
+fi
+exec "$wrapper" -artool "${real##*/}" -arsuffix .a "$real" "$@"
+)SH";
+
+} // namespace
+
+std::string shim_text(ToolKind kind, const std::string& real, const std::string& wrapper)
+{
+    const std::string start = SHELL + std::string(MARK) + real + REMARK + "\n" +
+                              "real=" + shell_word(real) + " on=${LLT_WRAP:-0}\n";
+    const std::string step =
+        start + LEAVE_PATH + PLAIN_CASE + "\nwrapper=" + shell_word(wrapper) + "\n" + WRAPPED_CASE;
+    switch (kind) {
+    case ToolKind::compiler:
+        return step + SCAN_COMPILER + RUN_STEP;
+    case ToolKind::linker:
+        return step + SCAN_LINKER + RUN_STEP;
+    case ToolKind::archiver:
+        return step + ARCHIVE_STEP;
+    case ToolKind::launcher:
+        return start + SKIP_LAUNCHER + LEAVE_PATH + "exec \"$real\" \"$@\"\n";
+    case ToolKind::none:
+        break;
+    }
+    return "";
+}
+
+std::string tool_of_shim(const std::string& path)
+{
+    const File file = open_file(path, "rbe");
+    char start[PATH_MAX + 128] = {};
+    if (!file || std::fread(start, 1, sizeof start - 1, file.get()) == 0) {
+        return "";
+    }
+    const std::string text = start;
+    const std::string before = std::string(SHELL) + MARK;
+    const std::size_t end = text.find(REMARK);
+    return text.compare(0, before.size(), before) == 0 && end != text.npos
+               ? text.substr(before.size(), end - before.size())
+               : "";
+}
+
+bool is_shim(const std::string& path)
+{
+    return !tool_of_shim(path).empty();
+}

@@ -1,0 +1,114 @@
+// A directory of shims stands first on PATH: configure steps see the real tools, and a build with
+// LLT_WRAP=1 goes through the wrapper without a change to its makefiles. Which tools: every name on
+// PATH that is a known tool, also with a target before it or a version behind it.
+#include "lltcov/common/commands.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "lltcov/common/command_line.h"
+#include "lltcov/common/path_search.h"
+#include "lltcov/common/project.h"
+#include "lltcov/shims/shim_text.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <sys/stat.h>
+
+namespace
+{
+
+/// Names that are missed when they are not on PATH.
+constexpr const char* EXPECTED[] = {"gcc",     "g++", "cc",     "c++", "clang",
+                                    "clang++", "ar",  "gcc-ar", "ld"};
+
+/// What is first on PATH of every tool, by name. Shims, also behind links, are passed over: a shim
+/// of a shim would wrap twice, or run in circles.
+std::map<std::string, std::string> tools_on_path()
+{
+    std::map<std::string, std::string> tools;
+    for (const std::string& directory : path_directories()) {
+        for (const std::string& name : names_in(directory)) {
+            const std::string path = directory + "/" + name;
+            if (kind_of_tool(name) != ToolKind::none && is_program(path) && !is_shim(path)) {
+                tools.emplace(name, path);
+            }
+        }
+    }
+    return tools;
+}
+
+/// Beside this program, as both are built and installed, else on PATH; empty when there is none.
+std::string find_wrapper()
+{
+    std::vector<std::string> directories = path_directories();
+    directories.insert(directories.begin(), program_directory());
+    return find_program(directories, "lltwrapper");
+}
+
+/// False with a message when something else than a shim is there: the directory of the real tools
+/// must never be overwritten.
+bool is_free_for_shim(const std::string& path)
+{
+    struct stat info = {};
+    if (::lstat(path.c_str(), &info) == 0 && (!S_ISREG(info.st_mode) || !is_shim(path))) {
+        warn("'%s' is no shim and stays; choose an empty directory", path.c_str());
+        return false;
+    }
+    return true;
+}
+
+/// False with a message when the file cannot be written.
+bool write_shim(const std::string& path, const std::string& text)
+{
+    return replace_file(path, text) == Writing::done && ::chmod(path.c_str(), 0755) == 0;
+}
+
+void report(const std::map<std::string, std::string>& tools, const std::string& directory)
+{
+    for (const auto& [name, real] : tools) {
+        std::printf("%-28s %s\n", name.c_str(), real.c_str());
+    }
+    for (const char* name : EXPECTED) {
+        if (tools.count(name) == 0) {
+            std::printf("%-28s not on PATH, no shim\n", name);
+        }
+    }
+    std::printf("%zu shims. Configure and build with PATH=%s:$PATH; set LLT_WRAP=1 for the build "
+                "only.\n",
+                tools.size(), shell_word(directory).c_str());
+}
+
+} // namespace
+
+int run_shims(const Arguments& arguments)
+{
+    const CommandLine line(arguments, {}, {});
+    if (line.operands().size() != 1 || line.operands()[0].empty()) {
+        throw UsageError("shims needs one directory");
+    }
+    if (line.operands()[0].find(':') != std::string::npos) {
+        throw UsageError("a directory whose name holds ':' cannot be on PATH");
+    }
+    std::filesystem::create_directories(line.operands()[0]);
+    const std::string directory = absolute_path(line.operands()[0]);
+    const std::string wrapper = find_wrapper();
+    const auto tools = tools_on_path();
+    if (wrapper.empty() || tools.empty()) {
+        warn("no %s", wrapper.empty() ? "lltwrapper beside lltcov and on PATH; install it"
+                                      : "compiler on PATH; set PATH");
+        return 1;
+    }
+    // All or none: a directory of other programs shall not get some of the shims.
+    for (const auto& [name, real] : tools) {
+        if (!is_free_for_shim(directory + "/" + name)) {
+            return 1;
+        }
+    }
+    for (const auto& [name, real] : tools) {
+        if (!write_shim(directory + "/" + name, shim_text(kind_of_tool(name), real, wrapper))) {
+            return 1;
+        }
+    }
+    report(tools, directory);
+    return 0;
+}

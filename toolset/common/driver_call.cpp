@@ -1,0 +1,66 @@
+// The options are taken as long as they stand in front: the wrapped command may have equal words.
+#include "toolset/common/driver_call.h"
+
+#include <cctype>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+namespace
+{
+
+constexpr const char* PROJECT = "-qmr_current_prj_path";
+constexpr const char* NAME = "-projectname";
+constexpr const char* MODE = "-qmr_coverage_stub_mold";
+
+bool is_value(const std::string& option, const std::string& word)
+{
+    if (option != MODE) {
+        return word != NAME && word != MODE;
+    }
+    const std::size_t sign = word[0] == '-' ? 1 : 0;
+    return std::isdigit(static_cast<unsigned char>(word[sign])) != 0;
+}
+
+} // namespace
+
+DriverCall read_driver_call(const Words& arguments)
+{
+    DriverCall call;
+    auto at = arguments.begin();
+    while (at != arguments.end() && (*at == PROJECT || *at == NAME || *at == MODE)) {
+        const std::string& option = *at++;
+        if (at == arguments.end() || !is_value(option, *at)) {
+            continue;
+        }
+        if (option == MODE) {
+            call.stub_mode = std::atoi(at->c_str());
+        } else {
+            (option == PROJECT ? call.project : call.name) = *at;
+        }
+        ++at;
+    }
+    if (at == arguments.end() || (*at)[0] == '-') {
+        notice("usage: %s -qmr_current_prj_path PROJECT -projectname NAME -qmr_coverage_stub_mold "
+               "MODE COMMAND...; lltwrapper calls it so",
+               program_name);
+        return call;
+    }
+    call.command.assign(at, arguments.end());
+    return call;
+}
+
+std::string hash_name(const Words& texts)
+{
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    const auto mix = [&](unsigned char byte) { hash = (hash ^ byte) * 0x100000001B3U; };
+    for (const std::string& text : texts) {
+        for (const char c : text) {
+            mix(static_cast<unsigned char>(c));
+        }
+        mix(0xFF); // where one text ends and the next begins
+    }
+    char digits[17];
+    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
+    return digits;
+}

@@ -1,0 +1,146 @@
+// A directory is filled under a temporary name and then takes its place; where an older one stands
+// (the same source compiled again), the two change places and the old one goes.
+#include "toolset/common/records.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_tree.h"
+#include "commonfunc/text_lines.h"
+#include "contract/object_record.h"
+#include "lltld/source_tab.h"
+#include "toolset/common/driver_call.h"
+#include "toolset/common/source_name.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <fcntl.h>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+[[noreturn]] void fail(const std::string& what, const std::string& path)
+{
+    throw std::runtime_error("cannot " + what + " '" + path + "': " + std::strerror(errno));
+}
+
+void make_directories(const std::string& path)
+{
+    for (std::size_t at = path.find('/', 1);; at = path.find('/', at + 1)) {
+        const std::string part = path.substr(0, at);
+        if (::mkdir(part.c_str(), 0777) != 0 && errno != EEXIST) {
+            fail("create", part);
+        }
+        if (at == path.npos) {
+            return;
+        }
+    }
+}
+
+/// The source's name in tables: symbol and extension, and for the runtime how many bytes at the end
+/// of the array join two runs by "or".
+std::string name_in_table(const Record& record)
+{
+    const std::string suffix = suffix_of(record.source);
+    const auto is_plain = [](unsigned char c) { return std::isalnum(c) != 0 || c == '+'; };
+    const bool is_usual =
+        !suffix.empty() && suffix.size() < 8 && std::all_of(suffix.begin(), suffix.end(), is_plain);
+    return record.symbol + "." + (is_usual ? suffix : "c") +
+           (record.or_bytes == 0 ? "" : ":" + std::to_string(record.or_bytes));
+}
+
+std::string table_record(const Record& record, SourceState state)
+{
+    _SOURCEFILE_OBJECT entry = {};
+    copy_bounded(entry.szName, name_in_table(record));
+    struct stat info = {};
+    if (state == SourceState::as_compiled && ::stat(record.source.c_str(), &info) == 0) {
+        entry.size = static_cast<std::uint32_t>(info.st_size);
+        entry.mtime = static_cast<std::uint32_t>(info.st_mtime);
+    }
+    entry.instnum = points_of_array(record.stub_mode, record.array_bytes);
+    return std::string(reinterpret_cast<const char*>(&entry), sizeof entry);
+}
+
+void write_whole(const std::string& path, const std::string& text)
+{
+    if (replace_file(path, text) != Writing::done) {
+        fail("write", path);
+    }
+}
+
+/// Gives the directory its name; one that has it already is removed.
+void move_into_place(const std::string& from, const std::string& to)
+{
+    if (::rename(from.c_str(), to.c_str()) == 0) {
+        return;
+    }
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_EXCHANGE) != 0) {
+        remove_tree(from);
+        fail("replace", to);
+    }
+    remove_tree(from);
+}
+
+} // namespace
+
+std::string symbol_of(const std::string& source, const std::vector<std::string>& texts)
+{
+    std::string name = base_name(source).substr(0, 14);
+    for (char& c : name) {
+        const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+        c = letter || (c >= '0' && c <= '9') ? c : '_';
+    }
+    if (name.empty() || (name[0] >= '0' && name[0] <= '9')) {
+        name.insert(0, 1, '_');
+    }
+    return name.substr(0, 14) + "_" + hash_name(texts);
+}
+
+std::int32_t points_of_array(int stub_mode, std::uint32_t bytes)
+{
+    switch (stub_mode) {
+    case 0:
+    case 4:
+    case 7:
+        return static_cast<std::int32_t>(8 * bytes); // bits
+    case 2:
+    case 6:
+    case 9:
+        return static_cast<std::int32_t>(bytes);
+    default:
+        return static_cast<std::int32_t>(bytes / 4);
+    }
+}
+
+std::vector<Record> records_of(std::string_view object)
+{
+    try {
+        return read_records(record_section(object));
+    } catch (const FormatError&) {
+        return {};
+    }
+}
+
+void leave_records(const std::string& area, const Record& record, const std::string& object,
+                   SourceState state)
+{
+    for (const char* part : {"/db", "/ini", "/obj/before"}) {
+        make_directories(area + part);
+    }
+    write_whole(area + "/obj/before/" + record.symbol, object);
+    write_whole(area + "/ini/" + record.symbol + ".ini",
+                "[StubFiles]\nStubFilePath1=" + record.source + "\nObjFilePath=" + record.object +
+                    "\n");
+    const std::string place = area + "/db/db" + record.symbol;
+    const std::string beside = area + "/db/." + record.symbol + "." + std::to_string(::getpid());
+    make_directories(beside);
+    write_whole(beside + "/.tab", table_record(record, state));
+    write_whole(beside + "/CompileCmd.txt", record.compile_command);
+    write_whole(beside + "/record", to_bytes(record));
+    move_into_place(beside, place);
+}

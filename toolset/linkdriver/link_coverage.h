@@ -1,0 +1,32 @@
+// What the inputs of a link bring along.
+#pragma once
+
+#include "lltld/object_scan.h"
+#include "toolset/linkdriver/archive_coverage.h"
+#include "toolset/linkdriver/link_command.h"
+
+#include <set>
+#include <string>
+#include <vector>
+
+/// A static library that registers itself.
+struct LinkedLibrary {
+    std::string path; ///< absolute
+    StubBuild build;
+    std::set<std::string> symbols; ///< coverage symbols
+};
+
+/// What has to do with coverage among the inputs.
+struct LinkCoverage {
+    std::vector<ScannedObject> objects;   ///< what the link's own stub has to register
+    std::set<std::string> modules;        ///< stubs in static libraries
+    std::vector<LinkedLibrary> libraries; ///< what is known of them
+    bool has_twins = false;               ///< two libraries define the same array or stub
+    std::size_t first = static_cast<std::size_t>(-1); ///< word of the first input concerned
+
+    /// No input has anything to do with coverage.
+    bool is_empty() const { return first == static_cast<std::size_t>(-1); }
+};
+
+/// Looks into every object and static library of the link.
+LinkCoverage find_coverage(const LinkCommand& link);

@@ -1,0 +1,207 @@
+// The coverage side never decides whether a link succeeds: where its work fails, the command runs
+// without it. Only objects that need counter arrays of unknown size cannot be linked any more, and
+// that is said.
+#include "toolset/linkdriver/link_driver.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "lltld/counter_mode.h"
+#include "toolset/common/process.h"
+#include "toolset/linkdriver/link_coverage.h"
+#include "toolset/linkdriver/link_file.h"
+#include "toolset/linkdriver/lost_records.h"
+#include "toolset/linkdriver/module_stub.h"
+#include "toolset/linkdriver/plain_functions.h"
+#include "toolset/linkdriver/source_step.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace
+{
+
+/// Set for everything that is run from here: the tool may call a wrapped linker itself.
+constexpr char GUARD[] = "LLTLD_RUNS";
+
+/// The static runtime: `LLTCOV_RUNTIME` (the file or its directory), or beside the program, as it
+/// is installed or in a build tree. Empty when it is not found.
+std::string find_runtime()
+{
+    constexpr char FILE[] = "/liblltcov_rt.a";
+    const std::string named = env_text("LLTCOV_RUNTIME");
+    const std::string own = program_directory();
+    const Words candidates = {named, named + FILE, own + "/../lib/lltcov" + FILE,
+                              own + "/lib/lltcov" + FILE, own + "/../runtime" + FILE};
+    for (const std::string& path : candidates) {
+        if (kind_of(path) == FileKind::archive) {
+            return absolute_path(path);
+        }
+    }
+    return "";
+}
+
+/// An option of the linker, for the tool of this command.
+std::string linker_option(const LinkCommand& link, const std::string& option)
+{
+    return (link.is_linker ? "" : "-Wl,") + option;
+}
+
+/// An input of the linker, whatever language a compiler driver was told to expect ("-x").
+void add_input(const LinkCommand& link, const std::string& path, Words& words)
+{
+    if (!link.is_linker) {
+        words.emplace_back("-Xlinker");
+    }
+    words.push_back(path);
+}
+
+/// The words go before the first input with coverage: there the tool certainly reads inputs, the
+/// libraries that they need come later, and the stub's destructor is one of the last to run.
+Words with_words(const LinkCommand& link, const LinkCoverage& coverage, const Words& added)
+{
+    Words words = link.words;
+    const std::size_t at = std::min(coverage.first, words.size());
+    words.insert(words.begin() + static_cast<std::ptrdiff_t>(at), added.begin(), added.end());
+    return words;
+}
+
+Words with_runtime(const LinkCommand& link, const LinkCoverage& coverage, const std::string& stub,
+                   const std::string& runtime)
+{
+    Words added;
+    if (!stub.empty()) {
+        add_input(link, stub, added);
+    }
+    // Inputs after the runtime need it too, so it is taken whether it is needed yet or not.
+    added.insert(added.end(), {"-u", "QMR_CreateCoverageListExt"});
+    const ArrayForm form = counter_mode(g_lxprj->stubmode).array;
+    if (form == ArrayForm::char_extern || form == ArrayForm::word_extern) {
+        // No member refers to an array of such a stub.
+        for (const std::string& module : coverage.modules) {
+            added.insert(added.end(), {"-u", "ZJ_Start_" + module});
+        }
+    }
+    add_input(link, runtime, added);
+    return with_words(link, coverage, added);
+}
+
+/// Without coverage, but with everything that the inputs refer to.
+int link_plainly(const LinkCommand& link, const LinkCoverage& coverage, const Streams& streams = {})
+{
+    const std::string plain = make_plain_object(coverage.objects, plain_functions(link));
+    Words added;
+    add_input(link, plain, added);
+    return plain.empty() ? 1 : run_program(with_words(link, coverage, added), streams);
+}
+
+bool was_interrupted(int status)
+{
+    return status > 128;
+}
+
+int link_with_coverage(const LinkCommand& link, const LinkCoverage& coverage,
+                       const std::string& stub, const std::string& runtime)
+{
+    Words words = with_runtime(link, coverage, stub, runtime);
+    const int status = run_program(words);
+    if (status == 0 || was_interrupted(status)) {
+        return status;
+    }
+    std::string text;
+    const Streams unseen = {nullptr, &text, &text};
+    if (coverage.has_twins) {
+        words.insert(words.begin() + static_cast<std::ptrdiff_t>(coverage.first),
+                     linker_option(link, "--allow-multiple-definition"));
+        if (run_program(words, unseen) == 0) {
+            notice(
+                "'%s' is linked all the same: two of its static libraries have the same coverage "
+                "symbols and are reported as part of it; give the libraries different names",
+                link.output.c_str());
+            return 0;
+        }
+    }
+    if (link_plainly(link, coverage, unseen) == 0) {
+        notice("'%s' is linked all the same, but reports no coverage: it does not link with the "
+               "runtime '%s', see above",
+               link.output.c_str(), runtime.c_str());
+        return 0;
+    }
+    return status;
+}
+
+/// The link when no stub or runtime can be had.
+int link_without_coverage(const LinkCommand& link, const LinkCoverage& coverage, bool has_area,
+                          const char* reason)
+{
+    if (has_area && link_plainly(link, coverage) == 0) {
+        notice("'%s' reports no coverage: %s", link.output.c_str(), reason);
+        return 0;
+    }
+    notice("'%s' is linked without coverage: %s; its instrumented objects refer to counter arrays "
+           "that nothing defines, so compile them again, or without lltcc",
+           link.output.c_str(), reason);
+    return run_program(link.words);
+}
+
+int link_module(const LinkCommand& link, const LinkCoverage& coverage, const std::string& name)
+{
+    if (name.empty() || !choose_work_area(name, link.output, coverage.modules)) {
+        return link_without_coverage(link, coverage, false, "its work area cannot be created");
+    }
+    if (!link.has_c_library) {
+        return link_without_coverage(link, coverage, true, "the runtime needs a C library (-lc)");
+    }
+    const std::string runtime = find_runtime();
+    if (runtime.empty()) {
+        return link_without_coverage(link, coverage, true,
+                                     "liblltcov_rt.a is not found, set LLTCOV_RUNTIME");
+    }
+    record_libraries(coverage.libraries);
+    restore_lost_records(link, coverage);
+    std::string stub;
+    if (!coverage.objects.empty()) {
+        stub = make_stub(coverage.objects);
+        if (stub.empty()) {
+            const std::string log = env_text("LLTWRAPPER_LOG");
+            const std::string reason =
+                "its stub could not be made, see " + (log.empty() ? "above" : "'" + log + "'");
+            return link_without_coverage(link, coverage, true, reason.c_str());
+        }
+    }
+    return link_with_coverage(link, coverage, stub, runtime);
+}
+
+} // namespace
+
+int drive_link(int argc, char** argv)
+{
+    const DriverCall call = read_driver_call(Words(argv + 1, argv + argc));
+    if (call.command.empty()) {
+        return 2;
+    }
+    log_output();
+    const bool is_nested = std::getenv(GUARD) != nullptr;
+    ::setenv(GUARD, "1", 1);
+    ::unsetenv("LLT_WRAP");
+    LinkCommand link = read_link_command(call.command);
+    if (is_nested || !link.links || link.is_relocatable) {
+        return become_program(call.command);
+    }
+    LinkCoverage coverage = find_coverage(link);
+    if (coverage.is_empty() && link.sources.empty()) {
+        return become_program(call.command);
+    }
+    if (!call.project.empty()) {
+        ::setenv("qmr_current_prj_path", call.project.c_str(), 0);
+        ::setenv("qmr_coverage_stub_mold", std::to_string(call.stub_mode).c_str(), 0);
+    }
+    if (!load_settings()) {
+        return link_without_coverage(link, coverage, false,
+                                     "its project is not known, set qmr_current_prj_path");
+    }
+    if (!link.sources.empty()) {
+        link = compile_sources(call, link);
+        coverage = find_coverage(link);
+    }
+    return coverage.is_empty() ? become_program(link.words)
+                               : link_module(link, coverage, call.name);
+}

@@ -1,0 +1,105 @@
+// Linker scripts may stand in the place of a library: "INPUT(b.o -lm)", "GROUP ( libb.a )", with
+// AS_NEEDED ( ... ) inside. Words are separated by white space or commas; see "Commands Dealing
+// with Files" in the manual of GNU ld.
+#include "toolset/linkdriver/link_file.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <sys/stat.h>
+
+namespace
+{
+
+constexpr char ELF_MAGIC[] = {0x7f, 'E', 'L', 'F'};
+constexpr std::size_t ELF_BYTE_ORDER = 5; ///< 1 or 2: little or big endian
+constexpr std::size_t ELF_TYPE = 16;      ///< two bytes, 1 for a relocatable object
+
+/// The script's words; a parenthesis is one of its own.
+std::vector<std::string> tokens_of(const std::string& text)
+{
+    std::vector<std::string> tokens = {""};
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (text.compare(i, 2, "/*") == 0) {
+            i = std::min(text.find("*/", i + 2), text.size() - 2) + 1;
+            tokens.emplace_back();
+        } else if (c == '(' || c == ')') {
+            tokens.emplace_back(1, c);
+            tokens.emplace_back();
+        } else if (std::string(" \t\r\n,;").find(c) != std::string::npos) {
+            tokens.emplace_back();
+        } else if (c != '"') {
+            tokens.back() += c;
+        }
+    }
+    return tokens;
+}
+
+} // namespace
+
+FileKind kind_of(const std::string& path)
+{
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return FileKind::missing;
+    }
+    std::FILE* const file = std::fopen(path.c_str(), "rbe");
+    unsigned char start[ELF_TYPE + 2] = {};
+    if (file != nullptr) {
+        std::fread(start, 1, sizeof start, file);
+        std::fclose(file);
+    }
+    const auto begins_with = [&](const char* magic, std::size_t size) {
+        return std::memcmp(start, magic, size) == 0;
+    };
+    if (begins_with("!<arch>\n", 8) || begins_with("!<thin>\n", 8)) {
+        return FileKind::archive;
+    }
+    if (begins_with(ELF_MAGIC, sizeof ELF_MAGIC)) {
+        const std::size_t low = start[ELF_BYTE_ORDER] == 2 ? 1 : 0;
+        const int type = start[ELF_TYPE + low] + 256 * start[ELF_TYPE + 1 - low];
+        return type == 1 ? FileKind::object : FileKind::image;
+    }
+    return begins_with("BC\xC0\xDE", 4) ? FileKind::object : FileKind::text;
+}
+
+std::string find_library(const std::string& name, bool is_static,
+                         const std::vector<std::string>& directories)
+{
+    std::vector<std::string> files = {"lib" + name + ".so", "lib" + name + ".a"};
+    if (name[0] == ':') {
+        files = {name.substr(1)};
+    } else if (is_static) {
+        files = {files[1]};
+    }
+    for (const std::string& directory : directories) {
+        for (const std::string& file : files) {
+            std::string path = directory + "/" + file;
+            if (!directory.empty() && kind_of(path) != FileKind::missing) {
+                return path;
+            }
+        }
+    }
+    return "";
+}
+
+std::vector<std::string> inputs_of_script(const std::string& text)
+{
+    std::vector<std::string> inputs;
+    std::string command;
+    int depth = 0;
+    for (const std::string& token : tokens_of(text)) {
+        if (token == "(") {
+            ++depth;
+        } else if (token == ")") {
+            depth -= depth > 0 ? 1 : 0;
+        } else if (depth == 0 && !token.empty()) {
+            command = token;
+        } else if (!token.empty() && token != "AS_NEEDED" &&
+                   (command == "INPUT" || command == "GROUP")) {
+            inputs.push_back(token);
+        }
+    }
+    return inputs;
+}

@@ -1,0 +1,79 @@
+// Looked for only when something is missing: objects are large, and records are rarely lost.
+#include "toolset/linkdriver/lost_records.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "lltld/archive_file.h"
+#include "lltld/cov_paths.h"
+#include "lltld/linuxfunc.h"
+#include "toolset/common/process.h"
+#include "toolset/common/records.h"
+#include "toolset/linkdriver/archive_coverage.h"
+
+#include <stdexcept>
+
+namespace
+{
+
+bool has_records(const std::string& symbol)
+{
+    return QMRFileExists(temp_tab_path(symbol.c_str()).c_str()) != 0 &&
+           QMRFileExists(temp_ini_path(symbol.c_str()).c_str()) != 0;
+}
+
+std::set<std::string> lost_symbols(const LinkCoverage& coverage)
+{
+    std::set<std::string> lost;
+    const auto look_at = [&](const std::string& symbol) {
+        if (!has_records(symbol)) {
+            lost.insert(symbol);
+        }
+    };
+    for (const ScannedObject& object : coverage.objects) {
+        for (const CoverageSymbol& symbol : object.symbols) {
+            look_at(symbol.name);
+        }
+    }
+    for (const LinkedLibrary& library : coverage.libraries) {
+        for (const std::string& symbol : library.symbols) {
+            look_at(symbol);
+        }
+    }
+    return lost;
+}
+
+void restore_from(const std::string& object, const std::set<std::string>& lost)
+{
+    for (const Record& record : records_of(object)) {
+        if (lost.count(record.symbol) != 0) {
+            try {
+                leave_records(std::string(g_lxprj->szLLTTEMP) + "/codemeasure", record, object,
+                              SourceState::unknown);
+            } catch (const std::runtime_error& error) {
+                notice("the records of '%s' are lost: %s", record.source.c_str(), error.what());
+            }
+        }
+    }
+}
+
+} // namespace
+
+void restore_lost_records(const LinkCommand& link, const LinkCoverage& coverage)
+{
+    const std::set<std::string> lost = lost_symbols(coverage);
+    if (lost.empty()) {
+        return;
+    }
+    std::string content;
+    for (const LinkInput& input : link.objects) {
+        if (read_whole_file(input.path, content) == Reading::done) {
+            restore_from(content, lost);
+        }
+    }
+    for (const LinkInput& input : link.archives) {
+        if (read_whole_file(input.path, content) == Reading::done) {
+            for_each_member(input.path, read_archive_file(content), [&](std::string_view member) {
+                restore_from(std::string(member), lost);
+            });
+        }
+    }
+}

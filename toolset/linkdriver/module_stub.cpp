@@ -1,0 +1,178 @@
+// The same road as an archive step takes, on the objects of a link, and with the stub in the form
+// for programs. All arrays are weak: an object may be in a static library as well, whose own stub
+// defines the same array.
+#include "toolset/linkdriver/module_stub.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_tree.h"
+#include "lltld/covlinktool.h"
+#include "lltld/linuxfunc.h"
+#include "toolset/common/process.h"
+#include "toolset/counters/counter_text.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace
+{
+
+/// Work areas of one name that are looked at.
+constexpr int MAX_AREAS = 1000;
+/// Bytes of a module name that are used.
+constexpr std::size_t NAME_LENGTH = 200;
+
+/// NAME.so or NAME.so.1.2.
+bool names_shared_library(const std::string& output)
+{
+    const std::string name = base_name(output);
+    const std::size_t at = name.find(".so");
+    return at != name.npos && (at + 3 == name.size() || name[at + 3] == '.');
+}
+
+/// The output whose work area this is; empty when it has none or that output is gone.
+std::string owner_of_area()
+{
+    const std::string owner = output_of_work_area();
+    return QMRFileExists(owner.c_str()) != 0 ? owner : "";
+}
+
+/// As `clear_work_area` does it, without a shell: a build links many programs.
+void empty_work_area()
+{
+    const std::string area = g_lxprj->szCovDictPath;
+    remove_entries(area + "/db", "db");
+    remove_entries(area + "/obj/before", "");
+    remove_entries(area + "/ini", "");
+}
+
+/// Position-independent, for it may go into a shared library; kernel code cannot be. It runs once.
+std::string stub_options(const std::string& command)
+{
+    const bool is_kernel = command.find("-mcmodel=kernel") != command.npos;
+    return std::string(is_kernel ? "" : " -fPIC") + " -O0 -g0 -fno-lto -w";
+}
+
+/// The module's recorded compile command, made fit for the stub.
+bool adapt_compile_command()
+{
+    const std::string header = std::string(g_lxprj->szCovDictPath) + "/obj/weak_arrays.h";
+    std::string pragmas;
+    for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
+        pragmas += std::string("#pragma weak g_QMRCovData_") + node->szInstFileName + "\n";
+    }
+    const std::string command = g_lxprj->strCompileCmd + stub_options(g_lxprj->strCompileCmd) +
+                                " -include " + shell_word(header);
+    return replace_file(header, pragmas) == Writing::done &&
+           replace_file(compile_command_path(), command) == Writing::done;
+}
+
+/// The definition of a symbol's counter array, as bytes; empty when its size is not known. 8 bytes
+/// per point are enough in every stub mode.
+std::string plain_array(const std::string& symbol)
+{
+    _SOURCEFILE_TAB table;
+    std::string line;
+    if (QMRFileExists(temp_tab_path(symbol.c_str()).c_str()) != 0 &&
+        GetOneSourceFileTabInfo2(temp_tab_path(symbol.c_str()).c_str(), &table) != 0 &&
+        table.elementcount > 0) {
+        const std::int64_t bytes = std::max(table.objlist->instnum, 1) * std::int64_t{8};
+        line = "__attribute__((weak, aligned(" + std::to_string(ARRAY_ALIGNMENT) +
+               "))) char g_QMRCovData_" + symbol + "[" + std::to_string(bytes) + "];\n";
+    }
+    release_table(table);
+    return line;
+}
+
+} // namespace
+
+bool load_settings()
+{
+    return Caddis_LD_Initial() != 0 && g_lxprj->szCovDictPath[0] != '\0';
+}
+
+bool choose_work_area(const std::string& wanted, const std::string& output,
+                      const std::set<std::string>& taken)
+{
+    LinuxPrjItem& prj = *g_lxprj;
+    const std::string root = prj.szCovDictPath;
+    const std::string name =
+        wanted.substr(0, NAME_LENGTH) + (names_shared_library(output) ? "_so" : "_exe");
+    copy_bounded(prj.szObjFile, absolute_path(output));
+    for (int number = 1; number <= MAX_AREAS; ++number) {
+        const std::string candidate = number == 1 ? name : name + "_" + std::to_string(number);
+        if (taken.count(candidate) != 0) {
+            continue;
+        }
+        if (!enter_work_area(root, candidate)) {
+            return false;
+        }
+        const std::string owner = owner_of_area();
+        if (owner.empty() || owner == prj.szObjFile) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void record_libraries(const std::vector<LinkedLibrary>& libraries)
+{
+    std::string text = "lltlibraries 1\n";
+    for (const LinkedLibrary& library : libraries) {
+        if (!library.build.buid.empty()) {
+            text += "library " + library.path + "\narea " + library.build.area + "\nbuid " +
+                    library.build.buid + "\n";
+            for (const std::string& symbol : library.symbols) {
+                text += "symbol " + symbol + "\n";
+            }
+        }
+    }
+    replace_file(std::string(g_lxprj->szCovDictPath) + "/libraries.txt", text);
+}
+
+std::string make_stub(const std::vector<ScannedObject>& objects)
+{
+    empty_work_area();
+    if (register_scanned_objects(objects) == 0 || !update_tuple_database() ||
+        TidyCoverageDB() == 0 || !adapt_compile_command()) {
+        return "";
+    }
+    const std::string stub = stub_object_path();
+    std::remove(stub.c_str());
+    const bool made = Caddis_Coverage_CreateCovInitCodeFile() != 0;
+    return made && QMRFileExists(stub.c_str()) != 0 ? stub : "";
+}
+
+std::string make_plain_object(const std::vector<ScannedObject>& objects,
+                              const std::string& functions)
+{
+    std::string source = functions;
+    for (const ScannedObject& object : objects) {
+        for (const CoverageSymbol& symbol : object.symbols) {
+            const std::string line = plain_array(symbol.name);
+            if (line.empty()) {
+                notice(
+                    "'%s' needs a counter array of unknown size: its record '%s' is gone; compile "
+                    "it again",
+                    object.path.c_str(), temp_tab_path(symbol.name.c_str()).c_str());
+                return "";
+            }
+            if (source.find(line) == source.npos) {
+                source += line;
+            }
+        }
+    }
+    const std::string path = std::string(g_lxprj->szCovDictPath) + "/obj/plain_arrays";
+    if (replace_file(path + ".c", source) != Writing::done) {
+        return "";
+    }
+    // The recorded command may be what is wrong.
+    for (const std::string& command : {g_lxprj->strCompileCmd, std::string("cc")}) {
+        if (!command.empty() &&
+            run_helper(command + stub_options(command) + " -c " + shell_word(path + ".c") + " -o " +
+                       shell_word(path + ".o")) == 0) {
+            return path + ".o";
+        }
+    }
+    return "";
+}

@@ -1,0 +1,33 @@
+// The module of a link: its work area, its database, and its registration stub.
+#pragma once
+
+#include "toolset/linkdriver/link_coverage.h"
+
+#include <set>
+#include <string>
+#include <vector>
+
+/// Loads the project settings. False when the project path is not known.
+bool load_settings();
+
+/// Chooses the module's name and takes its work area PROJECT/NAME/codemeasure until the program
+/// ends. The name is `wanted` with "_so" after it for a shared library, else "_exe": a static
+/// library of the same stem has the work area without a suffix, and a program that is built in the
+/// project's folder itself takes that place. Where another output has the work area, or a library
+/// of this link (`taken`) has a module of that name, "_2", "_3" and so on follow.
+bool choose_work_area(const std::string& wanted, const std::string& output,
+                      const std::set<std::string>& taken);
+
+/// Lists the libraries in the work area: a later build of another library of the same name takes
+/// their work areas, and their runs are told by this list alone.
+void record_libraries(const std::vector<LinkedLibrary>& libraries);
+
+/// Brings the work area up to date with these objects and compiles the stub that registers their
+/// counters. Returns the stub object, or an empty path after the library's messages.
+std::string make_stub(const std::vector<ScannedObject>& objects);
+
+/// An object of the counter arrays of these objects and of `functions`, a text that takes the
+/// runtime's place, so that a link succeeds where the runtime cannot be. Needs the work area.
+/// Returns its path, or an empty path when a size is not known or it does not compile.
+std::string make_plain_object(const std::vector<ScannedObject>& objects,
+                              const std::string& functions);

@@ -1,0 +1,146 @@
+// A failure leaves no object; the driver role then sees the reason and repeats the compile without
+// counters. The section of the record is left out of links (flag "e"), and a source without code
+// has a record too: it shows that this assembler made the object.
+#include "toolset/lltcc/assembler.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "toolset/common/driver_call.h"
+#include "toolset/common/records.h"
+#include "toolset/counters/counter_text.h"
+#include "toolset/lltcc/handover.h"
+
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Part of every symbol: another one makes new symbols for all sources.
+constexpr const char* FORMAT_VERSION = "lltcc 2";
+
+/// The stamp in the compiler's notes is another one in each compile: the word after magic and
+/// version. Data files are given the same.
+constexpr std::size_t STAMP_AT = 8;
+constexpr std::size_t STAMP_SIZE = 4;
+
+/// The assembler's own command line.
+struct AssemblerCall {
+    Words options;     ///< everything but the input
+    std::string input; ///< empty for standard input
+};
+
+AssemblerCall read_call(const Words& arguments)
+{
+    AssemblerCall call;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& word = arguments[i];
+        const bool has_value =
+            is_one_of(word, {"-o", "-I", "--defsym", "--debug-prefix-map", "--MD"});
+        if (has_value && i + 1 < arguments.size()) {
+            call.options.push_back(word);
+            call.options.push_back(arguments[++i]);
+        } else if (!word.empty() && word[0] != '-') {
+            call.input = word;
+        } else if (word != "-" && word != "--") {
+            call.options.push_back(word);
+        }
+    }
+    return call;
+}
+
+std::string content_of_path(const std::string& path)
+{
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        throw NotInstrumentable("cannot read '" + path + "': " + std::strerror(errno));
+    }
+    std::string text = content_of(file);
+    ::close(file);
+    return text;
+}
+
+bool object_defines_array(int stub_mode)
+{
+    return stub_mode == 5 || (stub_mode >= 7 && stub_mode <= 9);
+}
+
+/// Joins what the driver knows and what the text says.
+Record complete_record(const HandedOver& job, const CounterText& text, std::string notes)
+{
+    Record record = text.record;
+    record.source = job.begun.source;
+    record.object = job.begun.object;
+    record.stub_mode = job.begun.stub_mode;
+    record.compile_command = job.begun.compile_command;
+    record.path_maps = job.begun.path_maps;
+    record.compiler = job.begun.compiler;
+    record.reader = job.begun.reader;
+    if (notes.size() >= STAMP_AT + STAMP_SIZE) {
+        notes.replace(STAMP_AT, STAMP_SIZE, STAMP_SIZE, '\0');
+    }
+    record.notes = std::move(notes);
+    record.symbol = "-";
+    record.symbol =
+        symbol_of(record.source, {FORMAT_VERSION, to_bytes(record), with_array(text, "")});
+    return record;
+}
+
+/// The directives that make the array known, and put the record into a section of its own.
+std::string head_and_record(const Record& record, int record_file)
+{
+    std::string text;
+    if (record.array_bytes != 0) {
+        const std::string array = "g_QMRCovData_" + record.symbol;
+        text = "\t.hidden\t" + array + "\n";
+        if (object_defines_array(record.stub_mode)) {
+            text += "\t.comm\t" + array + "," + std::to_string(record.array_bytes) + "," +
+                    std::to_string(ARRAY_ALIGNMENT) + "\n";
+        }
+    }
+    return text + "\t.section\t" + RECORD_SECTION + ",\"e\",%progbits\n\t.incbin\t\"/proc/" +
+           std::to_string(::getpid()) + "/fd/" + std::to_string(record_file) + "\"\n\t.text\n";
+}
+
+int assemble(const HandedOver& job, const AssemblerCall& call)
+{
+    const std::string text =
+        call.input.empty() ? content_of_path("/dev/stdin") : content_of_path(call.input);
+    const bool is_clang = job.begun.compiler == CounterSource::clang;
+    const CounterText counters = is_clang ? read_clang_text(text) : read_gcc_text(text);
+    const bool is_counted = counters.record.array_bytes != 0;
+    const Record record =
+        complete_record(job, counters, is_clang || !is_counted ? "" : content_of_path(job.notes));
+    const int record_file = anonymous_file(to_bytes(record));
+    const std::string input = head_and_record(record, record_file) +
+                              with_array(counters, "g_QMRCovData_" + record.symbol);
+    Words command = call.options;
+    command.insert(command.begin(), job.assembler);
+    std::string errors;
+    if (run_program(command, {&input, nullptr, &errors}) != 0) {
+        throw NotInstrumentable("the assembler does not take the counters");
+    }
+    std::fputs(errors.c_str(), stderr);
+    return 0;
+}
+
+} // namespace
+
+int run_assembler(const Words& arguments)
+{
+    const HandedOver job = handed_over();
+    try {
+        return assemble(job, read_call(arguments));
+    } catch (const std::exception& error) {
+        const std::string why = error.what();
+        const int file = ::open(job.trouble.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+        const bool is_told =
+            file >= 0 && ::write(file, why.data(), why.size()) == static_cast<ssize_t>(why.size());
+        if (!is_told) {
+            notice("%s", why.c_str());
+            return 1;
+        }
+        return 0; // of a failure the compiler would tell, before it is clear that it is one
+    }
+}

@@ -1,0 +1,210 @@
+// The compiler tells by its own "-v" who it is and where its headers are. The answer is a file per
+// compiler and target, since every compile of a build asks.
+#include "toolset/lltcc/compiler.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "toolset/common/driver_call.h"
+
+#include <climits>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Part of every answer's name: another one asks all compilers again.
+constexpr const char* FORMAT_VERSION = "compiler 4";
+
+/// The program that a shell would run.
+std::string program_of(const std::string& word)
+{
+    if (word.find('/') != word.npos) {
+        return word;
+    }
+    std::istringstream path(env_text("PATH"));
+    for (std::string directory; std::getline(path, directory, ':');) {
+        std::string program = (directory.empty() ? "." : directory) + "/" + word;
+        if (::access(program.c_str(), X_OK) == 0) {
+            return program;
+        }
+    }
+    return word;
+}
+
+std::string resolved(const std::string& path)
+{
+    char real[PATH_MAX] = {};
+    return ::realpath(path.c_str(), real) != nullptr ? real : path;
+}
+
+/// A program beside the compiler, under its name with the last "gcc", "g++", ... replaced.
+std::string beside(const std::string& compiler, const std::string& tool)
+{
+    const std::size_t start = compiler.rfind('/') + 1;
+    for (const std::string own : {"gcc", "g++", "cc", "c++"}) {
+        const std::size_t at = compiler.rfind(own);
+        if (at != compiler.npos && at >= start) {
+            std::string path = compiler;
+            path.replace(at, own.size(), tool);
+            return ::access(path.c_str(), X_OK) == 0 ? path : "";
+        }
+    }
+    return "";
+}
+
+/// The folder as the beginning of a path, in the compiler's regular expressions.
+std::string as_expression(const std::string& folder)
+{
+    std::string out = "^";
+    for (const char c : folder) {
+        out.append(std::string_view("\\^$.|?*+()[]{}").find(c) != std::string_view::npos, '\\');
+        out += c;
+    }
+    return out + "/";
+}
+
+/// Reads what "-v" has printed.
+Compiler read_answer(const std::string& answer)
+{
+    Compiler compiler;
+    bool in_list = false;
+    std::istringstream lines(answer);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t version = line.find(" version ");
+        if (begins_with(line, "gcc version ")) {
+            compiler.kind = Compiler::Kind::gcc;
+            compiler.major = std::atoi(line.c_str() + 12);
+        } else if (line.find("clang version ") != line.npos) {
+            compiler.kind = Compiler::Kind::clang;
+            compiler.major = std::atoi(line.c_str() + version + 9);
+        } else if (begins_with(line, "#include ")) {
+            in_list = true;
+        } else if (begins_with(line, "End of search list")) {
+            in_list = false;
+        } else if (in_list && line[0] == ' ') {
+            compiler.headers +=
+                (compiler.headers.empty() ? "" : ";") + as_expression(line.substr(1));
+        }
+    }
+    return compiler;
+}
+
+/// The words that choose the compiler's target and headers, the compiler first.
+Words query_of(const CompileCommand& command)
+{
+    Words words = {command.kept[0]};
+    for (std::size_t i = 1; i < command.kept.size(); ++i) {
+        const std::string& word = command.kept[i];
+        const bool is_option = !word.empty() && word[0] == '-';
+        if (!is_option || begins_with(word, "-m") || begins_with(word, "--") ||
+            is_one_of(word, {"-target", "-isysroot", "-idirafter", "-arch"}) ||
+            begins_with(word, "-B")) {
+            words.push_back(word); // one that is no option is the value of the option before
+        }
+    }
+    return words;
+}
+
+/// The call that answers in English, and names no folders of the user's as the compiler's own.
+Words asking(const Words& query)
+{
+    Words words = {"env",
+                   "-u",
+                   "CPATH",
+                   "-u",
+                   "C_INCLUDE_PATH",
+                   "-u",
+                   "CPLUS_INCLUDE_PATH",
+                   "-u",
+                   "DEPENDENCIES_OUTPUT",
+                   "-u",
+                   "SUNPRO_DEPENDENCIES",
+                   "LC_ALL=C"};
+    words.insert(words.end(), query.begin(), query.end());
+    return words;
+}
+
+/// The assembler by its path, or as a name to be found through PATH.
+std::string assembler_of(const Words& compiler)
+{
+    Words query = asking(compiler);
+    query.emplace_back("-print-prog-name=as");
+    std::string answer;
+    std::string unused;
+    run_program(query, {nullptr, &answer, &unused});
+    answer.erase(answer.find_last_not_of("\r\n") + 1);
+    return answer.empty() ? "as" : answer;
+}
+
+Compiler ask(const Words& query, const std::string& program)
+{
+    std::string answer;
+    for (const char* language : {"c++", "c"}) {
+        Words words = asking(query);
+        words.insert(words.end(), {"-E", "-v", "-x", language, "/dev/null"});
+        std::string unused;
+        if (run_program(words, {nullptr, &unused, &answer}) == 0) {
+            break;
+        }
+    }
+    Compiler compiler = read_answer(answer);
+    const std::string real = resolved(program);
+    if (compiler.kind == Compiler::Kind::gcc) {
+        const std::string reader = beside(program, "gcov");
+        compiler.reader = reader.empty() ? beside(real, "gcov") : reader;
+    } else if (compiler.kind == Compiler::Kind::clang) {
+        compiler.reader = real.substr(0, real.rfind('/'));
+    }
+    compiler.assembler = assembler_of(query);
+    return compiler;
+}
+
+/// The answer as lines, and back; false when the text is not whole.
+std::string to_text(const Compiler& compiler)
+{
+    return std::to_string(static_cast<int>(compiler.kind)) + "\n" + std::to_string(compiler.major) +
+           "\n" + compiler.headers + "\n" + compiler.reader + "\n" + compiler.assembler + "\nend\n";
+}
+
+bool from_text(const std::string& text, Compiler& compiler)
+{
+    std::istringstream in(text);
+    int kind = 0;
+    std::string end;
+    in >> kind >> compiler.major;
+    in.ignore();
+    std::getline(in, compiler.headers);
+    std::getline(in, compiler.reader);
+    std::getline(in, compiler.assembler);
+    std::getline(in, end);
+    compiler.kind = static_cast<Compiler::Kind>(kind);
+    return end == "end";
+}
+
+} // namespace
+
+Compiler know_compiler(const std::string& area, const CompileCommand& command)
+{
+    const Words query = query_of(command);
+    const std::string program = program_of(query[0]);
+    Words key = query;
+    struct stat info = {};
+    ::stat(program.c_str(), &info);
+    key.insert(key.end(), {FORMAT_VERSION, program, std::to_string(info.st_size),
+                           std::to_string(info.st_mtim.tv_sec), std::to_string(info.st_ino)});
+    const std::string folder = area + "/compilers";
+    const std::string path = folder + "/" + hash_name(key);
+    Compiler compiler;
+    std::string text;
+    if (read_whole_file(path, text) == Reading::done && from_text(text, compiler)) {
+        return compiler;
+    }
+    compiler = ask(query, program);
+    std::error_code unused;
+    std::filesystem::create_directories(folder, unused);
+    replace_file(path, to_text(compiler));
+    return compiler;
+}

@@ -1,0 +1,101 @@
+// gcc.specs reads LLTCC_NOTES and LLTCC_EXCLUDE; it has to add a text to each, so that the notes
+// are a file whose number ends in 0.
+#include "toolset/lltcc/handover.h"
+
+#include "commonfunc/Caddis_func.h"
+#include "toolset/common/process.h"
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr const char* RECORD = "LLTCC_RECORD";
+constexpr const char* NOTES = "LLTCC_NOTES";
+constexpr const char* EXCLUDE = "LLTCC_EXCLUDE";
+constexpr const char* TROUBLE = "LLTCC_TROUBLE";
+constexpr const char* ASSEMBLER = "LLTCC_ASSEMBLER";
+constexpr const char* CACHE_KEY = "CCACHE_EXTRAFILES";
+
+std::string path_of(int file)
+{
+    return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(file);
+}
+
+/// A file without a name whose descriptor ends in 0.
+int notes_file()
+{
+    const int file = anonymous_file("");
+    for (int number = 10; file >= 0; number += 10) {
+        if (::fcntl(number, F_GETFD) < 0) {
+            const int moved = ::dup3(file, number, O_CLOEXEC);
+            ::close(file);
+            return moved;
+        }
+    }
+    return file;
+}
+
+} // namespace
+
+Handover::Handover(const Record& begun, const std::string& headers, const std::string& assembler)
+    : notes_(notes_file()), trouble_(anonymous_file("")),
+      key_(anonymous_file(to_bytes(begun) + headers))
+{
+    if (notes_ < 0 || trouble_ < 0 || key_ < 0) {
+        throw std::runtime_error("no more files can be opened");
+    }
+    const std::string notes = path_of(notes_);
+    set(RECORD, to_bytes(begun));
+    set(NOTES, notes.substr(0, notes.size() - 1));
+    set(EXCLUDE, headers);
+    set(TROUBLE, path_of(trouble_));
+    set(ASSEMBLER, assembler);
+    const std::string others = env_text(CACHE_KEY);
+    set(CACHE_KEY,
+        (others.empty() ? "" : others + ":") + program_directory() + "/lltcc:" + path_of(key_));
+    // What sends compiles elsewhere, also in front of a cache or under the compiler's name.
+    set("CCACHE_PREFIX", "");
+    set("DISTCC_HOSTS", "localhost");
+    set("ICECC", "no");
+}
+
+void Handover::set(const char* name, const std::string& value)
+{
+    const char* const before = std::getenv(name);
+    before_.emplace_back(name,
+                         before != nullptr ? std::optional<std::string>(before) : std::nullopt);
+    ::setenv(name, value.c_str(), 1);
+}
+
+std::string Handover::trouble() const
+{
+    return content_of(trouble_);
+}
+
+Handover::~Handover()
+{
+    for (const auto& [name, value] : before_) {
+        value ? ::setenv(name, value->c_str(), 1) : ::unsetenv(name);
+    }
+    ::close(notes_);
+    ::close(trouble_);
+    ::close(key_);
+}
+
+HandedOver handed_over()
+{
+    HandedOver out;
+    const char* const record = std::getenv(RECORD);
+    if (record == nullptr) {
+        throw std::runtime_error("this is lltcc in the place of an assembler: only lltcc calls it");
+    }
+    out.begun = read_records(record).at(0);
+    out.notes = env_text(NOTES) + "0";
+    out.trouble = env_text(TROUBLE);
+    out.assembler = env_text(ASSEMBLER);
+    return out;
+}

@@ -1,0 +1,28 @@
+// lltcc: instrumenting compiler driver. One program in three roles: `lltcc` stands in front of the
+// compiler, under the name `as` it is what that compiler takes for its assembler, and `lltcc -stub`
+// compiles registration stubs.
+#include "commonfunc/path_name.h"
+#include "toolset/lltcc/assembler.h"
+#include "toolset/lltcc/driver.h"
+#include "toolset/lltcc/stub_role.h"
+
+#include <exception>
+
+const char* const program_name = "lltcc";
+
+int main(int argc, char** argv)
+{
+    try {
+        const Words arguments(argv + 1, argv + argc);
+        if (base_name(argv[0]) == "as") {
+            return run_assembler(arguments);
+        }
+        if (argc > 2 && arguments[0] == STUB_ROLE) {
+            return run_stub_compile(Words(arguments.begin() + 1, arguments.end()));
+        }
+        return run_driver(arguments);
+    } catch (const std::exception& error) {
+        notice("%s", error.what());
+        return 1;
+    }
+}
