@@ -52,8 +52,8 @@ int QMRCreateDirectory(const char* path)
 int DeleteAllFilesInDirectory(const char* path)
 {
     if (*path == '\0') {
-        warn("will not clear a directory without a name: that would be the root directory; check "
-             "'qmr_current_prj_path'");
+        warn(
+            "will not clear a directory without a name: that would be the root directory; check 'qmr_current_prj_path'");
         return 0;
     }
     const std::string command = "rm -rf " + shell_word(path) + "/*";

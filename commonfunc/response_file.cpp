@@ -62,9 +62,9 @@ void add_word(const std::string& word, int& files, std::vector<std::string>& out
         return;
     }
     if (++files == MAX_FILES) {
-        warn("more than %d response files: what further ones name is not inspected; does '%s' name "
-             "itself?",
-             MAX_FILES, word.c_str());
+        warn(
+            "more than %d response files: what further ones name is not inspected; does '%s' name itself?",
+            MAX_FILES, word.c_str());
     }
     for (const std::string& inner : words_of(text)) {
         add_word(inner, files, out);

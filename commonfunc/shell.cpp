@@ -47,9 +47,9 @@ int run_from_file(const std::string& command)
         path = write_command_file("/tmp", command);
     }
     if (path.empty()) {
-        warn("cannot write the command of %zu bytes to a file in /tmp: %s; make room there or set "
-             "TMPDIR",
-             command.size(), std::strerror(errno));
+        warn(
+            "cannot write the command of %zu bytes to a file in /tmp: %s; make room there or set TMPDIR",
+            command.size(), std::strerror(errno));
         return -1;
     }
     const int status = std::system(("exec /bin/sh " + shell_word(path)).c_str());

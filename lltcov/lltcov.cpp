@@ -46,10 +46,12 @@ void print_help(std::FILE* out)
     for (const Command& command : COMMANDS) {
         std::fprintf(out, "  %s %s\n      %s\n", command.name, command.operands, command.purpose);
     }
-    std::fputs("\nThe project is the one of --project, else of qmr_current_prj_path, else the "
-               "current\nfolder. Exit status: 0, 1 when something was found or failed, 2 for a "
-               "wrong call.\nSee lltcov(1).\n",
-               out);
+    std::fputs(
+        "\n"
+        "The project is the one of --project, else of qmr_current_prj_path, else the current\n"
+        "folder. Exit status: 0, 1 when something was found or failed, 2 for a wrong call.\n"
+        "See lltcov(1).\n",
+        out);
 }
 
 void print_usage(std::FILE* out, const Command& command)

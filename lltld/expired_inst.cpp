@@ -11,9 +11,9 @@ void DeleteInstInfoFromLLTTEMP(const char* symbol)
     const std::string name = symbol;
     if (name.empty() || name == ".." || name.find('/') != std::string::npos ||
         g_lxprj->szLLTTEMP[0] == '\0') {
-        warn("nothing is removed for the superseded symbol '%s' in '%s': this would reach beyond "
-             "one symbol's files; recompile the sources if coverage looks stale",
-             symbol, g_lxprj->szLLTTEMP);
+        warn(
+            "nothing is removed for the superseded symbol '%s' in '%s': this would reach beyond one symbol's files; recompile the sources if coverage looks stale",
+            symbol, g_lxprj->szLLTTEMP);
         return;
     }
     remove_tree(temp_db_dir(symbol));

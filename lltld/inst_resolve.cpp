@@ -19,19 +19,18 @@ constexpr unsigned int CODE_NO_INI_FILE = 17;
 void report_unresolved(_STInstInfo& info, std::vector<_STInstInfo>& old_records)
 {
     if (GetSymbolInfoFromTuple(&info, old_records) != 0) {
-        print_fatal("source code '%s' has been instrumented, but an important coverage file '%s' "
-                    "missed. probably you have deleted this file. please delete '%s', and "
-                    "re-compile your source code.\n",
-                    info.szSrcFileName, temp_ini_path(info.szSymbolName).substr(0, 511).c_str(),
-                    info.szObjFileName);
+        print_fatal(
+            "source code '%s' has been instrumented, but an important coverage file '%s' missed. probably you have deleted this file. please delete '%s', and re-compile your source code.\n",
+            info.szSrcFileName, temp_ini_path(info.szSymbolName).substr(0, 511).c_str(),
+            info.szObjFileName);
         return;
     }
     print_fatal(
-        "Probably, you have deleted all of KESTO LLT informations, but you areusing "
-        "incremental-compile or incremental-link\nsolutions: \nfirstly, recompile your source "
-        "code without using lltwrapper;\nsecondly, check your makefiles, probably there is "
-        "something wrong with the 'MAKE CLEAN' rules;\nthirdly, if you don't want to solve the "
-        "problems mentioned above currently, you must do not clean '%s' automatically.\n",
+        "Probably, you have deleted all of KESTO LLT informations, but you areusing incremental-compile or incremental-link\n"
+        "solutions: \n"
+        "firstly, recompile your source code without using lltwrapper;\n"
+        "secondly, check your makefiles, probably there is something wrong with the 'MAKE CLEAN' rules;\n"
+        "thirdly, if you don't want to solve the problems mentioned above currently, you must do not clean '%s' automatically.\n",
         g_lxprj->szLLTTEMP);
     print_fatal("please clear your environment, and recompile your source code.\n");
 }

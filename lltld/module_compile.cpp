@@ -43,9 +43,9 @@ bool copy_compile_command(const char* symbol, std::string& command)
     command = "cp " + shell_word(source) + " " + shell_word(area);
     if (source.size() > COPY_PATH_LENGTH || area.size() > COPY_PATH_LENGTH ||
         command.size() > COPY_COMMAND_LENGTH) {
-        warn("'%s' is not copied: its path or that of the work area is too long; use a shorter "
-             "project path",
-             source.c_str());
+        warn(
+            "'%s' is not copied: its path or that of the work area is too long; use a shorter project path",
+            source.c_str());
         return false;
     }
     if (copies_plainly(source, compile_command_path())) {
@@ -62,11 +62,11 @@ void report_missing_records()
 {
     print_fatal("copy_compile_command_for_lltld failed\n\n");
     print_fatal(
-        "Probably, you have deleted all of KESTO LLT informations, but you areusing "
-        "incremental-compile or incremental-link\nsolutions: \nfirstly, recompile your source "
-        "code without using lltwrapper;\nsecondly, check your makefiles, probably there is "
-        "something wrong with the 'MAKE CLEAN' rules;\nthirdly, if you don't want to solve the "
-        "problems mentioned above currently, you must donot clean '%s' automatically.\n",
+        "Probably, you have deleted all of KESTO LLT informations, but you areusing incremental-compile or incremental-link\n"
+        "solutions: \n"
+        "firstly, recompile your source code without using lltwrapper;\n"
+        "secondly, check your makefiles, probably there is something wrong with the 'MAKE CLEAN' rules;\n"
+        "thirdly, if you don't want to solve the problems mentioned above currently, you must donot clean '%s' automatically.\n",
         g_lxprj->szLLTTEMP);
     print_fatal("please clear your environment, and recompile your source code.\n");
 }
@@ -104,7 +104,7 @@ std::string compile_option(const char* key, std::size_t size)
 int report_failure(int result)
 {
     if (result < 1) {
-        std::printf("errors happened in %s\n", "FindSymbolInObjFile");
+        std::puts("errors happened in FindSymbolInObjFile");
     }
     return result;
 }

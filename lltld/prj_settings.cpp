@@ -20,9 +20,9 @@ constexpr unsigned int CODE_ENVIRONMENT_ERROR = 2309;
 bool read_switch(const char* name, int& field)
 {
     if (std::getenv(name) == nullptr) {
-        warn("environment variable '%s' is not set and counts as 0; source the project's "
-             "TUSK_INIT.SH",
-             name);
+        warn(
+            "environment variable '%s' is not set and counts as 0; source the project's TUSK_INIT.SH",
+            name);
     }
     field = env_int(name);
     return field == 0 || field == 1;
@@ -157,9 +157,9 @@ int Caddis_LD_GetCovDictPath()
     read_port(prj);
     set_work_area_root(prj, path);
     if (path.empty() || path[0] != '/') {
-        warn("qmr_current_prj_path '%s' is relative: each directory of the build gets a work area "
-             "of its own; set an absolute path",
-             path.c_str());
+        warn(
+            "qmr_current_prj_path '%s' is relative: each directory of the build gets a work area of its own; set an absolute path",
+            path.c_str());
     }
     CUsageContext::GetInstance()->GetContext();
     return 1;

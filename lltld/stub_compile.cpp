@@ -21,9 +21,9 @@ constexpr std::size_t SECOND_STAGE_LENGTH = 2047;
 bool run_whole(const std::string& command, std::size_t bound)
 {
     if (command.size() > bound) {
-        warn("the stub is not compiled: its command has %zu bytes, more than %zu; use a shorter "
-             "project path",
-             command.size(), bound);
+        warn(
+            "the stub is not compiled: its command has %zu bytes, more than %zu; use a shorter project path",
+            command.size(), bound);
         return false;
     }
     return run_helper(command) == 0;

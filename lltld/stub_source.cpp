@@ -113,8 +113,12 @@ void write_runtime_start(const LinuxPrjItem& prj, bool sockets, bool user_config
                                    escape_for_json_in_c(prj.szPrjName) + "\\\",\\\"buid\\\":\\\"" +
                                    escape_for_json_in_c(TUSK_Build_GetBUID()) + "\\\"}";
     std::fprintf(stub,
-                 "\t\tif(!QMRInit(0, (char*)\"%s\"))\n\t\t{\n\t\t\tprintf(\"Call QMRInit "
-                 "failed!\");\n\t\t\treturn;\n\t\t}\n\n",
+                 "\t\tif(!QMRInit(0, (char*)\"%s\"))\n"
+                 "\t\t{\n"
+                 "\t\t\tprintf(\"Call QMRInit failed!\");\n"
+                 "\t\t\treturn;\n"
+                 "\t\t}\n"
+                 "\n",
                  descriptor.c_str());
     std::fputs("\tif(!QMRGetTargetState())\n\t{\n", stub);
     if (user_config) {
@@ -242,11 +246,12 @@ void LD_WriteCoverageInterface(_SOURCEFILE_TAB table, std::FILE* stub)
     for (int i = 0; i < table.elementcount; ++i) {
         const _SOURCEFILE_OBJECT& record = table.objlist[i];
         const std::string name = source_name(record);
-        std::fprintf(stub,
-                     "    QMR_AddCoverageBuf(pMod, %d, (char*)\"%s\", (unsigned int "
-                     "*)g_QMRCovData_%s, \n        %d, %d);\n",
-                     i, name.c_str(), stem_of(name).c_str(), registered_size(mode, record.instnum),
-                     record.instnum);
+        std::fprintf(
+            stub,
+            "    QMR_AddCoverageBuf(pMod, %d, (char*)\"%s\", (unsigned int *)g_QMRCovData_%s, \n"
+            "        %d, %d);\n",
+            i, name.c_str(), stem_of(name).c_str(), registered_size(mode, record.instnum),
+            record.instnum);
     }
 }
 

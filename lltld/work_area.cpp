@@ -79,8 +79,8 @@ std::string output_of_work_area()
 bool clear_work_area()
 {
     if (g_lxprj->szCovDictPath[0] == '\0') {
-        warn("nothing is cleared: the project path is not known; set 'qmr_current_prj_path' and "
-             "name an archive");
+        warn(
+            "nothing is cleared: the project path is not known; set 'qmr_current_prj_path' and name an archive");
         return true;
     }
     clear_numbered_databases();

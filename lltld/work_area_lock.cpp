@@ -39,9 +39,9 @@ void lock_work_area(const std::string& directory)
             warn("waiting for another archive step in '%s'", directory.c_str());
         }
         if (polls == GIVE_UP_AFTER_SECONDS * POLLS_PER_SECOND) {
-            warn("going on although another archive step still works in '%s': check that no "
-                 "archiver hangs there",
-                 directory.c_str());
+            warn(
+                "going on although another archive step still works in '%s': check that no archiver hangs there",
+                directory.c_str());
             return;
         }
         const timespec pause = {0, 1000000000 / POLLS_PER_SECOND};

@@ -21,9 +21,9 @@ bool inspect(const std::string& argument, ScannedObject& object)
 {
     const std::string path = absolute_path(argument);
     if (path.size() > OBJECT_PATH_LENGTH && QMRFileExists(path.c_str()) != 0) {
-        warn("'%s' is not inspected: its path is longer than %zu bytes; if it is instrumented, its "
-             "counters will be undefined; use a shorter project path",
-             path.c_str(), OBJECT_PATH_LENGTH);
+        warn(
+            "'%s' is not inspected: its path is longer than %zu bytes; if it is instrumented, its counters will be undefined; use a shorter project path",
+            path.c_str(), OBJECT_PATH_LENGTH);
         return false;
     }
     return scan_object(path, object) && !object.has_test_loader && !object.symbols.empty();
@@ -57,9 +57,9 @@ void warn_if_work_area_is_shared()
     // Keys that were written later have squeezed percent signs in the value.
     const std::string known = output_of_work_area();
     if (!known.empty() && known != prj.szObjFile && known != squeeze_percent_pairs(prj.szObjFile)) {
-        warn("'%s' and '%s' share the work area '%s': each overwrites the other's coverage; give "
-             "the libraries different names",
-             known.c_str(), prj.szObjFile, prj.szCovDictPath);
+        warn(
+            "'%s' and '%s' share the work area '%s': each overwrites the other's coverage; give the libraries different names",
+            known.c_str(), prj.szObjFile, prj.szCovDictPath);
     }
 }
 

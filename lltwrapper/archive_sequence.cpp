@@ -24,14 +24,14 @@ void warn_if_stub_is_stale(bool compiled)
     struct stat object = {};
     struct stat source = {};
     if (::stat(path.c_str(), &object) != 0) {
-        warn("the stub object '%s' was not made: the archiver will miss it; see the messages "
-             "above and compile '%s' by hand to find out",
-             path.c_str(), stub_source_path().c_str());
+        warn(
+            "the stub object '%s' was not made: the archiver will miss it; see the messages above and compile '%s' by hand to find out",
+            path.c_str(), stub_source_path().c_str());
     } else if (!compiled ||
                (::stat(stub_source_path().c_str(), &source) == 0 && is_older(object, source))) {
-        warn("the stub object '%s' is older than its source: the library registers an earlier "
-             "build's counters; compile '%s' by hand to find out",
-             path.c_str(), stub_source_path().c_str());
+        warn(
+            "the stub object '%s' is older than its source: the library registers an earlier build's counters; compile '%s' by hand to find out",
+            path.c_str(), stub_source_path().c_str());
     }
 }
 

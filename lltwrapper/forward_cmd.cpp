@@ -89,17 +89,17 @@ void GenerateCMD2AR()
     char stub[STUB_PATH_LENGTH + 1];
     if (!format_bounded(stub, "%s/obj/__code_measure_stub_lib_%s.o", g_lxprj->szCovDictPath,
                         g_lxprj->modName)) {
-        warn("the path of the stub object is longer than %zu bytes: '%s'; use a shorter project "
-             "path",
-             STUB_PATH_LENGTH, stub);
+        warn(
+            "the path of the stub object is longer than %zu bytes: '%s'; use a shorter project path",
+            STUB_PATH_LENGTH, stub);
     }
     const int found = static_cast<int>(pOriginalCmd.find(arname));
     const std::size_t behind_name = static_cast<std::size_t>(found + 1) + arname.size();
     if (found < 0) {
         // Kept: the position -1 counts on, so the stub lands at the length of the name.
-        warn("the archive '%s' does not stand so in the command '%s': the stub object goes to "
-             "byte %zu of it; name the archive without characters that the shell needs escaped",
-             arname.c_str(), beginning_of(pOriginalCmd).c_str(), behind_name);
+        warn(
+            "the archive '%s' does not stand so in the command '%s': the stub object goes to byte %zu of it; name the archive without characters that the shell needs escaped",
+            arname.c_str(), beginning_of(pOriginalCmd).c_str(), behind_name);
     }
     strLLTAR = pOriginalCmd;
     const std::size_t at = std::min(behind_name, strLLTAR.size());

@@ -48,9 +48,9 @@ int run_command(const std::string& command, Flush flush, Status kind)
     }
     const int status = kind == Status::raw ? wait_status : (wait_status != 0 ? 1 : 0);
     if (real != 0 && (status & 0xFF) == 0) {
-        warn("exit status 0 although the command failed with %d: %s (LLTWRAPPER_EXACT_STATUS=1 "
-             "passes the status on)",
-             real, beginning_of(command).c_str());
+        warn(
+            "exit status 0 although the command failed with %d: %s (LLTWRAPPER_EXACT_STATUS=1 passes the status on)",
+            real, beginning_of(command).c_str());
     }
     return status;
 }
@@ -74,9 +74,9 @@ int run_unchanged()
 void warn_if_unset(const char* name)
 {
     if (std::getenv(name) == nullptr) {
-        warn("environment variable '%s' is not set: the driver gets an empty value; source the "
-             "project's TUSK_INIT.SH",
-             name);
+        warn(
+            "environment variable '%s' is not set: the driver gets an empty value; source the project's TUSK_INIT.SH",
+            name);
     }
 }
 

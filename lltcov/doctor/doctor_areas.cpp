@@ -59,13 +59,12 @@ public:
             return;
         }
         if (!has_stub) {
-            findings_.add("archives without a stub",
-                          "'" + path +
-                              "' has instrumented members and no stub: they count only "
-                              "where lltld links them; " +
-                              (fits_identifier(module)
-                                   ? "make it by one ar through lltwrapper"
-                                   : "its name must be of letters, digits, '_' and '-'"));
+            findings_.add(
+                "archives without a stub",
+                "'" + path +
+                    "' has instrumented members and no stub: they count only where lltld links them; " +
+                    (fits_identifier(module) ? "make it by one ar through lltwrapper"
+                                             : "its name must be of letters, digits, '_' and '-'"));
         }
         const std::size_t hash = std::hash<std::string>()(content);
         const auto [known, is_new] = seen_.emplace(module, Archive{path, hash});
@@ -89,9 +88,10 @@ private:
 void check_symbol(const std::string& symbol, Findings& findings)
 {
     if (symbol.size() > MAX_SYMBOL) {
-        findings.add("long symbols", "symbol '" + symbol +
-                                         "' has more than 31 characters: its "
-                                         "archive step fails; use a driver with shorter ones");
+        findings.add(
+            "long symbols",
+            "symbol '" + symbol +
+                "' has more than 31 characters: its archive step fails; use a driver with shorter ones");
     }
 }
 
@@ -149,17 +149,18 @@ void check_names(Examined& examined, Findings& findings)
         check_symbol(object.symbol, findings);
         for (const std::string& path : {object.record.source, object.record.object}) {
             if (path.size() > MAX_PATH_IN_RECORD) {
-                findings.add("long paths", "'" + path +
-                                               "' has more than 259 bytes: archive steps "
-                                               "cut it; build in a shorter path");
+                findings.add(
+                    "long paths",
+                    "'" + path +
+                        "' has more than 259 bytes: archive steps cut it; build in a shorter path");
             }
         }
     }
     for (const Module& module : modules_of(examined.data.root)) {
         if (!fits_identifier(module.name)) {
-            findings.add("module names", "module '" + module.name +
-                                             "' is no C identifier: its "
-                                             "stub does not compile; rename the library");
+            findings.add("module names",
+                         "module '" + module.name +
+                             "' is no C identifier: its stub does not compile; rename the library");
         }
     }
 }
@@ -175,10 +176,10 @@ void check_sockets(Examined& examined, Findings& findings)
         read_whole_file(module.output, archive);
         read_whole_file(module.module.area + "/CompileCmd.txt", command);
         if (is_archive(archive) && !declares_port(command)) {
-            findings.add("sockets", "sockets are on, but nothing declares g_TUSKSockBindPort for "
-                                    "the stub of " +
-                                        module.module.name +
-                                        "; set LLT_DISABLE_SOCKET=1, or add -include HEADER");
+            findings.add(
+                "sockets",
+                "sockets are on, but nothing declares g_TUSKSockBindPort for the stub of " +
+                    module.module.name + "; set LLT_DISABLE_SOCKET=1, or add -include HEADER");
         }
     }
 }

@@ -89,13 +89,11 @@ void check_project_path(Examined&, Findings& findings)
     }
     if (path[0] != '/') {
         add("'" + path +
-            "' is relative: each folder of the build gets work areas of its own; "
-            "set the absolute path");
+            "' is relative: each folder of the build gets work areas of its own; set the absolute path");
     }
     if (!std::all_of(path.begin(), path.end(), is_plain)) {
         add("'" + path +
-            "' has a blank or a character that the shell takes for itself: drivers "
-            "get it cut; move or link the project to a plain path");
+            "' has a blank or a character that the shell takes for itself: drivers get it cut; move or link the project to a plain path");
     }
     if (path.size() > 255) {
         add("is longer than 255 bytes, the rest does not count; use a shorter path");

@@ -48,8 +48,9 @@ void check_own_program(const std::string& name, Findings& findings)
     const std::string beside = find_program({program_directory()}, name);
     const std::string on_path = find_program(path_directories(), name);
     if (on_path.empty() && beside.empty()) {
-        findings.add("programs", name + " is neither on PATH nor beside lltcov; build and install "
-                                        "the tool set");
+        findings.add("programs",
+                     name +
+                         " is neither on PATH nor beside lltcov; build and install the tool set");
     } else if (on_path.empty() && shim_directories().empty()) {
         findings.add("programs",
                      name + " is not on PATH; append '" + program_directory() + "', or use shims");
@@ -102,10 +103,9 @@ void check_shim_tools(const std::string& directory, Findings& findings)
     for (const std::string& name : names_in(directory)) {
         const std::string tool = tool_of_shim(directory + "/" + name);
         if (!tool.empty() && !is_program(tool)) {
-            findings.add("shims without a tool", "'" + directory + "/" + name + "' stands for '" +
-                                                     tool +
-                                                     "', which is gone; remove it or run "
-                                                     "lltcov shims again");
+            findings.add("shims without a tool",
+                         "'" + directory + "/" + name + "' stands for '" + tool +
+                             "', which is gone; remove it or run lltcov shims again");
         }
     }
 }
@@ -141,15 +141,17 @@ void check_shims(Examined&, Findings& findings)
     const Names shims = shim_directories();
     if (shims.empty()) {
         if (is_wrapping_on()) {
-            findings.add("shims", "LLT_WRAP is on, but no shims are on PATH; run lltcov shims DIR "
-                                  "and put DIR first on PATH");
+            findings.add(
+                "shims",
+                "LLT_WRAP is on, but no shims are on PATH; run lltcov shims DIR and put DIR first on PATH");
         }
         return;
     }
     if (!is_wrapping_on()) {
-        findings.add("shims", "'" + shims[0] +
-                                  "' is on PATH, but LLT_WRAP is off: nothing is "
-                                  "wrapped; set LLT_WRAP=1 for the build");
+        findings.add(
+            "shims",
+            "'" + shims[0] +
+                "' is on PATH, but LLT_WRAP is off: nothing is wrapped; set LLT_WRAP=1 for the build");
     }
     check_order(shims, findings);
     for (const std::string& directory : shims) {

@@ -19,17 +19,18 @@ void advise_on_project(const ExplainedStep& step, Advice& advice)
 {
     const std::string path = env_text("qmr_current_prj_path");
     if (path.empty()) {
-        advice.warnings.push_back(std::string("'qmr_current_prj_path' is not set: there is no "
-                                              "project to put coverage data in; ") +
-                                  SETTINGS);
+        advice.warnings.push_back(
+            std::string(
+                "'qmr_current_prj_path' is not set: there is no project to put coverage data in; ") +
+            SETTINGS);
     } else if (shell_word(path) != path) {
-        advice.warnings.push_back("project path " + quoted(path) +
-                                  " goes into commands as it is; use one without blanks and other "
-                                  "characters that the shell acts upon");
+        advice.warnings.push_back(
+            "project path " + quoted(path) +
+            " goes into commands as it is; use one without blanks and other characters that the shell acts upon");
     } else if (path[0] != '/' && step.mode != Mode::archive) {
-        advice.warnings.push_back("project path " + quoted(path) +
-                                  " is relative: it means another place in each directory of the "
-                                  "build; set an absolute one");
+        advice.warnings.push_back(
+            "project path " + quoted(path) +
+            " is relative: it means another place in each directory of the build; set an absolute one");
     }
     if (!env_is_filled("qmr_coverage_stub_mold")) {
         advice.warnings.push_back(
@@ -80,21 +81,21 @@ void advise_on_unchanged(const ExplainedStep& step, Advice& advice)
 {
     const std::string tool = step.command.empty() ? "" : base_name(step.command[0]);
     if (step.decision.reason == Reason::no_build_step && kind_of_tool(tool) == ToolKind::archiver) {
-        advice.warnings.push_back(quoted(tool) +
-                                  (strArTools.empty()
-                                       ? " is no archiver without -artool: no stub is made; call "
-                                         "lltwrapper -artool " +
-                                             tool + " -arsuffix .a " + tool + " ..."
-                                       : " is not the archiver of -artool, " + quoted(strArTools) +
-                                             ": no stub is made; name this one"));
+        advice.warnings.push_back(
+            quoted(tool) +
+            (strArTools.empty()
+                 ? " is no archiver without -artool: no stub is made; call lltwrapper -artool " +
+                       tool + " -arsuffix .a " + tool + " ..."
+                 : " is not the archiver of -artool, " + quoted(strArTools) +
+                       ": no stub is made; name this one"));
     }
     for (const std::string& argument : step.command) {
         if (step.decision.reason == Reason::no_build_step && argument.size() > 2 &&
             argument.compare(0, 2, "-o") == 0) {
-            advice.warnings.push_back(quoted(argument) +
-                                      " is not seen as an output: nothing is instrumented or "
-                                      "registered; write '-o " +
-                                      argument.substr(2) + "'");
+            advice.warnings.push_back(
+                quoted(argument) +
+                " is not seen as an output: nothing is instrumented or registered; write '-o " +
+                argument.substr(2) + "'");
         }
     }
 }
@@ -107,10 +108,9 @@ void advise_on_preprocessing(const ExplainedStep& step, Advice& advice)
         return text == "-S" || text == "-E";
     });
     if (at != arguments.begin() && at != arguments.end() && takes_any_value(*(at - 1))) {
-        advice.warnings.push_back(quoted(*at) + " is the value of " + quoted(*(at - 1)) +
-                                  " and yet makes the command run unchanged; for the linker write "
-                                  "-Wl," +
-                                  *at);
+        advice.warnings.push_back(
+            quoted(*at) + " is the value of " + quoted(*(at - 1)) +
+            " and yet makes the command run unchanged; for the linker write -Wl," + *at);
     }
 }
 
@@ -171,18 +171,18 @@ void advise_on_words(const ExplainedStep& step, Advice& advice)
         const bool given =
             std::find(arguments.begin(), arguments.end(), word.text) != arguments.end();
         if (is_own_option(word.text)) {
-            advice.warnings.push_back(numbered(i, word) +
-                                      ": reaches the tool, since it is the value of another option "
-                                      "or not in lower case; put it before the tool");
+            advice.warnings.push_back(
+                numbered(i, word) +
+                ": reaches the tool, since it is the value of another option or not in lower case; put it before the tool");
         } else if (word.live.empty() && !given && word.text != "-Wa,-march=armv7-a" &&
                    word.text.find(stub) == std::string::npos) {
             strange += (strange.empty() ? "" : ", ") + numbered(i, word);
         }
     }
     if (!strange.empty()) {
-        advice.warnings.push_back(strange + ": no argument is so; blanks, quotes and backslashes "
-                                            "in arguments that name no existing file are left to "
-                                            "the shell: put a backslash before each");
+        advice.warnings.push_back(
+            strange +
+            ": no argument is so; blanks, quotes and backslashes in arguments that name no existing file are left to the shell: put a backslash before each");
     }
 }
 

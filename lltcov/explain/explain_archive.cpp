@@ -21,8 +21,7 @@ void advise_on_missing_archive(Advice& advice)
                                   : "no argument after the archiver ends in " + quoted(strArSuffix);
     advice.warnings.push_back(
         cause +
-        ": the step takes the project's folder itself for a work area, empties db/db*, "
-        "obj/before and ini in it, and mostly fails; " +
+        ": the step takes the project's folder itself for a work area, empties db/db*, obj/before and ini in it, and mostly fails; " +
         (strArSuffix.empty() ? "add '-arsuffix .a' before the tool"
                              : "call the archiver without lltwrapper for this"));
 }
@@ -44,9 +43,9 @@ void advise_on_operation(const ExplainedStep& step, Advice& advice)
 {
     const char operation = operation_of(step.command);
     if (step.mode == Mode::archive && operation != '\0' && operation != 'r' && operation != 'q') {
-        advice.warnings.push_back(std::string("operation '") + operation +
-                                  "' fills no archive, and yet the stub is made and put into the "
-                                  "command; call the archiver without lltwrapper for it");
+        advice.warnings.push_back(
+            std::string("operation '") + operation +
+            "' fills no archive, and yet the stub is made and put into the command; call the archiver without lltwrapper for it");
     }
 }
 
@@ -106,11 +105,10 @@ void advise_on_symbols(const std::vector<Symbol>& symbols, Advice& advice)
     std::size_t count = 0;
     for (const Symbol& symbol : symbols) {
         if (symbol.name.size() > MAX_SYMBOL) {
-            advice.warnings.push_back("symbol " + quoted(symbol.name) + " of " +
-                                      quoted(symbol.object) + " has more than " +
-                                      std::to_string(MAX_SYMBOL) +
-                                      " characters: the step loses it; the driver must use shorter "
-                                      "ones");
+            advice.warnings.push_back(
+                "symbol " + quoted(symbol.name) + " of " + quoted(symbol.object) +
+                " has more than " + std::to_string(MAX_SYMBOL) +
+                " characters: the step loses it; the driver must use shorter ones");
         }
         if (!missing_record(symbol.name.c_str()).empty()) {
             unknown = unknown == nullptr ? &symbol : unknown;
@@ -143,18 +141,17 @@ std::string stub_command(const std::vector<Symbol>& symbols)
 void advise_on_stub(const ExplainedStep& step, const std::vector<Symbol>& symbols, Advice& advice)
 {
     if (!fits_identifier(step.name)) {
-        advice.warnings.push_back("module name " + quoted(step.name) +
-                                  " cannot stand in a C identifier: the stub is not compiled; name "
-                                  "the archive with letters, digits, '_' and '-'");
+        advice.warnings.push_back(
+            "module name " + quoted(step.name) +
+            " cannot stand in a C identifier: the stub is not compiled; name the archive with letters, digits, '_' and '-'");
     }
     const std::string command = stub_command(symbols);
     if (command.empty()) {
-        advice.warnings.push_back("no member has a recorded compile command: the stub is not "
-                                  "compiled; compile the members anew");
+        advice.warnings.push_back(
+            "no member has a recorded compile command: the stub is not compiled; compile the members anew");
     } else if (env_int("LLT_DISABLE_SOCKET") != 1 && !declares_port(command)) {
-        advice.warnings.push_back("sockets are enabled, and the recorded compile command declares "
-                                  "no g_TUSKSockBindPort: the stub is not compiled; set "
-                                  "LLT_DISABLE_SOCKET=1, or add -include HEADER");
+        advice.warnings.push_back(
+            "sockets are enabled, and the recorded compile command declares no g_TUSKSockBindPort: the stub is not compiled; set LLT_DISABLE_SOCKET=1, or add -include HEADER");
     }
 }
 
@@ -180,8 +177,7 @@ void advise_on_kept_members(const ExplainedStep& step, Advice& advice)
             !begins_with(kept, STUB_PREFIX)) {
             advice.warnings.push_back(
                 quoted(kept) + " stays in " + quoted(step.decision.archive) +
-                " but is not in this command, so not in its stub either; build the library by one "
-                "command from all members");
+                " but is not in this command, so not in its stub either; build the library by one command from all members");
             return;
         }
     }

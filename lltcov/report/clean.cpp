@@ -177,9 +177,9 @@ int run_clean(const Arguments& arguments)
     }
     const std::string root = project_root(line);
     if (type_of(root + "/LLTTEMP") == 0 && modules_of(root).empty()) {
-        warn("'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name "
-             "the project with --project",
-             root.c_str());
+        warn(
+            "'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name the project with --project",
+            root.c_str());
         return 1;
     }
     const Scope scope = line.has("--all")    ? Scope::all

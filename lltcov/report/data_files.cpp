@@ -38,9 +38,9 @@ void write_data_files(const ProjectData& data, const std::string& directory, Fin
     for (const InstrumentedObject& object : data.objects) {
         const Record& record = object.record;
         if (record.compiler != CounterSource::gcc) {
-            findings.add("objects of other compilers", "'" + record.object +
-                                                           "' is not of gcc: left out, there are "
-                                                           "no such files for it");
+            findings.add("objects of other compilers",
+                         "'" + record.object +
+                             "' is not of gcc: left out, there are no such files for it");
             continue;
         }
         const fs::path stem =

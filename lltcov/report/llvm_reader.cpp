@@ -75,8 +75,9 @@ private:
         }
         part.tools = tools->second;
         if (part.tools.cov.empty()) {
-            findings_.add("LLVM's tools", "'llvm-profdata' and 'llvm-cov' are missing, which read "
-                                          "the counters of clang: install the package llvm");
+            findings_.add(
+                "LLVM's tools",
+                "'llvm-profdata' and 'llvm-cov' are missing, which read the counters of clang: install the package llvm");
             return false;
         }
         std::string arguments;

@@ -202,10 +202,10 @@ bool CoverageMaker::is_shown(const InstrumentedObject& object, const std::string
         return false;
     }
     if (has_changed(object, path, *state)) {
-        findings_.add("changed sources",
-                      "'" + path + "' has changed since '" + object.record.object +
-                          "' was compiled: its lines of that object are left out; build and run "
-                          "the tests again");
+        findings_.add(
+            "changed sources",
+            "'" + path + "' has changed since '" + object.record.object +
+                "' was compiled: its lines of that object are left out; build and run the tests again");
         return false;
     }
     return true;

@@ -151,9 +151,9 @@ int run_tests(const Arguments& arguments)
     const ProjectData data = read_project_data(line, findings);
     if (data.tests.empty()) {
         findings.print();
-        warn("no run of '%s' has the name of a test; run each test with LLTCOV_TEST=NAME in its "
-             "environment",
-             data.root.c_str());
+        warn(
+            "no run of '%s' has the name of a test; run each test with LLTCOV_TEST=NAME in its environment",
+            data.root.c_str());
         return 1;
     }
     const Counting counting = line.has("--unique") ? Counting::branches : Counting::lines;

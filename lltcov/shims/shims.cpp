@@ -73,9 +73,9 @@ void report(const std::map<std::string, std::string>& tools, const std::string& 
             std::printf("%-28s not on PATH, no shim\n", name);
         }
     }
-    std::printf("%zu shims. Configure and build with PATH=%s:$PATH; set LLT_WRAP=1 for the build "
-                "only.\n",
-                tools.size(), shell_word(directory).c_str());
+    std::printf(
+        "%zu shims. Configure and build with PATH=%s:$PATH; set LLT_WRAP=1 for the build only.\n",
+        tools.size(), shell_word(directory).c_str());
 }
 
 } // namespace

@@ -41,9 +41,9 @@ DriverCall read_driver_call(const Words& arguments)
         ++at;
     }
     if (at == arguments.end() || (*at)[0] == '-') {
-        notice("usage: %s -qmr_current_prj_path PROJECT -projectname NAME -qmr_coverage_stub_mold "
-               "MODE COMMAND...; lltwrapper calls it so",
-               program_name);
+        notice(
+            "usage: %s -qmr_current_prj_path PROJECT -projectname NAME -qmr_coverage_stub_mold MODE COMMAND...; lltwrapper calls it so",
+            program_name);
         return call;
     }
     call.command.assign(at, arguments.end());

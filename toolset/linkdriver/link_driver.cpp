@@ -113,16 +113,15 @@ int link_with_coverage(const LinkCommand& link, const LinkCoverage& coverage,
                      linker_option(link, "--allow-multiple-definition"));
         if (run_program(words, unseen) == 0) {
             notice(
-                "'%s' is linked all the same: two of its static libraries have the same coverage "
-                "symbols and are reported as part of it; give the libraries different names",
+                "'%s' is linked all the same: two of its static libraries have the same coverage symbols and are reported as part of it; give the libraries different names",
                 link.output.c_str());
             return 0;
         }
     }
     if (link_plainly(link, coverage, unseen) == 0) {
-        notice("'%s' is linked all the same, but reports no coverage: it does not link with the "
-               "runtime '%s', see above",
-               link.output.c_str(), runtime.c_str());
+        notice(
+            "'%s' is linked all the same, but reports no coverage: it does not link with the runtime '%s', see above",
+            link.output.c_str(), runtime.c_str());
         return 0;
     }
     return status;
@@ -136,9 +135,9 @@ int link_without_coverage(const LinkCommand& link, const LinkCoverage& coverage,
         notice("'%s' reports no coverage: %s", link.output.c_str(), reason);
         return 0;
     }
-    notice("'%s' is linked without coverage: %s; its instrumented objects refer to counter arrays "
-           "that nothing defines, so compile them again, or without lltcc",
-           link.output.c_str(), reason);
+    notice(
+        "'%s' is linked without coverage: %s; its instrumented objects refer to counter arrays that nothing defines, so compile them again, or without lltcc",
+        link.output.c_str(), reason);
     return run_program(link.words);
 }
 

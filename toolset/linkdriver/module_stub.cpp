@@ -152,8 +152,7 @@ std::string make_plain_object(const std::vector<ScannedObject>& objects,
             const std::string line = plain_array(symbol.name);
             if (line.empty()) {
                 notice(
-                    "'%s' needs a counter array of unknown size: its record '%s' is gone; compile "
-                    "it again",
+                    "'%s' needs a counter array of unknown size: its record '%s' is gone; compile it again",
                     object.path.c_str(), temp_tab_path(symbol.name.c_str()).c_str());
                 return "";
             }

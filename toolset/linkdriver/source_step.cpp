@@ -66,8 +66,7 @@ LinkCommand compile_sources(const DriverCall& call, const LinkCommand& link)
     }
     if (!are_words || link.leaves_side_files) {
         notice(
-            "sources in the link of '%s' are compiled without coverage; compile them by commands "
-            "of their own (-c)",
+            "sources in the link of '%s' are compiled without coverage; compile them by commands of their own (-c)",
             link.output.c_str());
         return link;
     }
