@@ -141,12 +141,3 @@ public:
 
     static CUsageContext* m_pInstance; ///< null until `GetInstance`
 };
-
-/// Splits the text at every separator and appends the pieces, empty ones included, to `out`. An
-/// empty or null text, and a NUL separator, give one piece: what stands before the stop.
-void strsplit_v(const char* text, char sep, std::vector<std::string>& out);
-
-/// Splits the text at `outer` into pieces and each piece at its first `inner` into key and value,
-/// stored in `out`, a later key replacing an earlier one. Returns 0 at the first piece without
-/// `inner` (pairs stored before it stay), else 1.
-int strsplit_m(const char* text, char outer, char inner, std::map<std::string, std::string>& out);

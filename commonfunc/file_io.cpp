@@ -6,6 +6,7 @@
 #include "commonfunc/path_name.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <sys/stat.h>

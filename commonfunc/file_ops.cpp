@@ -4,21 +4,16 @@
 #include "commonfunc/file_ops.h"
 
 #include "commonfunc/message.h"
-#include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <exception>
 #include <libgen.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 namespace
 {

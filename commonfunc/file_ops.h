@@ -1,6 +1,7 @@
 // Files and directories: existence, creation, removal, and the program's own place.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 /// 1 when the path exists (any kind of file; a dangling link does not exist), else 0.

@@ -3,7 +3,6 @@
 #include "commonfunc/file_tree.h"
 
 #include "commonfunc/file_io.h"
-#include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 

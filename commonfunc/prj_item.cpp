@@ -1,5 +1,7 @@
 // The project settings object: its life and the two switches that it reads itself.
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/text.h"
 
 namespace
 {

@@ -4,6 +4,8 @@
 #include "commonfunc/file_io.h"
 #include "commonfunc/message.h"
 
+#include <cstddef>
+
 namespace
 {
 

@@ -83,3 +83,31 @@ bool format_list(char* out, std::size_t size, const char* format, va_list args)
     const int length = std::vsnprintf(out, size, format, args);
     return length >= 0 && static_cast<std::size_t>(length) < size;
 }
+
+void strsplit_v(const char* text, char sep, std::vector<std::string>& out)
+{
+    std::string piece;
+    for (const char* p = text; p != nullptr && *p != '\0' && sep != '\0'; ++p) {
+        if (*p == sep) {
+            out.push_back(piece);
+            piece.clear();
+        } else {
+            piece += *p;
+        }
+    }
+    out.push_back(piece);
+}
+
+int strsplit_m(const char* text, char outer, char inner, std::map<std::string, std::string>& out)
+{
+    std::vector<std::string> pieces;
+    strsplit_v(text, outer, pieces);
+    for (const std::string& piece : pieces) {
+        const std::size_t at = piece.find(inner);
+        if (at == std::string::npos) {
+            return 0;
+        }
+        out[piece.substr(0, at)] = piece.substr(at + 1);
+    }
+    return 1;
+}

@@ -5,8 +5,10 @@
 #include <cstdarg>
 #include <cstddef>
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// The integer that `atoi` would give: leading digits with sign, 0 for text that is no number.
 /// Out-of-range text is defined here (the value of `strtol`, cut to int), unlike `atoi`.
@@ -68,3 +70,12 @@ template <std::size_t N> bool copy_bounded(char (&out)[N], const std::string& te
     QMRStrcpy(out, text.c_str(), static_cast<int>(N));
     return text.size() < N;
 }
+
+/// Splits the text at every separator and appends the pieces, empty ones included, to `out`. An
+/// empty or null text, and a NUL separator, give one piece: what stands before the stop.
+void strsplit_v(const char* text, char sep, std::vector<std::string>& out);
+
+/// Splits the text at `outer` into pieces and each piece at its first `inner` into key and value,
+/// stored in `out`, a later key replacing an earlier one. Returns 0 at the first piece without
+/// `inner` (pairs stored before it stay), else 1.
+int strsplit_m(const char* text, char outer, char inner, std::map<std::string, std::string>& out);

@@ -2,6 +2,8 @@
 // of the work. Nothing in a number is taken on trust: files are cut, mixed up or written by others.
 #include "commonfunc/text_lines.h"
 
+#include <cstddef>
+
 namespace
 {
 

@@ -1,8 +1,11 @@
 // Usage context: option filters and feature bits from the environment, and the two functions that
 // split texts into lists and key/value maps.
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/text.h"
 
 #include <cstdlib>
+#include <string>
 
 CUsageContext* CUsageContext::m_pInstance = nullptr;
 
@@ -52,32 +55,4 @@ void CUsageContext::Set_LLT_EXCLUDE_CC()
 void CUsageContext::Set_LLT_EXCLUDE_CCOPTION()
 {
     strsplit_v(str_LLT_EXCLUDE_CCOPTION.c_str(), ':', m_vtor_LLT_EXCLUDE_CCOPTION);
-}
-
-void strsplit_v(const char* text, char sep, std::vector<std::string>& out)
-{
-    std::string piece;
-    for (const char* p = text; p != nullptr && *p != '\0' && sep != '\0'; ++p) {
-        if (*p == sep) {
-            out.push_back(piece);
-            piece.clear();
-        } else {
-            piece += *p;
-        }
-    }
-    out.push_back(piece);
-}
-
-int strsplit_m(const char* text, char outer, char inner, std::map<std::string, std::string>& out)
-{
-    std::vector<std::string> pieces;
-    strsplit_v(text, outer, pieces);
-    for (const std::string& piece : pieces) {
-        const std::size_t at = piece.find(inner);
-        if (at == std::string::npos) {
-            return 0;
-        }
-        out[piece.substr(0, at)] = piece.substr(at + 1);
-    }
-    return 1;
 }

@@ -1,7 +1,6 @@
 // Where the records of an object are: the section of their name in an ELF file.
 #pragma once
 
-#include <string>
 #include <string_view>
 
 /// The content of the object's record section, empty when it has none; a view into `object`.

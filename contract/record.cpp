@@ -3,6 +3,7 @@
 
 #include "commonfunc/text_lines.h"
 
+#include <cstddef>
 #include <sstream>
 
 namespace

@@ -1,9 +1,8 @@
 // lltcov answers what a build engineer asks about a build with coverage: what will the wrapper do
 // with this command, is everything set up, what was reached. One subcommand per question.
-#include "lltcov/common/commands.h"
-
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/message.h"
 #include "lltcov/common/command_line.h"
+#include "lltcov/common/commands.h"
 
 #include <cstdio>
 #include <cstring>

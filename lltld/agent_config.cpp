@@ -2,12 +2,17 @@
 #include "lltld/agent_config.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/ini_profile.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
 #include "lltld/counter_mode.h"
 #include "lltld/cov_paths.h"
 #include "lltld/db_number.h"
 
 #include <cstdio>
 #include <new>
+#include <string>
 
 namespace
 {

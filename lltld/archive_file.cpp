@@ -8,7 +8,9 @@
 #include "commonfunc/text.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace
 {

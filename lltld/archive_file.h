@@ -1,7 +1,6 @@
 // The members of a static library, as GNU ar writes it; see ar(5).
 #pragma once
 
-#include <string>
 #include <string_view>
 #include <vector>
 

@@ -2,6 +2,7 @@
 #include "lltld/cov_paths.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/message.h"
 #include "lltld/prj_settings.h"
 
 namespace

@@ -3,6 +3,7 @@
 // symbol name, M the module name.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 // --- the work area

@@ -3,6 +3,10 @@
 #include "lltld/db_number.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/build_id.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/ini_profile.h"
+#include "commonfunc/text.h"
 #include "lltld/counter_mode.h"
 #include "lltld/cov_paths.h"
 

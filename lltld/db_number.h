@@ -4,6 +4,8 @@
 
 #include "lltld/source_tab.h"
 
+#include <cstdint>
+#include <cstdio>
 #include <string>
 
 /// The part of the text before its last full stop, or the whole text when there is none.

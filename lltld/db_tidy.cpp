@@ -3,14 +3,17 @@
 #include "lltld/db_tidy.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/message.h"
 #include "lltld/cov_paths.h"
 #include "lltld/inst_file_list.h"
 #include "lltld/prj_settings.h"
 #include "lltld/source_tab.h"
 
 #include <cstdio>
-#include <memory>
+#include <string>
 
 namespace
 {

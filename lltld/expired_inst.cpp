@@ -4,7 +4,10 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/message.h"
 #include "lltld/cov_paths.h"
+
+#include <string>
 
 void DeleteInstInfoFromLLTTEMP(const char* symbol)
 {

@@ -5,7 +5,6 @@
 #include "commonfunc/text.h"
 
 #include <cstdio>
-#include <cstring>
 #include <new>
 #include <string>
 #include <unordered_set>

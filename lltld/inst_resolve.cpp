@@ -3,12 +3,18 @@
 #include "lltld/inst_resolve.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/ini_profile.h"
+#include "commonfunc/message.h"
+#include "commonfunc/text.h"
 #include "lltld/cov_paths.h"
 #include "lltld/expired_inst.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <list>
+#include <string>
 #include <unordered_map>
 
 namespace

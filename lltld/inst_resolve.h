@@ -1,6 +1,7 @@
 // Coverage symbols resolved to their sources and objects, and compared with the last archive step.
 #pragma once
 
+#include "lltld/inst_file_list.h"
 #include "lltld/tuple_db.h"
 
 #include <vector>

@@ -3,13 +3,19 @@
 #include "lltld/module_compile.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/ini_profile.h"
+#include "commonfunc/message.h"
+#include "commonfunc/shell.h"
 #include "lltld/cov_paths.h"
 #include "lltld/inst_file_list.h"
 
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 

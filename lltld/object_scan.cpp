@@ -2,7 +2,6 @@
 #include "lltld/object_scan.h"
 
 #include "commonfunc/file_io.h"
-#include "commonfunc/file_ops.h"
 #include "lltld/inst_file_list.h"
 
 #include <cstdio>

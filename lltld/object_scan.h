@@ -2,6 +2,7 @@
 // leaves a data symbol "g_QMRCovData_" and the database name in each object.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 

@@ -4,9 +4,16 @@
 #include "lltld/prj_settings.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/ini_profile.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 int g_iSupportSameName = 1;
 

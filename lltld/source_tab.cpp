@@ -11,8 +11,13 @@
 #include "lltld/source_tab.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/message.h"
+#include "commonfunc/text.h"
 #include "lltld/cov_paths.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstddef>
 #include <cstdlib>

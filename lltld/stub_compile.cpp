@@ -1,11 +1,14 @@
 // The recorded command is used as it was read: it ends before "-o", and nothing is trimmed.
 #include "lltld/stub_compile.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/message.h"
+#include "commonfunc/shell.h"
 #include "lltld/cov_paths.h"
 #include "lltld/program_objects.h"
 
 #include <cstdio>
+#include <string>
 
 char g_lltusercmd[1024];
 char g_lltusercmd2[1024];

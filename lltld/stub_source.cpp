@@ -7,6 +7,13 @@
 #include "lltld/stub_source.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/build_id.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/ini_profile.h"
+#include "commonfunc/message.h"
+#include "commonfunc/text.h"
 #include "lltld/agent_config.h"
 #include "lltld/c_literal.h"
 #include "lltld/counter_mode.h"
@@ -19,6 +26,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 int g_noLinkCodemeasure = 0;
 

@@ -5,6 +5,8 @@
 
 #include "lltld/source_tab.h"
 
+#include <cstdio>
+
 /// Exactly 1: the generator also writes the agent configuration file. 0 in the wrapper.
 extern int g_noLinkCodemeasure;
 

@@ -6,12 +6,13 @@
 //      520   260  coverage symbol name, likewise
 #include "lltld/tuple_db.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <string>
 
 static_assert(sizeof(_STInstInfo) == 780, "a record has no padding");
 

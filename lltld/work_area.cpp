@@ -4,10 +4,18 @@
 #include "lltld/work_area.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/ini_profile.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/shell.h"
+#include "commonfunc/text.h"
 #include "lltld/cov_paths.h"
 #include "lltld/prj_settings.h"
 #include "lltld/work_area_lock.h"
+
+#include <cstddef>
 
 namespace
 {

@@ -2,13 +2,21 @@
 // prepared, and the archive sequence runs on whatever there is.
 #include "lltwrapper/archive_prepare.h"
 
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
 #include "commonfunc/response_file.h"
-#include "lltld/linuxfunc.h"
+#include "commonfunc/text.h"
+#include "lltld/module_compile.h"
+#include "lltld/prj_settings.h"
+#include "lltld/work_area.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 namespace
 {

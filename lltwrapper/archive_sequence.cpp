@@ -2,11 +2,17 @@
 // a failed tidying ends the sequence; a missing stub object does not: the archiver reports it.
 #include "lltwrapper/archive_sequence.h"
 
-#include "lltld/covlinktool.h"
-#include "lltld/linuxfunc.h"
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/message.h"
+#include "lltld/cov_paths.h"
+#include "lltld/db_tidy.h"
+#include "lltld/inst_resolve.h"
+#include "lltld/program_objects.h"
+#include "lltld/stub_source.h"
+#include "lltld/work_area.h"
 #include "lltwrapper/forward_cmd.h"
-#include "lltwrapper/wrapper_state.h"
 
+#include <string>
 #include <sys/stat.h>
 
 namespace

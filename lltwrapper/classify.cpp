@@ -6,12 +6,18 @@
 // "-E" anywhere decides at once.
 #include "lltwrapper/classify.h"
 
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
+#include "lltld/program_objects.h"
 #include "lltwrapper/archive_prepare.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
+#include <map>
 
 namespace
 {

@@ -7,13 +7,19 @@
 // characters are escaped, and in ordinary arguments only when they name an existing path.
 #include "lltwrapper/cmd_parser.h"
 
+#include "commonfunc/file_ops.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
 #include "lltwrapper/classify.h"
 #include "lltwrapper/word_size.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <cstdio>
 #include <cstring>
+#include <set>
 #include <string_view>
+#include <vector>
 
 namespace
 {

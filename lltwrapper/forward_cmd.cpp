@@ -2,12 +2,19 @@
 // escaped: the drivers have always been called so, and a root with a blank has never worked.
 #include "lltwrapper/forward_cmd.h"
 
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
+#include "lltld/program_objects.h"
 #include "lltwrapper/word_size.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 namespace
 {

@@ -4,14 +4,22 @@
 // standard error says what the status hides. LLTWRAPPER_EXACT_STATUS=1 gives the real one.
 #include "lltwrapper/mode_dispatch.h"
 
+#include "commonfunc/env.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/shell.h"
+#include "commonfunc/text.h"
 #include "lltld/cov_paths.h"
+#include "lltld/program_objects.h"
 #include "lltwrapper/archive_sequence.h"
 #include "lltwrapper/forward_cmd.h"
 #include "lltwrapper/version.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace
 {

@@ -1,6 +1,7 @@
 // Word-size suffixes of link names, and the variable that tells the link driver about them.
 #include "lltwrapper/word_size.h"
 
+#include "commonfunc/env.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <cstdlib>

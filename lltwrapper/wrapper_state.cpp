@@ -1,6 +1,9 @@
 // The definitions stand in the order in which static initialisation constructs them.
 #include "lltwrapper/wrapper_state.h"
 
+#include "commonfunc/Caddis_func.h"
+#include "lltld/inst_file_list.h"
+
 std::string pOriginalCmd;
 std::string strLinkName;
 std::string strLinkNameUser;

@@ -2,10 +2,7 @@
 // Nothing outlives the one wrapped command.
 #pragma once
 
-#include "commonfunc/Caddis_func.h"
-#include "lltld/inst_file_list.h"  // instFileList
-#include "lltld/program_objects.h" // tokens, g_iStaticLib
-
+#include <cstddef>
 #include <set>
 #include <string>
 #include <vector>

@@ -3,6 +3,8 @@
 #include "lltcov/common/command_line.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 namespace
 {

@@ -1,11 +1,14 @@
 // Colours and the progress line are for people: they go to terminals only.
 #include "lltcov/common/console.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/message.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <ctime>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {

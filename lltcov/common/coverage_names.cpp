@@ -1,7 +1,8 @@
 // Asked before an archive step (explain) and after it (doctor).
 #include "lltcov/common/coverage_names.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/text.h"
 
 #include <algorithm>
 #include <cctype>

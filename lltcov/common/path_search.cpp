@@ -1,7 +1,8 @@
 // The shims name tools by absolute paths; the shell also takes what a relative PATH leads to.
 #include "lltcov/common/path_search.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/text.h"
 
 #include <algorithm>
 #include <sys/stat.h>

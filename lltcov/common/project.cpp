@@ -2,9 +2,13 @@
 // by its name.
 #include "lltcov/common/project.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <dirent.h>
 #include <fnmatch.h>
 #include <memory>

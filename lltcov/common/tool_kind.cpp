@@ -3,6 +3,7 @@
 #include "lltcov/common/tool_kind.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace
 {

@@ -1,11 +1,13 @@
 // Goes through a table of checks and prints what each finds. A check more is a row more.
 #include "lltcov/doctor/doctor.h"
 
+#include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
+#include "lltcov/common/project.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <sys/stat.h>
 
 namespace
 {

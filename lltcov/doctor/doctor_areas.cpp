@@ -1,15 +1,25 @@
 // What the last build and the runs left: the records of the modules against the files they name.
-#include "lltcov/doctor/doctor.h"
-
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
+#include "contract/record.h"
+#include "lltcov/common/console.h"
 #include "lltcov/common/coverage_names.h"
+#include "lltcov/common/project.h"
+#include "lltcov/doctor/doctor.h"
+#include "lltcov/report/coverage.h"
+#include "lltcov/report/project_data.h"
 #include "lltcov/report/shown_sources.h"
 #include "lltld/object_scan.h"
 
 #include <algorithm>
 #include <ctime>
-#include <functional>
+#include <map>
+#include <string>
 #include <sys/stat.h>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -1,12 +1,16 @@
 // The environment as TUSK_INIT.SH sets it: the wrapper and the drivers read most of it without a
 // word, an unset switch counts as 0.
+#include "commonfunc/env.h"
+#include "commonfunc/file_ops.h"
+#include "lltcov/common/console.h"
+#include "lltcov/common/project.h"
 #include "lltcov/doctor/doctor.h"
-
-#include "commonfunc/Caddis_func.h"
+#include "lltcov/report/project_data.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <string>
 #include <unistd.h>
 
 namespace

@@ -1,13 +1,18 @@
 // Programs are found in two ways: on PATH, by the wrapper's shell, and beside lltcov, by the shims.
-#include "lltcov/doctor/doctor.h"
-
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_ops.h"
+#include "lltcov/common/console.h"
 #include "lltcov/common/path_search.h"
+#include "lltcov/common/project.h"
+#include "lltcov/common/tool_kind.h"
+#include "lltcov/doctor/doctor.h"
 #include "lltcov/shims/shim_text.h"
 #include "lltwrapper/forward_cmd.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace
 {

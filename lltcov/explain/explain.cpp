@@ -1,15 +1,21 @@
 // lltcov explain -- COMMAND...: what the wrapper would do with a command, one labelled line per
 // answer. The work is in explain_step (the wrapper's own code) and explain_advice (the warnings).
-#include "lltcov/common/commands.h"
-
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
 #include "lltcov/common/command_line.h"
+#include "lltcov/common/commands.h"
 #include "lltcov/explain/explain_advice.h"
+#include "lltcov/explain/explain_step.h"
+#include "lltcov/explain/explain_words.h"
+#include "lltwrapper/classify.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 namespace
 {

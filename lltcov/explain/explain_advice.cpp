@@ -2,13 +2,18 @@
 // warns of comes first, in its own words.
 #include "lltcov/explain/explain_advice.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/shell.h"
 #include "lltcov/common/coverage_names.h"
 #include "lltcov/common/path_search.h"
 #include "lltcov/common/tool_kind.h"
+#include "lltcov/explain/explain_words.h"
+#include "lltwrapper/classify.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace
 {

@@ -1,15 +1,28 @@
 // What can go wrong in an archive step is known before it runs: records that the compiler driver
 // did not leave, a stub that cannot be compiled, members that the library loses.
-#include "lltcov/explain/explain_advice.h"
-
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
 #include "lltcov/common/coverage_names.h"
+#include "lltcov/explain/explain_advice.h"
+#include "lltcov/explain/explain_step.h"
 #include "lltld/archive_file.h"
-#include "lltld/linuxfunc.h"
+#include "lltld/cov_paths.h"
+#include "lltld/object_scan.h"
+#include "lltld/prj_settings.h"
+#include "lltwrapper/classify.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -2,9 +2,12 @@
 // is looked at as far as its members; what the coverage work would print is not known.
 #include "lltcov/explain/explain_step.h"
 
+#include "commonfunc/Caddis_func.h"
+#include "commonfunc/path_name.h"
 #include "commonfunc/response_file.h"
+#include "commonfunc/text.h"
 #include "lltcov/explain/output_capture.h"
-#include "lltld/linuxfunc.h"
+#include "lltld/work_area.h"
 #include "lltwrapper/archive_prepare.h"
 #include "lltwrapper/cmd_parser.h"
 #include "lltwrapper/forward_cmd.h"

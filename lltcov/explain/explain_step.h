@@ -6,6 +6,7 @@
 #include "lltld/object_scan.h"
 #include "lltwrapper/classify.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 

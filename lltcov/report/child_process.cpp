@@ -1,11 +1,16 @@
 // Output goes to files: many programs can then run side by side, and none waits for its reader.
 #include "lltcov/report/child_process.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_io.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/shell.h"
+#include "commonfunc/text.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>

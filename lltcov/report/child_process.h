@@ -2,6 +2,7 @@
 // read and write.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <sys/types.h>
 #include <vector>

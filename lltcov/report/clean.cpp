@@ -1,10 +1,13 @@
 // Removes only what the tool set wrote: dumps whose work area is in the project, work areas, and
 // LLTTEMP. Nothing is removed through a link, for it may lead out of the project.
-#include "lltcov/common/commands.h"
-
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/ini_profile.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
+#include "lltcov/common/command_line.h"
+#include "lltcov/common/commands.h"
 #include "lltcov/common/project.h"
 #include "lltcov/report/dump_file.h"
 
@@ -13,8 +16,12 @@
 #include <cstdio>
 #include <filesystem>
 #include <set>
+#include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -1,10 +1,16 @@
 // The elements and attributes that Cobertura's coverage-04.dtd requires, in its order.
 #include "lltcov/common/project.h"
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/report_formats.h"
 #include "lltcov/report/report_text.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {

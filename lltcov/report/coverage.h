@@ -2,6 +2,7 @@
 // all runs and all objects.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <map>

@@ -1,10 +1,15 @@
 // The compiler writes OBJECT.gcno without the object's ".o"; tools look for the data beside it.
 #include "lltcov/report/data_files.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "contract/record.h"
+#include "lltcov/common/project.h"
 #include "lltcov/report/gcov_files.h"
 
 #include <filesystem>
+#include <set>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -1,6 +1,7 @@
 // Notes and data files for tools that read those of "gcc --coverage".
 #pragma once
 
+#include "lltcov/common/console.h"
 #include "lltcov/report/project_data.h"
 
 #include <string>

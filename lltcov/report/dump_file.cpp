@@ -4,6 +4,10 @@
 
 #include "commonfunc/text_lines.h"
 
+#include <cstddef>
+#include <string>
+#include <utility>
+
 namespace
 {
 

@@ -1,16 +1,22 @@
 // The report is made even where something had to be left out; the exit status then says so.
-#include "lltcov/common/commands.h"
-
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/message.h"
 #include "lltcov/common/command_line.h"
+#include "lltcov/common/commands.h"
 #include "lltcov/common/console.h"
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/data_files.h"
 #include "lltcov/report/project_data.h"
 #include "lltcov/report/report_formats.h"
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/shown_sources.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -1,8 +1,11 @@
 // A compiler's notes are read by the gcov of the same major version: each release may change them.
 #include "lltcov/report/gcov_choice.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
 #include "lltcov/report/gcov_files.h"
+
+#include <cstddef>
 
 int gcov_major(const std::string& version_text)
 {

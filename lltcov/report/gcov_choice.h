@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
 
 /// The major version that a gcov prints of itself by "--version"; 0 for the text of another
 /// program.

@@ -3,6 +3,9 @@
 #include "lltcov/report/gcov_files.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
 
 namespace
 {

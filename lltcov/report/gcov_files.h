@@ -5,6 +5,7 @@
 #include "contract/record.h"
 #include "lltcov/report/coverage.h"
 
+#include <cstdint>
 #include <string>
 
 /// The compiler's major version, of the version word in its notes: 12 of "B22*".

@@ -2,9 +2,11 @@
 // holds it: their counts add up to what gcov shows beside the line.
 #include "lltcov/report/gcov_json.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 namespace

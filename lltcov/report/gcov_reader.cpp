@@ -4,13 +4,24 @@
 
 #include "commonfunc/text.h"
 #include "commonfunc/text_lines.h"
+#include "contract/record.h"
+#include "lltcov/report/child_process.h"
 #include "lltcov/report/gcov_choice.h"
 #include "lltcov/report/gcov_files.h"
 #include "lltcov/report/gcov_json.h"
 #include "lltcov/report/recorded_path.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <deque>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <sys/types.h>
+#include <utility>
+#include <vector>
 
 namespace
 {

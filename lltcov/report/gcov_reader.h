@@ -2,6 +2,7 @@
 #pragma once
 
 #include "lltcov/common/console.h"
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/object_reading.h"
 
 /// Reads the objects' counters, many objects by one gcov and on all processors. What cannot be read

@@ -1,6 +1,12 @@
 // One source per line, so that the text can be searched and compared line by line.
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/report_formats.h"
 #include "lltcov/report/report_text.h"
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -1,9 +1,16 @@
 // Function names stay as the assembler has them: they are unique, hold no comma, which would end
 // the name there, and "genhtml --demangle-cpp" makes them readable.
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/report_formats.h"
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -4,7 +4,12 @@
 #include "commonfunc/text_lines.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -2,15 +2,20 @@
 // N.objects (its command line). A part that fails is told of and left out.
 #include "lltcov/report/llvm_reader.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_ops.h"
 #include "commonfunc/text_lines.h"
+#include "contract/record.h"
 #include "lltcov/report/child_process.h"
 #include "lltcov/report/lcov_reader.h"
 #include "lltcov/report/llvm_tools.h"
 #include "lltcov/report/recorded_path.h"
 
 #include <algorithm>
+#include <ctime>
 #include <deque>
+#include <map>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -2,7 +2,10 @@
 #pragma once
 
 #include "lltcov/common/console.h"
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/object_reading.h"
+
+#include <string>
 
 /// The objects' counters as a text that `llvm-profdata merge` takes; functions that several of them
 /// have stand there several times and are added up.

@@ -2,7 +2,10 @@
 // the numbered copy that the step took, else where the compiler driver left it.
 #include "lltcov/report/project_data.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/ini_profile.h"
+#include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
 #include "lltcov/report/linked_libraries.h"
 #include "lltld/source_tab.h"
@@ -13,6 +16,7 @@
 #include <optional>
 #include <sys/stat.h>
 #include <tuple>
+#include <utility>
 
 namespace
 {

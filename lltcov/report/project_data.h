@@ -2,6 +2,7 @@
 #pragma once
 
 #include "contract/record.h"
+#include "lltcov/common/command_line.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/project.h"
 #include "lltcov/report/coverage.h"

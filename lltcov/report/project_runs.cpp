@@ -1,20 +1,30 @@
 // A dump belongs to the module whose work area it names. It counts only for the build that it was
 // made by: the next archive step or link has another build id, and its counters may mean other
 // lines.
-#include "lltcov/report/project_data.h"
-
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
+#include "contract/record.h"
+#include "lltcov/common/console.h"
+#include "lltcov/common/project.h"
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/dump_file.h"
+#include "lltcov/report/project_data.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <fcntl.h>
 #include <map>
 #include <set>
+#include <string>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -1,9 +1,13 @@
 // A prefix that the compiler replaced is put back only where that leads to a file.
 #include "lltcov/report/recorded_path.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
 
 #include <filesystem>
+#include <utility>
+#include <vector>
 
 namespace
 {

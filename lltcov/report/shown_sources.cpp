@@ -5,10 +5,15 @@
 
 #include "commonfunc/env.h"
 #include "commonfunc/text.h"
+#include "contract/record.h"
+#include "lltcov/common/command_line.h"
+#include "lltcov/common/project.h"
 #include "lltcov/report/gcov_reader.h"
 #include "lltcov/report/llvm_reader.h"
 
 #include <algorithm>
+#include <sys/stat.h>
+#include <utility>
 
 namespace
 {

@@ -1,13 +1,17 @@
 // Which sources of an object a report may show: those whose text is still what was compiled.
 #pragma once
 
+#include "lltcov/common/console.h"
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/object_reading.h"
 #include "lltcov/report/project_data.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
-#include <sys/stat.h>
+#include <sys/stat.h> // IWYU pragma: keep
 #include <vector>
 
 /// Makes the coverage of a project's objects. Lines of a source or header that has changed since an

@@ -1,16 +1,21 @@
 // A module's lines are those of its own objects; the total counts a source of several modules once.
-#include "lltcov/common/commands.h"
-
+#include "contract/record.h"
 #include "lltcov/common/command_line.h"
+#include "lltcov/common/commands.h"
 #include "lltcov/common/console.h"
+#include "lltcov/common/project.h"
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/project_data.h"
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/shown_sources.h"
 
 #include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <cstdio>
 #include <set>
+#include <string>
+#include <vector>
 
 namespace
 {

@@ -1,16 +1,25 @@
 // Which test reaches what, of the runs that were made with a test's name in "LLTCOV_TEST".
-#include "lltcov/common/commands.h"
-
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
 #include "lltcov/common/command_line.h"
+#include "lltcov/common/commands.h"
 #include "lltcov/common/console.h"
+#include "lltcov/common/project.h"
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/project_data.h"
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/shown_sources.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <map>
+#include <set>
+#include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -4,7 +4,8 @@
 // shell as they are. The wrapper's own lines go to a log: makefiles read what their tools print.
 #include "lltcov/shims/shim_text.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/shell.h"
 
 #include <climits>
 #include <cstdio>

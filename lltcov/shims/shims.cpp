@@ -1,18 +1,25 @@
 // A directory of shims stands first on PATH: configure steps see the real tools, and a build with
 // LLT_WRAP=1 goes through the wrapper without a change to its makefiles. Which tools: every name on
 // PATH that is a known tool, also with a target before it or a version behind it.
-#include "lltcov/common/commands.h"
-
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/shell.h"
 #include "lltcov/common/command_line.h"
+#include "lltcov/common/commands.h"
 #include "lltcov/common/path_search.h"
 #include "lltcov/common/project.h"
+#include "lltcov/common/tool_kind.h"
 #include "lltcov/shims/shim_text.h"
 
 #include <cstdio>
 #include <filesystem>
 #include <map>
+#include <string>
 #include <sys/stat.h>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -1,3 +1,4 @@
+#include "commonfunc/Caddis_func.h"
 #include "lltwrapper/classify.h"
 #include "lltwrapper/wrapper_state.h"
 #include "tests/fixture.h"

@@ -1,3 +1,4 @@
+#include "commonfunc/Caddis_func.h"
 #include "lltwrapper/forward_cmd.h"
 #include "lltwrapper/wrapper_state.h"
 #include "tests/fixture.h"

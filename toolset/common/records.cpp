@@ -2,8 +2,10 @@
 // (the same source compiled again), the two change places and the old one goes.
 #include "toolset/common/records.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
 #include "commonfunc/text_lines.h"
 #include "contract/object_record.h"
 #include "lltld/source_tab.h"
@@ -14,6 +16,7 @@
 #include <cctype>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <stdexcept>

@@ -4,7 +4,9 @@
 
 #include "contract/record.h"
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// A C identifier of at most 31 characters: the source's name, cut to 14, and a number that is

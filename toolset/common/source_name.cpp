@@ -4,6 +4,8 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 
+#include <cstddef>
+
 std::string suffix_of(const std::string& path)
 {
     const std::string name = base_name(path);

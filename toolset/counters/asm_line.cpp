@@ -5,6 +5,7 @@
 #include "toolset/counters/counter_text.h"
 
 #include <algorithm>
+#include <string>
 
 namespace
 {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
 
 /// A line of the text as the assembler sees it: a label, or a directive or instruction.

@@ -4,6 +4,7 @@
 #include "toolset/counters/clang_tables.h"
 
 #include "commonfunc/text.h"
+#include "contract/record.h"
 #include "toolset/counters/asm_line.h"
 
 #include <algorithm>

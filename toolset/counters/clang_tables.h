@@ -4,6 +4,9 @@
 
 #include "toolset/counters/counter_text.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>

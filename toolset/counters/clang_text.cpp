@@ -5,12 +5,19 @@
 // directives are understood, so that this works for every machine: how a counter is addressed stays
 // as it is, and a name is replaced by an expression. Anything else that names a counter or a table
 // is refused.
+#include "commonfunc/text.h"
 #include "toolset/counters/asm_line.h"
 #include "toolset/counters/clang_tables.h"
-
-#include "commonfunc/text.h"
+#include "toolset/counters/counter_text.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 // Names are to be plain text; the assembler is to be a program of its own.
 const char* const CLANG_OPTIONS[] = {"-fprofile-instr-generate",

@@ -1,6 +1,8 @@
 // One allocation for the whole text: C++ sources give megabytes of assembly.
 #include "toolset/counters/counter_text.h"
 
+#include <cstddef>
+
 std::string with_array(const CounterText& text, const std::string& array)
 {
     std::size_t size = 0;

@@ -3,9 +3,12 @@
 #include "toolset/counters/gcc_tables.h"
 
 #include "commonfunc/text.h"
+#include "contract/record.h"
 #include "toolset/counters/asm_line.h"
 
 #include <algorithm>
+#include <exception>
+#include <string>
 
 namespace
 {

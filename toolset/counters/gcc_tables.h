@@ -3,6 +3,8 @@
 
 #include "toolset/counters/counter_text.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <unordered_map>
 #include <utility>

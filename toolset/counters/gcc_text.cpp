@@ -6,12 +6,20 @@
 // and data directives are understood, so that this works for every machine: how a counter is
 // addressed stays as it is, and a name is replaced by an expression. Anything else that names a
 // counter or a table is refused.
+#include "commonfunc/text.h"
 #include "toolset/counters/asm_line.h"
+#include "toolset/counters/counter_text.h"
 #include "toolset/counters/gcc_tables.h"
 
-#include "commonfunc/text.h"
-
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -2,9 +2,15 @@
 // members, which in a thin archive are files of their own.
 #include "toolset/linkdriver/archive_coverage.h"
 
-#include "commonfunc/Caddis_func.h"
-#include <cstdint>
+#include "commonfunc/file_io.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
+
+#include <algorithm>
+#include <cstddef>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -8,6 +8,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 
 /// The build that a registration stub is of; empty texts when the stub does not show them.
 struct StubBuild {

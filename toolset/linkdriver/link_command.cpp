@@ -2,13 +2,17 @@
 // a file name means. Everything else goes to the tool as it is.
 #include "toolset/linkdriver/link_command.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/response_file.h"
+#include "commonfunc/text.h"
 #include "toolset/common/source_name.h"
 #include "toolset/linkdriver/link_file.h"
 
-#include <algorithm>
-#include <cstring>
 #include <initializer_list>
+#include <utility>
 
 namespace
 {

@@ -3,10 +3,12 @@
 // the wrapper, or by more than one archive step.
 #include "toolset/linkdriver/link_coverage.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/path_name.h"
 
 #include <algorithm>
 #include <cctype>
+#include <map>
+#include <utility>
 
 namespace
 {

@@ -5,6 +5,7 @@
 #include "toolset/linkdriver/archive_coverage.h"
 #include "toolset/linkdriver/link_command.h"
 
+#include <cstddef>
 #include <set>
 #include <string>
 #include <vector>

@@ -4,8 +4,14 @@
 #include "toolset/linkdriver/link_driver.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
 #include "lltld/counter_mode.h"
+#include "toolset/common/driver_call.h"
 #include "toolset/common/process.h"
+#include "toolset/linkdriver/link_command.h"
 #include "toolset/linkdriver/link_coverage.h"
 #include "toolset/linkdriver/link_file.h"
 #include "toolset/linkdriver/lost_records.h"
@@ -15,6 +21,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <set>
+#include <string>
+#include <vector>
 
 namespace
 {

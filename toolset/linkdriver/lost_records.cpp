@@ -2,14 +2,21 @@
 #include "toolset/linkdriver/lost_records.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
+#include "contract/record.h"
 #include "lltld/archive_file.h"
 #include "lltld/cov_paths.h"
-#include "lltld/linuxfunc.h"
+#include "lltld/object_scan.h"
 #include "toolset/common/process.h"
 #include "toolset/common/records.h"
 #include "toolset/linkdriver/archive_coverage.h"
 
+#include <set>
 #include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace
 {

@@ -1,6 +1,7 @@
 // Records that are gone from LLTTEMP although objects of the link carry them.
 #pragma once
 
+#include "toolset/linkdriver/link_command.h"
 #include "toolset/linkdriver/link_coverage.h"
 
 /// Leaves the records of the link's coverage symbols again where they are missing, from the objects

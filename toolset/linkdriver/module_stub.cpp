@@ -4,15 +4,28 @@
 #include "toolset/linkdriver/module_stub.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
-#include "lltld/covlinktool.h"
-#include "lltld/linuxfunc.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/shell.h"
+#include "commonfunc/text.h"
+#include "lltld/cov_paths.h"
+#include "lltld/db_tidy.h"
+#include "lltld/inst_file_list.h"
+#include "lltld/inst_resolve.h"
+#include "lltld/module_compile.h"
+#include "lltld/prj_settings.h"
+#include "lltld/source_tab.h"
+#include "lltld/stub_source.h"
+#include "lltld/work_area.h"
 #include "toolset/common/process.h"
 #include "toolset/counters/counter_text.h"
+#include "toolset/linkdriver/archive_coverage.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
-#include <cstring>
 
 namespace
 {

@@ -2,9 +2,10 @@
 // No header is included, for the text is compiled with the options of a project's own sources.
 #include "toolset/linkdriver/plain_functions.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
 
 #include <set>
+#include <vector>
 
 namespace
 {

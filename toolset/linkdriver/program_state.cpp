@@ -1,8 +1,9 @@
 // What the libraries read and the program owns.
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
 #include "lltld/inst_file_list.h"
-#include "lltld/program_objects.h"
-#include "toolset/common/process.h"
+#include "lltld/program_objects.h"  // IWYU pragma: keep: declares the rest
+#include "toolset/common/process.h" // IWYU pragma: keep: declares program_name
 
 const char* const program_name = "lltld";
 LinuxPrjItem* g_lxprj = LinuxPrjItem::GetInstance();

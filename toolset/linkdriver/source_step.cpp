@@ -3,12 +3,16 @@
 #include "toolset/linkdriver/source_step.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/path_name.h"
 #include "toolset/common/process.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdio>
+#include <string>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -3,16 +3,21 @@
 // has a record too: it shows that this assembler made the object.
 #include "toolset/lltcc/assembler.h"
 
-#include "commonfunc/Caddis_func.h"
-#include "toolset/common/driver_call.h"
+#include "commonfunc/text.h"
+#include "contract/record.h"
 #include "toolset/common/records.h"
 #include "toolset/counters/counter_text.h"
 #include "toolset/lltcc/handover.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <fcntl.h>
+#include <string>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace
 {

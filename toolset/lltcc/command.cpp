@@ -1,8 +1,9 @@
 // Only the few options that decide something are known; the compiler reads the command itself.
 #include "toolset/lltcc/command.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/path_name.h"
 #include "commonfunc/response_file.h"
+#include "commonfunc/text.h"
 #include "toolset/common/source_name.h"
 
 #include <algorithm>

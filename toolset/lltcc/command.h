@@ -3,6 +3,7 @@
 
 #include "toolset/common/process.h"
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>

@@ -2,15 +2,20 @@
 // compiler and target, since every compile of a build asks.
 #include "toolset/lltcc/compiler.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/text.h"
 #include "toolset/common/driver_call.h"
+#include "toolset/common/process.h"
 
 #include <climits>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace
 {

@@ -5,7 +5,13 @@
 // that an object from a compiler cache has it too. What fails that way is compiled plainly.
 #include "toolset/lltcc/driver.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/shell.h"
+#include "commonfunc/text.h"
+#include "contract/record.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/records.h"
 #include "toolset/counters/counter_text.h"
@@ -18,6 +24,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {

@@ -2,7 +2,8 @@
 // are a file whose number ends in 0.
 #include "toolset/lltcc/handover.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/env.h"
+#include "commonfunc/file_ops.h"
 #include "toolset/common/process.h"
 
 #include <cstdlib>

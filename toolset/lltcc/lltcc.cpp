@@ -2,11 +2,14 @@
 // compiler, under the name `as` it is what that compiler takes for its assembler, and `lltcc -stub`
 // compiles registration stubs.
 #include "commonfunc/path_name.h"
+#include "toolset/common/process.h"
 #include "toolset/lltcc/assembler.h"
 #include "toolset/lltcc/driver.h"
 #include "toolset/lltcc/stub_role.h"
 
 #include <exception>
+#include <string>
+#include <vector>
 
 const char* const program_name = "lltcc";
 

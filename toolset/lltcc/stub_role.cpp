@@ -4,12 +4,16 @@
 // short ones of lltcc's own stand in for the long ones: a third of a stub's compile.
 #include "toolset/lltcc/stub_role.h"
 
-#include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
 #include "toolset/counters/counter_text.h"
 #include "toolset/lltcc/tools_directory.h"
 
+#include <cstddef>
 #include <fcntl.h>
 #include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace
 {

@@ -1,14 +1,16 @@
 /* The public functions, all in one object: when the linker takes one of them from the static
  * library it takes all, so that a process never mixes two copies of the runtime within a module. */
-#include "lltcov_rt.h"
-
 #include "copies.h"
 #include "dump.h"
+#include "lltcov_rt.h"
 #include "policy.h"
 #include "process.h"
 #include "registry.h"
 
 #include <errno.h>
+#include <limits.h>
+#include <signal.h>
+#include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>

@@ -3,8 +3,11 @@
 #include "copies.h"
 
 #include "dump.h"
+#include "registry.h"
 
+#include <elf.h>
 #include <link.h>
+#include <signal.h>
 #include <stdint.h>
 #include <string.h>
 

@@ -5,6 +5,7 @@
 #include "report.h"
 
 #include <errno.h>
+#include <stddef.h>
 
 int dump_module(struct module* module)
 {

@@ -12,11 +12,12 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <stdint.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
+#include <sys/syscall.h> // IWYU pragma: keep
 #include <sys/uio.h>
 #include <time.h>
 #include <unistd.h>

@@ -5,6 +5,7 @@
 #include "out.h"
 
 #include <errno.h>
+#include <stdint.h>
 #include <string.h>
 #include <sys/mman.h>
 

@@ -4,7 +4,6 @@
 
 #include <errno.h>
 #include <signal.h>
-#include <time.h>
 #include <unistd.h>
 
 static void out_byte(struct out* out, char byte)

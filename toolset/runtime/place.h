@@ -4,6 +4,9 @@
 
 #include "registry.h"
 
+#include <limits.h>
+#include <stddef.h>
+
 /* Two paths. */
 struct place {
     char path[PATH_MAX];

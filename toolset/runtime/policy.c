@@ -7,7 +7,6 @@
 #include <errno.h>
 #include <pthread.h>
 #include <signal.h>
-#include <stddef.h>
 #include <stdlib.h>
 #include <time.h>
 

@@ -8,9 +8,11 @@
 #include "dump.h"
 #include "lltcov_rt.h"
 #include "policy.h"
+#include "registry.h"
 #include "report.h"
 
 #include <pthread.h>
+#include <signal.h>
 #include <stdarg.h>
 #include <stdlib.h>
 #include <unistd.h>

@@ -3,7 +3,6 @@
 #ifndef LLTCOV_REGISTRY_H
 #define LLTCOV_REGISTRY_H
 
-#include <limits.h>
 #include <signal.h>
 #include <stddef.h>
 #include <stdint.h>
