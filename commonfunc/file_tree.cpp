@@ -6,6 +6,7 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -18,20 +19,6 @@
 
 namespace
 {
-
-/// Names in the directory without "." and ".."; empty when it cannot be read. Read whole before
-/// anything is changed, since removal disturbs a directory stream.
-std::vector<std::string> names_in(const std::string& directory)
-{
-    std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(directory.c_str()), &::closedir);
-    while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
-        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
-            names.emplace_back(entry->d_name);
-        }
-    }
-    return names;
-}
 
 bool failed(const char* what, const std::string& path)
 {
@@ -154,6 +141,19 @@ bool copy_entry(const std::string& source, const std::string& destination)
 }
 
 } // namespace
+
+std::vector<std::string> names_in(const std::string& directory)
+{
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(directory.c_str()), &::closedir);
+    while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
+        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
+            names.emplace_back(entry->d_name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
 
 void remove_tree(const std::string& path)
 {

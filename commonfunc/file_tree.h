@@ -2,6 +2,11 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+/// The names in the directory, in byte order, without "." and ".."; empty when it cannot be read.
+/// All are read before the first is given: removal would disturb a directory that is being read.
+std::vector<std::string> names_in(const std::string& directory);
 
 /// Removes the file or directory tree like "rm -rf": links themselves, not what they name; a
 /// missing path is no error; what cannot be removed stays, and so do "." and "..".

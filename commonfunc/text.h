@@ -23,6 +23,12 @@ constexpr bool begins_with(std::string_view text, std::string_view start)
     return text.substr(0, start.size()) == start;
 }
 
+/// True when the part stands anywhere in the text.
+constexpr bool contains(std::string_view text, std::string_view part)
+{
+    return text.find(part) != text.npos;
+}
+
 /// True when the text is one of these.
 inline bool is_one_of(std::string_view text, std::initializer_list<std::string_view> list)
 {

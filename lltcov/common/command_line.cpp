@@ -9,7 +9,7 @@
 namespace
 {
 
-bool contains(const std::vector<std::string>& list, const std::string& item)
+bool is_in(const std::vector<std::string>& list, const std::string& item)
 {
     return std::find(list.begin(), list.end(), item) != list.end();
 }
@@ -33,12 +33,12 @@ CommandLine::CommandLine(const std::vector<std::string>& arguments,
         }
         const std::size_t equals = argument.find('=');
         const std::string name = argument.substr(0, equals);
-        if (contains(valued, name)) {
+        if (is_in(valued, name)) {
             if (equals == argument.npos && i + 1 == arguments.size()) {
                 throw UsageError("option '" + name + "' needs a value");
             }
             values_[name] = equals != argument.npos ? argument.substr(equals + 1) : arguments[++i];
-        } else if (contains(flags, argument)) {
+        } else if (is_in(flags, argument)) {
             values_[argument] = "";
         } else {
             throw UsageError("there is no option '" + argument + "'");

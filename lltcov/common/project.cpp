@@ -4,6 +4,7 @@
 
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
+#include "commonfunc/file_tree.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 
@@ -76,22 +77,4 @@ bool is_inside(const std::string& path, const std::string& folder)
 std::string shown_path(const std::string& path, const std::string& folder)
 {
     return is_inside(path, folder) ? path.substr(folder.size() + 1) : path;
-}
-
-std::vector<std::string> names_in(const std::string& directory)
-{
-    std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> dir(::opendir(directory.c_str()), ::closedir);
-    while (dir != nullptr) {
-        const dirent* entry = ::readdir(dir.get());
-        if (entry == nullptr) {
-            break;
-        }
-        const std::string name = entry->d_name;
-        if (name != "." && name != "..") {
-            names.push_back(name);
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
 }

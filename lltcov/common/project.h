@@ -39,6 +39,3 @@ bool is_inside(const std::string& path, const std::string& folder);
 
 /// The path as people read it: relative to the folder when it is inside.
 std::string shown_path(const std::string& path, const std::string& folder);
-
-/// The names in a directory, in byte order, without "." and ".."; empty when it cannot be read.
-std::vector<std::string> names_in(const std::string& directory);

@@ -1,6 +1,7 @@
 // What the last build and the runs left: the records of the modules against the files they name.
 #include "commonfunc/env.h"
 #include "commonfunc/file_io.h"
+#include "commonfunc/file_tree.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 #include "contract/record.h"
@@ -28,11 +29,6 @@ namespace
 constexpr std::size_t MAX_PATH_IN_RECORD = 259;
 /// A temporary file that is younger may be in use, in seconds.
 constexpr std::time_t MIN_AGE = 60;
-
-bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != text.npos;
-}
 
 bool is_archive(const std::string& content)
 {

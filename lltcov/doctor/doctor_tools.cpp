@@ -1,6 +1,7 @@
 // Programs are found in two ways: on PATH, by the wrapper's shell, and beside lltcov, by the shims.
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
+#include "commonfunc/file_tree.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/path_search.h"
 #include "lltcov/common/project.h"

@@ -4,6 +4,7 @@
 
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
+#include "commonfunc/file_tree.h"
 #include "commonfunc/ini_profile.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"

@@ -3,6 +3,7 @@
 // lines.
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
+#include "commonfunc/file_tree.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
 #include "contract/record.h"

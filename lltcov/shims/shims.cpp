@@ -3,6 +3,7 @@
 // PATH that is a known tool, also with a target before it or a version behind it.
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
+#include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"

@@ -29,18 +29,12 @@ void keep_symbols(std::vector<CoverageSymbol>& found)
     found.erase(std::remove_if(found.begin(), found.end(), is_no_symbol), found.end());
 }
 
-} // namespace
-
-LinkCoverage find_coverage(const LinkCommand& link)
+/// Looks through the inputs of a link, one after the other.
+class CoverageFinder
 {
-    LinkCoverage coverage;
-    const auto add = [&](const LinkInput& input, ScannedObject&& object) {
-        coverage.first = std::min(coverage.first, input.position);
-        if (!object.symbols.empty()) {
-            coverage.objects.push_back(std::move(object));
-        }
-    };
-    for (const LinkInput& input : link.objects) {
+public:
+    void look_at_object(const LinkInput& input)
+    {
         ScannedObject object;
         if (scan_object(absolute_path(input.path), object)) {
             keep_symbols(object.symbols);
@@ -49,32 +43,75 @@ LinkCoverage find_coverage(const LinkCommand& link)
             add(input, std::move(object));
         }
     }
-    std::set<std::string> arrays;
-    std::set<std::string> seen;
-    ScannedObject registered;
-    for (const LinkInput& input : link.archives) {
-        if (!seen.insert(absolute_path(input.path)).second) {
-            continue;
+
+    void look_at_archive(const LinkInput& input)
+    {
+        const bool is_new = archives_.insert(absolute_path(input.path)).second;
+        if (!is_new) {
+            return;
         }
         ArchiveCoverage archive = read_archive(input.path);
         keep_symbols(archive.unregistered.symbols);
-        coverage.has_twins = coverage.has_twins || archive.has_twins;
+        note_twins(archive);
         for (const auto& [module, build] : archive.modules) {
-            coverage.has_twins = !coverage.modules.insert(module).second || coverage.has_twins;
-            coverage.libraries.push_back({archive.unregistered.path, build, archive.arrays});
-        }
-        for (const std::string& array : archive.arrays) {
-            coverage.has_twins = !arrays.insert(array).second || coverage.has_twins;
-            add_symbol(registered, array);
+            coverage_.libraries.push_back({archive.unregistered.path, build, archive.arrays});
         }
         if (!archive.modules.empty() || !archive.unregistered.symbols.empty()) {
             add(input, std::move(archive.unregistered));
         }
     }
-    if (coverage.has_twins) {
-        // Only one of two equal stubs will run. The runtime counts no array twice.
-        registered.path = link.output;
-        coverage.objects.push_back(std::move(registered));
+
+    /// What was found. Of two equal stubs only one will run, so the link registers what the
+    /// libraries do as well; the runtime counts no array twice.
+    LinkCoverage result(const std::string& output)
+    {
+        if (coverage_.has_twins) {
+            registered_.path = output;
+            coverage_.objects.push_back(std::move(registered_));
+        }
+        return std::move(coverage_);
     }
-    return coverage;
+
+private:
+    void add(const LinkInput& input, ScannedObject&& object)
+    {
+        coverage_.first = std::min(coverage_.first, input.position);
+        if (!object.symbols.empty()) {
+            coverage_.objects.push_back(std::move(object));
+        }
+    }
+
+    void note_twins(const ArchiveCoverage& archive)
+    {
+        bool has_twins = archive.has_twins;
+        for (const auto& module : archive.modules) {
+            const bool is_new = coverage_.modules.insert(module.first).second;
+            has_twins = has_twins || !is_new;
+        }
+        for (const std::string& array : archive.arrays) {
+            const bool is_new = arrays_.insert(array).second;
+            has_twins = has_twins || !is_new;
+            add_symbol(registered_, array);
+        }
+        coverage_.has_twins = coverage_.has_twins || has_twins;
+    }
+
+    LinkCoverage coverage_;
+    std::set<std::string> archives_; ///< that were looked at
+    std::set<std::string> arrays_;   ///< that libraries register
+    ScannedObject registered_;       ///< the same, as symbols of one object
+};
+
+} // namespace
+
+LinkCoverage find_coverage(const LinkCommand& link)
+{
+    CoverageFinder finder;
+    for (const LinkInput& input : link.objects) {
+        finder.look_at_object(input);
+    }
+    for (const LinkInput& input : link.archives) {
+        finder.look_at_archive(input);
+    }
+    return finder.result(link.output);
 }
