@@ -175,7 +175,7 @@ private:
     Counting counting_;
     Findings& findings_;
     TemporaryFolder folder_;
-    std::map<std::string, LlvmTools> tools_; ///< by recorded folder
+    std::map<std::string, LlvmTools> tools_; ///< by recorded directory
     Progress progress_;
 };
 
