@@ -10,7 +10,7 @@ struct Compiler {
     enum class Kind { gcc, clang, other };
 
     Kind kind = Kind::other;
-    int major = 0;       ///< of its version
+    int major = 0;       ///< first number of its version
     std::string headers; ///< regular expressions, ";" between them: its own header directories
     std::string reader;  ///< gcc: its gcov; clang: directory of LLVM's tools; empty when not found
     std::string assembler; ///< the program that it takes for its assembler
