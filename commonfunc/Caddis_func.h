@@ -7,7 +7,7 @@
 // drivers against the library, are its table of contents.
 #pragma once
 
-#include "commonfunc/build_id.h"      // build identity, local time stamps
+#include "commonfunc/build_id.h"      // build id, local time stamps
 #include "commonfunc/env.h"           // the rules for reading environment variables
 #include "commonfunc/file_io.h"       // files read and written whole
 #include "commonfunc/file_ops.h"      // existence, directories, removal
@@ -29,7 +29,7 @@ public:
     int gcovmode = 0;          ///< coverage-mode switch
     int cvgflag = 0;           ///< coverage flag; not set here
     int simplemode = 0;        ///< not set here
-    int stubmode = 0;          ///< coverage stub mode, from "qmr_coverage_stub_mold"
+    int stubmode = 0;          ///< stub mode, from "qmr_coverage_stub_mold"
     int couterselect = 0;      ///< counter selection; not set here
     int seltmode = 0;          ///< not set here
     int cov_type = 0;          ///< 1 when a custom coverage type is configured
@@ -45,7 +45,7 @@ public:
     char szPrjPath[262] = {};     ///< project directory
     char szPrjName[262] = {};     ///< project name, see `LinuxPrjItem`
     char modName[262] = {};       ///< module name: the archive's stem
-    char szCovDictPath[512] = {}; ///< root of the module's coverage work area
+    char szCovDictPath[512] = {}; ///< root of the module's work area
     char szLLTTEMP[512] = {};     ///< absolute path of the project's "LLTTEMP" directory
 };
 

@@ -1,4 +1,4 @@
-// The identifier ties the coverage data of one build together, so it is made once per process and
+// The build id ties the coverage data of one build together, so it is made once per process and
 // kept, whatever the clock and the environment do afterwards.
 #include "commonfunc/build_id.h"
 

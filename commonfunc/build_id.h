@@ -1,7 +1,7 @@
-// Build identity and local time stamps.
+// The build id and local time stamps.
 #pragma once
 
-/// The identifier of this run's build: empty until `TUSK_Build_GetBUID` fills it, then never
+/// The build id of this run: empty until `TUSK_Build_GetBUID` fills it, then never
 /// changed. 260 bytes, NUL-terminated.
 extern char g_szBuildID[260];
 
@@ -10,7 +10,7 @@ extern char g_szBuildID[260];
 /// (cut to 259 bytes in all). Example: Q1115113445.
 char* TUSK_Build_GetBUID();
 
-/// Writes a fresh identifier without the version part and a NUL, 12 bytes, into `out`; does
+/// Writes a fresh build id without the version part and a NUL, 12 bytes, into `out`; does
 /// nothing when `out` is null.
 void TUSK_Build_GenerateBUID(char* out);
 

@@ -1,7 +1,7 @@
 // Reading goes file -> text -> `parse_file` -> value; writing goes text -> `with_profile_value`
 // -> file. Oddities of the format that existing files rely on: names match by prefix, the white
 // space after a section head belongs to the head, a new key becomes the section's first line, the
-// byte 0xFF ends the text, and inserting a key squeezes "%%" behind it.
+// byte 0xFF ends the text, and inserting a key squeezes "%%" after it.
 #include "commonfunc/ini_profile.h"
 
 #include "commonfunc/file_io.h"
@@ -27,7 +27,7 @@ struct IniText {
     std::string text; ///< up to the first 0xFF
     bool opened = false;
     bool too_large = false;    ///< the file holds more than one buffer does
-    bool rest_dropped = false; ///< something stands behind a 0xFF or NUL
+    bool rest_dropped = false; ///< something stands after a 0xFF or NUL
 };
 
 IniText load_text(const char* path)
@@ -87,7 +87,7 @@ bool line_answers(const char* text, int start, int end, const char* key, Positio
     return true;
 }
 
-/// Walks the lines of a section from `at`; leaves `at` behind its last line.
+/// Walks the lines of a section from `at`; leaves `at` after its last line.
 bool section_answers(const char* text, int& at, const char* key, Positions& found)
 {
     while (!end_of_string(static_cast<unsigned char>(text[at])) &&

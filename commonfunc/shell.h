@@ -14,7 +14,7 @@ enum class Flush { none, out, both };
 int run_shell(const std::string& command, Flush flush);
 
 /// `run_shell` with both streams flushed, for the short commands that the program composes itself
-/// (`mkdir`, `rm`, `cp`). When the helper died of SIGINT or SIGQUIT, the program ends by the same
+/// (`mkdir`, `rm`, `cp`). When the command died of SIGINT or SIGQUIT, the program ends by the same
 /// signal: the user wants the build stopped, not this step alone.
 int run_helper(const std::string& command);
 

@@ -1,6 +1,6 @@
 // The map of the disk: every path of the module's work area (`szCovDictPath`, D below) and of the
-// project's shared temporary area (`szLLTTEMP`, T below), one function each. S is a coverage
-// symbol name, M the module name.
+// project's temporary area (`szLLTTEMP`, T below), one function each. S is a coverage symbol, M the
+// module name.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// The coverage library: the database of instrumented sources and the registration stub.
+// The coverage library: the database of instrumented sources and the stub.
 #pragma once
 
 #include "lltld/counter_mode.h" // what depends on the stub mode

@@ -1,4 +1,4 @@
-// Pass 2 over the merged table: numbering of the instrumentation points, the counter arrays of the
+// Pass 2 over the merged table: numbering of the points, the counter arrays of the
 // stub, and the keys of the work area's project file.
 #pragma once
 

@@ -20,7 +20,7 @@ namespace
 
 constexpr unsigned int CODE_TIDYING_ERROR = 2311;
 
-/// Copies one artefact; false when its source is missing.
+/// Copies a file or directory of a record; false when its source is missing.
 bool copy_artefact(const std::string& source, const std::string& destination)
 {
     if (QMRFileExists(source.c_str()) == 0) {

@@ -1,5 +1,5 @@
 // Pass 1 over the listed symbols: one merged table, numbered densely from 0, and copies of their
-// artefacts under those numbers.
+// records under those numbers.
 #pragma once
 
 /// Writes the work area's merged table with one record per symbol of `instFileList`, and in

@@ -1,4 +1,4 @@
-// Removal of what the compiler driver left under a superseded coverage symbol name.
+// Removal of what the compiler driver left under a superseded coverage symbol.
 #pragma once
 
 /// Removes from the temporary area the symbol's database directory, its INI file, every file in

@@ -1,4 +1,4 @@
-// One file at a time is read whole, with one NUL behind it, and freed before the next one.
+// One file at a time is read whole, with one NUL after it, and freed before the next one.
 #include "lltld/object_scan.h"
 
 #include "commonfunc/file_io.h"
@@ -35,7 +35,7 @@ void collect_symbols(const std::string& content, ScannedObject& object)
         const std::size_t length = std::strcspn(name, " ");
         object.symbols.push_back(
             {object.runs.size() - 1, static_cast<std::size_t>(at - run), {name, length}});
-        // From the end of the name on: the blank or NUL there begins no match, and behind the
+        // From the end of the name on: the blank or NUL there begins no match, and after the
         // last NUL there is nothing to read.
         at = name + length;
     }
@@ -66,7 +66,7 @@ const char* QMRstrstr(const char* data, const char* pattern, unsigned long len)
         if (pattern[matched] == '\0') {
             return attempt;
         }
-        // Kept: behind the mismatching byte, which may have begun a match itself.
+        // Kept: after the mismatching byte, which may have begun a match itself.
         attempt += matched + 1;
     }
     return nullptr;

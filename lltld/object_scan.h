@@ -1,5 +1,5 @@
-// Object files searched, as raw bytes, for coverage symbols. The instrumenting compiler driver
-// leaves a data symbol "g_QMRCovData_" and the database name in each object.
+// Object files searched, as raw bytes, for coverage symbols: the compiler driver leaves a reference
+// to the array "g_QMRCovData_S" in each object, S being the coverage symbol of its source.
 #pragma once
 
 #include <cstddef>
@@ -7,20 +7,20 @@
 #include <vector>
 
 /// Searches `data` for the NUL-terminated pattern; the match, or null. After a mismatch the search
-/// goes on behind the mismatching byte, so a match that overlaps a partly matched prefix is not
+/// goes on after the mismatching byte, so a match that overlaps a partly matched prefix is not
 /// found (aab in aaab). Attempts start at offsets below `len` only; one may read beyond it, which
-/// a NUL behind the data makes safe. An empty pattern matches when `len` is at least 1.
+/// a NUL after the data makes safe. An empty pattern matches when `len` is at least 1.
 const char* QMRstrstr(const char* data, const char* pattern, unsigned long len);
 
 /// Sets `*found` to 1 or 0: whether the pattern occurs in the file. Returns 1, or 0 when the file
 /// could not be read or is empty (`*found` is untouched then; a missing file is reported).
 int FindSymbolInObjFileEx(int* found, const char* path, const char* pattern);
 
-/// Registers every database name of the file in `instFileList` and prints the symbols. Returns 1,
+/// Registers every coverage symbol of the file in `instFileList` and prints them. Returns 1,
 /// also without any symbol, or 0 after a message.
 int FindSymbolInObjFile(const char* path);
 
-/// One coverage symbol of an object: `name` is what stands behind the prefix up to the next blank
+/// One coverage symbol of an object: `name` is what follows the prefix up to the next blank
 /// or NUL. What is printed of it runs to the next NUL and may hold further symbols, so symbols of
 /// one run share its text.
 struct CoverageSymbol {

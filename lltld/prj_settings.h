@@ -9,7 +9,7 @@ extern int g_iSupportSameName;
 /// block for an invalid switch or a missing value; what was read before the error stays.
 int init_lltld();
 
-/// Fills project path, name, port and the root of the coverage work area from
+/// Fills project path, name, port and the root of the work area from
 /// "qmr_current_prj_path", and loads the usage context. Returns 1, or 0 when that is unset.
 /// Comes after `init_lltld`, whose `szPrjPath` names the directory of "tusk_g.ini".
 int Caddis_LD_GetCovDictPath();

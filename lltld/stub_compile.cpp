@@ -16,7 +16,7 @@ char g_lltusercmd2[1024];
 namespace
 {
 
-/// Room for the stub's paths behind the recorded command, and for a whole second-stage command.
+/// Room for the stub's paths after the recorded command, and for a whole second-stage command.
 constexpr std::size_t ROOM_BEHIND_PREFIX = 1023;
 constexpr std::size_t SECOND_STAGE_LENGTH = 2047;
 

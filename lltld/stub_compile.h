@@ -1,4 +1,4 @@
-// Compilation of the coverage registration stub.
+// Compilation of the stub.
 #pragma once
 
 /// User-given second-stage commands, 1,024 bytes each, NUL-terminated; empty in the wrapper.

@@ -1,5 +1,5 @@
 // One function per piece of the generated source, in the order in which they stand in it. Paths
-// and names go into C strings as they are; only the project name and the build identity, which
+// and names go into C strings as they are; only the project name and the build id, which
 // come from outside the build's files, are escaped.
 //
 // Kept: in archive mode the stub may call for `g_TUSKSockBindPort` without defining it; the

@@ -1,4 +1,4 @@
-// The coverage registration stub of a module: a C source that declares the counter arrays of its
+// The stub of a module: a C source that declares the counter arrays of its
 // sources, registers them with the coverage runtime when the module is loaded, and has them dumped
 // when it is unloaded.
 #pragma once
@@ -21,7 +21,7 @@ void Caddis_CovInitCodeFile_Func_Declare(std::FILE* stub);
 /// executable, into `szCov_type`; `cov_type` becomes 1 for a type with "unsigned long".
 void Caddis_LD_CovTypeIsCustom();
 
-/// Writes the stub behind its arrays, and the agent configuration file when that is enabled.
+/// Writes the stub after its arrays, and the agent configuration file when that is enabled.
 /// Returns 1, or 0 when the latter failed. The caller keeps owning the table.
 int LD_LinuxCompileCovInitCodeFile(_SOURCEFILE_TAB table, std::FILE* stub);
 

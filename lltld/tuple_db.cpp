@@ -3,7 +3,7 @@
 //   offset  size  content
 //        0   260  source path, NUL-terminated, zero-filled
 //      260   260  object path, likewise
-//      520   260  coverage symbol name, likewise
+//      520   260  coverage symbol, likewise
 #include "lltld/tuple_db.h"
 
 #include "commonfunc/file_io.h"

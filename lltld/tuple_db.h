@@ -1,5 +1,5 @@
 // The tuple database: which sources were instrumented into which objects under which coverage
-// symbol names, as the last archive step of the work area left it.
+// symbols, as the last archive step of the work area left it.
 #pragma once
 
 #include "lltld/inst_file_list.h"
@@ -10,7 +10,7 @@
 struct _STInstInfo {
     char szSrcFileName[INST_NAME_SIZE] = {}; ///< path of the source
     char szObjFileName[INST_NAME_SIZE] = {}; ///< path of the object
-    char szSymbolName[INST_NAME_SIZE] = {};  ///< coverage symbol name, the key
+    char szSymbolName[INST_NAME_SIZE] = {};  ///< coverage symbol, the key
 };
 
 /// Appends every record of the file to `out`; an incomplete last record is filled up with zeros.

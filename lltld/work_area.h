@@ -9,7 +9,7 @@
 void name_work_area(const std::string& root, const std::string& module);
 
 /// `name_work_area`, then creates it, locks it until the process ends or enters another one, and
-/// makes ROOT/LLTTEMP the shared temporary area (`szLLTTEMP`). False after a message when the work
+/// makes ROOT/LLTTEMP the temporary area (`szLLTTEMP`). False after a message when the work
 /// area could not be created.
 bool enter_work_area(const std::string& root, const std::string& module);
 

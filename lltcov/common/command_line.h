@@ -12,7 +12,7 @@ class UsageError : public std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/// The options and operands of a call. A long option's value is its next argument or stands behind
+/// The options and operands of a call. A long option's value is its next argument or follows
 /// "="; the last one of a name counts.
 class CommandLine
 {

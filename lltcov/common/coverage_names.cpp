@@ -1,4 +1,4 @@
-// Asked before an archive step (explain) and after it (doctor).
+// What a stub needs to compile is asked before an archive step (explain) and after it (doctor).
 #include "lltcov/common/coverage_names.h"
 
 #include "commonfunc/file_io.h"

@@ -8,13 +8,13 @@
 
 /// A module with a work area: a static library, or what a link driver linked.
 struct Module {
-    std::string name; ///< folder of the work area in the project
+    std::string name; ///< directory of the work area in the project
     std::string area; ///< ROOT/NAME/codemeasure, absolute
 };
 
-/// The project's folder, absolute: of the option "--project", else of "qmr_current_prj_path" (whose
-/// project file, when it names one, stands for its folder, and whose platform's subfolder counts
-/// where one tree is built for several), else the current folder.
+/// The project's directory, absolute: of the option "--project", else of "qmr_current_prj_path"
+/// (whose project file, when it names one, stands for its directory, and whose platform's
+/// subdirectory counts where one tree is built for several), else the current directory.
 std::string project_root(const CommandLine& line);
 
 /// The modules of the project, by name. LLTTEMP is none.
@@ -34,8 +34,8 @@ bool is_dump(const std::string& name);
 /// (".NAME.lltcov.tmp").
 bool is_spare_dump(const std::string& name);
 
-/// True for a path below the folder, both absolute and without "." and "..".
+/// True for a path below the directory, both absolute and without "." and "..".
 bool is_inside(const std::string& path, const std::string& folder);
 
-/// The path as people read it: relative to the folder when it is inside.
+/// The path as people read it: relative to the directory when it is inside.
 std::string shown_path(const std::string& path, const std::string& folder);

@@ -1,4 +1,4 @@
-// A table of tools; each counts also with a target before its name and a version behind it. A
+// A table of tools; each counts also with a target before its name and a version after it. A
 // launcher has neither.
 #include "lltcov/common/tool_kind.h"
 
@@ -22,7 +22,7 @@ constexpr Tool TOOLS[] = {
     {"icecc", ToolKind::launcher},
 };
 
-/// The name without the version behind it: "gcc" of "gcc-12.2".
+/// The name without the version after it: "gcc" of "gcc-12.2".
 std::string without_version(const std::string& name)
 {
     const std::size_t digits = name.find_last_not_of("0123456789.") + 1;

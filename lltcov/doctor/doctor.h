@@ -11,7 +11,7 @@
 /// What the checks look at, beside environment and PATH.
 struct Examined {
     ProjectData data;
-    std::vector<std::string> files; ///< regular files below the project's folder
+    std::vector<std::string> files; ///< regular files below the project's directory
 };
 
 // --- environment

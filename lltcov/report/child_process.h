@@ -1,4 +1,4 @@
-// Other programs that do a part of the work, without a shell, and a private folder for what they
+// Other programs that do a part of the work, without a shell, and a private directory for what they
 // read and write.
 #pragma once
 
@@ -7,7 +7,7 @@
 #include <sys/types.h>
 #include <vector>
 
-/// A folder that only its owner can enter; it is removed, with all it holds, in the end.
+/// A directory that only its owner can enter; it is removed, with all it holds, in the end.
 class TemporaryFolder
 {
 public:
@@ -17,7 +17,7 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    /// The folder's absolute path.
+    /// The directory's absolute path.
     const std::string& path() const { return path_; }
 
     /// Writes a file of this name; throws `std::runtime_error` when that fails.
@@ -30,8 +30,8 @@ private:
     std::string path_;
 };
 
-/// Starts a program, found through PATH, in the folder. Its output goes to NAME.out there, what it
-/// says on standard error, in English, to NAME.err; its input is empty. 0 when it cannot be
+/// Starts a program, found through PATH, in the directory. Its output goes to NAME.out there, what
+/// it says on standard error, in English, to NAME.err; its input is empty. 0 when it cannot be
 /// started.
 pid_t start_program(const std::vector<std::string>& words, const TemporaryFolder& folder,
                     const std::string& name);

@@ -106,7 +106,7 @@ private:
         }
     }
 
-    /// A damaged dump belongs to the project when it is in its folder.
+    /// A damaged dump belongs to the project when it is in its directory.
     bool is_wanted_dump(const std::string& path) const
     {
         std::string text;
@@ -124,7 +124,7 @@ private:
     }
 
     /// A work area of an archive step or a link says what was built, or which libraries were taken,
-    /// or holds nothing but folders.
+    /// or holds nothing but directories.
     bool is_wanted_area(const std::string& area) const
     {
         char output[PATH_MAX] = {};

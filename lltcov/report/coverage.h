@@ -28,7 +28,7 @@ void join_counters(Counters& sum, const Counters& run, std::size_t or_words);
 /// What a report shows; each has what stands before it too. Lines bring functions along.
 enum class Counting { lines, branches, conditions };
 
-/// Hit and all of something.
+/// How many of something were hit, of how many.
 struct Rate {
     std::size_t hit = 0;
     std::size_t total = 0;
@@ -46,13 +46,13 @@ struct Rate {
     }
 };
 
-/// A function of a source.
+/// A function of a source: its first line, and how often it was called.
 struct FunctionCoverage {
     std::uint32_t line = 0;
     std::uint64_t count = 0;
 };
 
-/// A way out of a line.
+/// A branch that begins in a line, and how often it was taken.
 struct Branch {
     std::uint64_t count = 0;
     bool is_throw = false;
@@ -71,7 +71,7 @@ struct LineBlock {
     std::vector<Condition> conditions;
 };
 
-/// A source or header.
+/// The coverage of a source or header.
 struct SourceCoverage {
     std::map<std::uint32_t, std::uint64_t> lines;      ///< counts by line
     std::map<std::string, FunctionCoverage> functions; ///< by assembler name
@@ -79,7 +79,7 @@ struct SourceCoverage {
     std::map<std::uint32_t, std::map<std::string, LineBlock>> blocks;
 };
 
-/// By absolute path.
+/// The sources and headers of a project, by absolute path.
 using Coverage = std::map<std::string, SourceCoverage>;
 
 /// Adds to the block what another object, or another part of one, has of the same function and
@@ -90,7 +90,7 @@ void add_block(LineBlock& sum, const LineBlock& block);
 /// Adds the same source of another object.
 void add_source(SourceCoverage& sum, const SourceCoverage& source);
 
-/// What is hit.
+/// What is hit, by kind.
 struct Rates {
     Rate lines;
     Rate functions;

@@ -23,5 +23,5 @@ struct Dump {
 };
 
 /// Reads a dump file's content; throws `FormatError` for one that is not whole or not sound. An
-/// empty file is a dump of no run: who created it was killed.
+/// empty file is a dump of no run: its writer was killed.
 Dump read_dump(std::string_view bytes);

@@ -30,7 +30,7 @@ constexpr std::size_t MAX_OBJECTS_PER_RUN = 200;
 constexpr std::size_t RUNS_PER_PROCESSOR = 4; ///< short ones, so that all end at about one time
 constexpr int FIRST_WITH_CONDITIONS = 14;
 
-/// Objects of one gcov, by their indexes.
+/// One call of a gcov, for the objects with these indexes.
 struct Run {
     std::string program;
     std::vector<std::size_t> objects;

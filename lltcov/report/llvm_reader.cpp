@@ -147,7 +147,8 @@ private:
         }
     }
 
-    /// Prefixes that the compiler replaced are those of any of the objects.
+    /// The real path of a source. A prefix that the compiler was told to replace may stand in the
+    /// record of any of the objects.
     static std::string path_of(const Part& part, const std::string& name)
     {
         for (const ObjectReading* object : part.objects) {
@@ -175,7 +176,7 @@ private:
     Counting counting_;
     Findings& findings_;
     TemporaryFolder folder_;
-    std::map<std::string, LlvmTools> tools_; ///< by recorded folder
+    std::map<std::string, LlvmTools> tools_; ///< by recorded directory
     Progress progress_;
 };
 

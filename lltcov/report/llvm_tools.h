@@ -9,6 +9,6 @@ struct LlvmTools {
     std::string cov;
 };
 
-/// The tools in the folder that was recorded, else "llvm-profdata" and "llvm-cov" on PATH, else the
-/// newest ones there that have a version in their names ("llvm-cov-14").
+/// The tools in the directory that was recorded, else "llvm-profdata" and "llvm-cov" on PATH, else
+/// the newest ones there that have a version in their names ("llvm-cov-14").
 LlvmTools find_llvm_tools(const std::string& folder);

@@ -38,7 +38,7 @@ public:
     std::vector<std::size_t> objects_with(const std::string& path, std::uint32_t line);
 
 private:
-    /// What an object gives to a sum.
+    /// The coverage that one object adds to a sum.
     struct Share {
         std::size_t object;
         const Coverage* coverage;

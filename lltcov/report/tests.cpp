@@ -27,7 +27,7 @@ namespace
 /// A line of a source.
 using Line = std::pair<std::string, std::uint32_t>;
 
-/// The operand FILE:LINE. A file is looked for from here, then from the project's folder.
+/// The operand FILE:LINE. A file is looked for from here, then from the project's directory.
 Line line_of(const std::string& operand, const std::string& root)
 {
     const std::size_t colon = operand.rfind(':');

@@ -1,6 +1,6 @@
 // A directory of shims stands first on PATH: configure steps see the real tools, and a build with
 // LLT_WRAP=1 goes through the wrapper without a change to its makefiles. Which tools: every name on
-// PATH that is a known tool, also with a target before it or a version behind it.
+// PATH that is a known tool, also with a target before it or a version after it.
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
@@ -29,7 +29,7 @@ namespace
 constexpr const char* EXPECTED[] = {"gcc",     "g++", "cc",     "c++", "clang",
                                     "clang++", "ar",  "gcc-ar", "ld"};
 
-/// What is first on PATH of every tool, by name. Shims, also behind links, are passed over: a shim
+/// What is first on PATH of every tool, by name. Shims, also links to them, are passed over: a shim
 /// of a shim would wrap twice, or run in circles.
 std::map<std::string, std::string> tools_on_path()
 {

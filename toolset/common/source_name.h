@@ -1,4 +1,4 @@
-// Which files a compiler driver takes for sources that can be instrumented.
+// Which files a compiler takes for sources that can be instrumented.
 #pragma once
 
 #include <string>

@@ -33,7 +33,7 @@ namespace
 constexpr std::string_view COUNTERS = "__profc_";
 constexpr std::string_view TABLE = "__profd_";
 
-/// Whose name it is.
+/// What a name stands for; `unknown` is what clang's runtime has beside, which is refused.
 enum class Owner { other, counters, table, unknown };
 
 struct Name {

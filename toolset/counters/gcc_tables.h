@@ -1,4 +1,4 @@
-// What a text of gcc says of its counters, before it is understood.
+// The counters and tables of a text of gcc: collected as they stand in it, then understood.
 #pragma once
 
 #include "toolset/counters/counter_text.h"

@@ -1,4 +1,4 @@
-// What a static library brings along: its registration stubs, and members that no stub registers.
+// What a static library brings along: its stubs, and members that no stub registers.
 #pragma once
 
 #include "lltld/archive_file.h"
@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-/// The build that a registration stub is of; empty texts when the stub does not show them.
+/// The build that a stub is of; empty texts when the stub does not show them.
 struct StubBuild {
     std::string area; ///< work area
     std::string buid; ///< build id

@@ -22,7 +22,7 @@ struct Argument {
     std::string text;
     std::size_t position;
     bool is_word;    ///< the word is the text
-    bool for_linker; ///< handed on by a compiler driver: "-E" is another option there
+    bool for_linker; ///< handed on by a compiler: "-E" is another option there
 };
 
 using Arguments = std::vector<Argument>;
@@ -247,7 +247,7 @@ private:
     std::size_t behind_xlinker_ = static_cast<std::size_t>(-2);
     bool has_no_default_ = false; ///< no library is linked that is not named
     bool names_c_library_ = false;
-    bool is_all_static_ = false; ///< "-static" of a compiler driver, wherever it stands
+    bool is_all_static_ = false; ///< "-static" of a compiler, wherever it stands
     bool is_static_ = false;     ///< "-Bstatic", until the next "-Bdynamic"
     std::vector<std::string> directories_;
     std::vector<Wanted> wanted_;

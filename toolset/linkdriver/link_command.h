@@ -15,7 +15,7 @@ struct LinkInput {
 /// A link command, as its tool would read it.
 struct LinkCommand {
     std::vector<std::string> words; ///< the command itself, the tool first
-    bool is_linker = false;         ///< the tool is a linker, not a compiler driver
+    bool is_linker = false;         ///< the tool is a linker, not a compiler
     bool links = true;              ///< false for "-c", "-E" and the like
     bool is_relocatable = false;    ///< "-r": the result is an object again
     bool has_c_library = true;      ///< the runtime needs one; false for "-nostdlib" without "-lc"

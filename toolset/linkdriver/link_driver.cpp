@@ -54,7 +54,7 @@ std::string linker_option(const LinkCommand& link, const std::string& option)
     return (link.is_linker ? "" : "-Wl,") + option;
 }
 
-/// An input of the linker, whatever language a compiler driver was told to expect ("-x").
+/// An input of the linker, whatever language a compiler was told to expect ("-x").
 void add_input(const LinkCommand& link, const std::string& path, Words& words)
 {
     if (!link.is_linker) {

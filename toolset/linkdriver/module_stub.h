@@ -1,4 +1,4 @@
-// The module of a link: its work area, its database, and its registration stub.
+// The module of a link: its work area, its database, and its stub.
 #pragma once
 
 #include "lltld/object_scan.h"
@@ -14,8 +14,8 @@ bool load_settings();
 /// Chooses the module's name and takes its work area PROJECT/NAME/codemeasure until the program
 /// ends. The name is `wanted` with "_so" after it for a shared library, else "_exe": a static
 /// library of the same stem has the work area without a suffix, and a program that is built in the
-/// project's folder itself takes that place. Where another output has the work area, or a library
-/// of this link (`taken`) has a module of that name, "_2", "_3" and so on follow.
+/// project's directory itself takes that place. Where another output has the work area, or a
+/// library of this link (`taken`) has a module of that name, "_2", "_3" and so on follow.
 bool choose_work_area(const std::string& wanted, const std::string& output,
                       const std::set<std::string>& taken);
 

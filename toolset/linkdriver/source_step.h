@@ -1,4 +1,4 @@
-// Sources in a link command ("gcc a.c -o a"): compiled by the instrumenting compiler driver first.
+// Sources in a link command ("gcc a.c -o a"): compiled by the compiler driver first.
 #pragma once
 
 #include "toolset/common/driver_call.h"

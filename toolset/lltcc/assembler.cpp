@@ -22,11 +22,11 @@
 namespace
 {
 
-/// Part of every symbol: another one makes new symbols for all sources.
+/// A part of what every coverage symbol is a hash of: a change gives all sources new symbols.
 constexpr const char* FORMAT_VERSION = "lltcc 2";
 
-/// The stamp in the compiler's notes is another one in each compile: the word after magic and
-/// version. Data files are given the same.
+/// The stamp in the compiler's notes, the word after magic and version, differs from compile to
+/// compile; recorded as 0, which data files are given too.
 constexpr std::size_t STAMP_AT = 8;
 constexpr std::size_t STAMP_SIZE = 4;
 

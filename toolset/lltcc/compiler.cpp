@@ -60,7 +60,7 @@ std::string beside(const std::string& compiler, const std::string& tool)
     return "";
 }
 
-/// The folder as the beginning of a path, in the compiler's regular expressions.
+/// The directory as the beginning of a path, in the compiler's regular expressions.
 std::string as_expression(const std::string& folder)
 {
     std::string out = "^";
@@ -113,7 +113,7 @@ Words query_of(const CompileCommand& command)
     return words;
 }
 
-/// The call that answers in English, and names no folders of the user's as the compiler's own.
+/// The call that answers in English, and names no directories of the user's as the compiler's own.
 Words asking(const Words& query)
 {
     Words words = {"env",

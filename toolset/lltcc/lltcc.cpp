@@ -1,6 +1,6 @@
-// lltcc: instrumenting compiler driver. One program in three roles: `lltcc` stands in front of the
+// lltcc: the compiler driver. One program in three roles: `lltcc` stands in front of the
 // compiler, under the name `as` it is what that compiler takes for its assembler, and `lltcc -stub`
-// compiles registration stubs.
+// compiles stubs.
 #include "commonfunc/path_name.h"
 #include "toolset/common/process.h"
 #include "toolset/lltcc/assembler.h"

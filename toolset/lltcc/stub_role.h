@@ -1,4 +1,4 @@
-// The stub role: compiles the registration stub of a module.
+// The stub role: compiles the stub of a module.
 #pragma once
 
 #include "toolset/common/process.h"

@@ -1,3 +1,4 @@
+/* A dump that cannot be written is reported, and its counts stay: the next dump tries again. */
 #include "dump.h"
 
 #include "dump_file.h"

@@ -119,7 +119,7 @@ static int exchange(void)
     return rename(place.beside, place.path) == 0;
 }
 
-/* With the lock held. */
+/* Adds the image to the slot, whose lock is held, and puts the sum in its place. */
 static enum outcome replace_slot(struct module* module)
 {
     image_join(module);

@@ -1,7 +1,7 @@
 /* The coverage runtime: keeps the counter arrays of a process and writes them to dump files.
  *
  * A program that ends by exit() or by returning from main needs nothing of this header: the
- * registration stub that the archive step or the link driver makes calls everything. Include it
+ * stub that the archive step or the link driver makes calls everything. Include it
  * for lltcov_dump, in programs that end another way.
  *
  * Where the dumps go: the directory of the environment variable LLTCOV_ROOT when that is set and

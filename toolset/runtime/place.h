@@ -7,25 +7,25 @@
 #include <limits.h>
 #include <stddef.h>
 
-/* Two paths. */
+/* Where a dump goes. */
 struct place {
     char path[PATH_MAX];
-    char beside[PATH_MAX]; /* what is written before it gets the other name */
+    char beside[PATH_MAX]; /* the file that is written first and then takes the place of `path` */
 };
 
-/* ROOT/MODULE.BUID.HASH.NAME.lltcov. 0, with errno set, when that is too long or there is no root.
- */
+/* Sets both paths for ROOT/MODULE.BUID.HASH.NAME.lltcov. 1; 0, with errno set, when one is too long
+ * or there is no root. */
 int place_name(struct place* place, const struct module* module, const char* name);
 
 /* Opens a file that may be missing, with its directory, and no link to somewhere else. The
  * descriptor is above those of the standard streams, which the program may have closed. */
 int open_or_create(char* file, int flags);
 
-/* Bytes of a file with the image. */
+/* How many bytes the image has as a file. */
 size_t size_of_file(const struct image* image);
 
-/* Writes the image to the file beside and closes it. 1; else, with errno set, the file is removed.
- */
+/* Writes the image to the file beside and closes it. 1; 0, with errno set, when that fails: the
+ * file is removed then. */
 int place_write(const struct place* place, int fd, const struct image* image);
 
 #endif

@@ -1,4 +1,4 @@
-/* What a registration stub uses of this header; all others that a stub's compile reads see the C
+/* What a stub uses of this header; all others that a stub's compile reads see the C
    library's own. */
 #ifdef LLTCC_STUB
 #ifndef NULL

@@ -1,4 +1,4 @@
-/* A registration stub uses nothing of this header; see stdio.h. */
+/* A stub uses nothing of this header; see stdio.h. */
 #ifndef LLTCC_STUB
 #include_next <stdlib.h>
 #endif
