@@ -2,6 +2,8 @@
 // register four bytes per point although their arrays are packed.
 #include "lltld/counter_mode.h"
 
+#include "contract/names.h"
+
 namespace
 {
 
@@ -58,7 +60,7 @@ int registered_size(const CounterMode& mode, std::int32_t instnum)
 std::string array_line(const CounterMode& mode, const char* name, std::int64_t length,
                        bool custom_type)
 {
-    const std::string array = std::string(" g_QMRCovData_") + name;
+    const std::string array = std::string(" " ARRAY_PREFIX) + name;
     const std::string bound = std::to_string(static_cast<std::int32_t>(length));
     switch (mode.array) {
     case ArrayForm::char_definition:

@@ -3,6 +3,7 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/message.h"
+#include "contract/names.h"
 #include "lltld/prj_settings.h"
 
 namespace
@@ -15,13 +16,12 @@ std::string in_work_area(const std::string& rest)
 
 std::string in_temp_area(const std::string& rest)
 {
-    return std::string(g_lxprj->szLLTTEMP) + "/codemeasure" + rest;
+    return std::string(g_lxprj->szLLTTEMP) + "/" AREA_NAME + rest;
 }
 
 std::string stub_path(const char* extension)
 {
-    return in_work_area(std::string("/obj/__code_measure_stub_lib_") + g_lxprj->modName +
-                        extension);
+    return in_work_area(std::string("/obj/" STUB_PREFIX) + g_lxprj->modName + extension);
 }
 
 } // namespace

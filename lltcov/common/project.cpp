@@ -6,6 +6,7 @@
 #include "commonfunc/file_ops.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
+#include "contract/names.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -34,8 +35,8 @@ std::vector<Module> modules_of(const std::string& root)
 {
     std::vector<Module> modules;
     for (const std::string& name : names_in(root)) {
-        const std::string area = root + "/" + name + "/codemeasure";
-        if (name != "LLTTEMP" && QMRFileExists((area + "/.prj").c_str()) != 0) {
+        const std::string area = root + "/" + name + "/" AREA_NAME;
+        if (name != TEMPORARY_NAME && QMRFileExists((area + "/.prj").c_str()) != 0) {
             modules.push_back({name, area});
         }
     }
@@ -44,7 +45,7 @@ std::vector<Module> modules_of(const std::string& root)
 
 std::string temporary_area(const std::string& root)
 {
-    return root + "/LLTTEMP/codemeasure";
+    return root + "/" TEMPORARY_NAME "/" AREA_NAME;
 }
 
 std::string dump_root(const std::string& root)
@@ -54,18 +55,18 @@ std::string dump_root(const std::string& root)
             return env_text(variable);
         }
     }
-    return root + "/llt_result";
+    return root + "/" DUMP_FOLDER;
 }
 
 bool is_dump(const std::string& name)
 {
     const std::size_t dot = name.rfind('.');
-    return name[0] != '.' && dot != name.npos && name.substr(dot) == ".lltcov";
+    return name[0] != '.' && dot != name.npos && name.substr(dot) == DUMP_SUFFIX;
 }
 
 bool is_spare_dump(const std::string& name)
 {
-    return ::fnmatch(".?*.lltcov.tmp", name.c_str(), 0) == 0;
+    return ::fnmatch(".?*" DUMP_SUFFIX SPARE_SUFFIX, name.c_str(), 0) == 0;
 }
 
 bool is_inside(const std::string& path, const std::string& folder)

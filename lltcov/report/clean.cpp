@@ -6,6 +6,7 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
+#include "contract/names.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/project.h"
@@ -86,8 +87,8 @@ private:
     void clean_areas()
     {
         for (const std::string& name : names_in(root_)) {
-            const std::string area = root_ + "/" + name + "/codemeasure";
-            if (name != "LLTTEMP" && type_of(root_ + "/" + name) == S_IFDIR &&
+            const std::string area = root_ + "/" + name + "/" AREA_NAME;
+            if (name != TEMPORARY_NAME && type_of(root_ + "/" + name) == S_IFDIR &&
                 type_of(area) == S_IFDIR && is_wanted_area(area) && remove(area)) {
                 areas_.insert(area);
                 remove_if_empty(root_ + "/" + name);
@@ -97,7 +98,7 @@ private:
 
     void clean_temporary()
     {
-        const std::string temporary = root_ + "/LLTTEMP";
+        const std::string temporary = root_ + "/" TEMPORARY_NAME;
         if (type_of(temporary) == S_IFDIR) {
             temporary_ = remove(temporary);
         } else if (type_of(temporary) != 0) {
@@ -183,7 +184,7 @@ int run_clean(const Arguments& arguments)
         throw UsageError("choose one of --gone and --all");
     }
     const std::string root = project_root(line);
-    if (type_of(root + "/LLTTEMP") == 0 && modules_of(root).empty()) {
+    if (type_of(root + "/" TEMPORARY_NAME) == 0 && modules_of(root).empty()) {
         warn(
             "'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name the project with --project",
             root.c_str());

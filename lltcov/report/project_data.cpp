@@ -7,6 +7,7 @@
 #include "commonfunc/ini_profile.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
+#include "contract/names.h"
 #include "lltcov/report/linked_libraries.h"
 #include "lltld/source_tab.h"
 
@@ -89,7 +90,7 @@ public:
     {
         std::vector<std::tuple<std::time_t, long, std::string>> lists;
         for (const std::string& name : names_in(data_.root)) {
-            const std::string path = data_.root + "/" + name + "/codemeasure/libraries.txt";
+            const std::string path = data_.root + "/" + name + "/" AREA_NAME "/libraries.txt";
             const timespec time = time_of(path);
             if (time.tv_sec != 0) {
                 lists.emplace_back(time.tv_sec, time.tv_nsec, path);

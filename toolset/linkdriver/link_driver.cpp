@@ -8,6 +8,7 @@
 #include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
+#include "contract/names.h"
 #include "lltld/counter_mode.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/process.h"
@@ -86,7 +87,7 @@ Words with_runtime(const LinkCommand& link, const LinkCoverage& coverage, const 
     if (form == ArrayForm::char_extern || form == ArrayForm::word_extern) {
         // No member refers to an array of such a stub.
         for (const std::string& module : coverage.modules) {
-            added.insert(added.end(), {"-u", "ZJ_Start_" + module});
+            added.insert(added.end(), {"-u", TEST_LOADER_PREFIX + module});
         }
     }
     add_input(link, runtime, added);

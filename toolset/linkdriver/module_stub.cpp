@@ -10,6 +10,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
+#include "contract/names.h"
 #include "lltld/cov_paths.h"
 #include "lltld/db_tidy.h"
 #include "lltld/inst_file_list.h"
@@ -72,7 +73,7 @@ bool adapt_compile_command()
     const std::string header = std::string(g_lxprj->szCovDictPath) + "/obj/weak_arrays.h";
     std::string pragmas;
     for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
-        pragmas += std::string("#pragma weak g_QMRCovData_") + node->szInstFileName + "\n";
+        pragmas += std::string("#pragma weak " ARRAY_PREFIX) + node->szInstFileName + "\n";
     }
     const std::string command = g_lxprj->strCompileCmd + stub_options(g_lxprj->strCompileCmd) +
                                 " -include " + shell_word(header);
@@ -91,7 +92,7 @@ std::string plain_array(const std::string& symbol)
         table.elementcount > 0) {
         const std::int64_t bytes = std::max(table.objlist->instnum, 1) * std::int64_t{8};
         line = "__attribute__((weak, aligned(" + std::to_string(ARRAY_ALIGNMENT) +
-               "))) char g_QMRCovData_" + symbol + "[" + std::to_string(bytes) + "];\n";
+               "))) char " ARRAY_PREFIX + symbol + "[" + std::to_string(bytes) + "];\n";
     }
     release_table(table);
     return line;

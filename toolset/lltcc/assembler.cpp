@@ -4,6 +4,7 @@
 #include "toolset/lltcc/assembler.h"
 
 #include "commonfunc/text.h"
+#include "contract/names.h"
 #include "contract/record.h"
 #include "toolset/common/records.h"
 #include "toolset/counters/counter_text.h"
@@ -97,7 +98,7 @@ std::string head_and_record(const Record& record, int record_file)
 {
     std::string text;
     if (record.array_bytes != 0) {
-        const std::string array = "g_QMRCovData_" + record.symbol;
+        const std::string array = ARRAY_PREFIX + record.symbol;
         text = "\t.hidden\t" + array + "\n";
         if (object_defines_array(record.stub_mode)) {
             text += "\t.comm\t" + array + "," + std::to_string(record.array_bytes) + "," +
@@ -119,7 +120,7 @@ int assemble(const HandedOver& job, const AssemblerCall& call)
         complete_record(job, counters, is_clang || !is_counted ? "" : content_of_path(job.notes));
     const int record_file = anonymous_file(to_bytes(record));
     const std::string input = head_and_record(record, record_file) +
-                              with_array(counters, "g_QMRCovData_" + record.symbol);
+                              with_array(counters, ARRAY_PREFIX + record.symbol);
     Words command = call.options;
     command.insert(command.begin(), job.assembler);
     std::string errors;

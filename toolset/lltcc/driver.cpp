@@ -11,6 +11,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
+#include "contract/names.h"
 #include "contract/record.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/records.h"
@@ -39,7 +40,7 @@ std::string temporary_area(const std::string& project_path)
     if (env_int("isOverlappedCompile") == 1) {
         root += "/" + env_text(env_text("PlatformToken").c_str());
     }
-    return absolute_path(root.empty() ? "." : root) + "/LLTTEMP/codemeasure";
+    return absolute_path(root.empty() ? "." : root) + "/" TEMPORARY_NAME "/" AREA_NAME;
 }
 
 /// One wrapped command: what its compiles have in common.

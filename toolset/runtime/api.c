@@ -1,5 +1,6 @@
 /* The public functions, all in one object: when the linker takes one of them from the static
  * library it takes all, so that a process never mixes two copies of the runtime within a module. */
+#include "contract/names.h"
 #include "copies.h"
 #include "dump.h"
 #include "lltcov_rt.h"
@@ -59,7 +60,7 @@ static size_t parent_length(const char* path, size_t length)
 /* Where the next module's dumps go. */
 static void choose_root(char* out, const char* area)
 {
-    static const char DEFAULT_NAME[] = "/llt_result";
+    static const char DEFAULT_NAME[] = "/" DUMP_FOLDER;
     /* Not in a set-user-id program: its caller must not choose where it writes. */
     const char* from_environment = secure_getenv("LLTCOV_ROOT");
     if (from_environment != NULL && from_environment[0] != '\0') {
