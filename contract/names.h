@@ -1,5 +1,5 @@
-/* Names and limits that the drivers, the archive step with its stub, the coverage runtime and lltcov
- * agree on. In C99, for the runtime; macros, so that they join with other literals. */
+/* Names and limits that the drivers, the archive step with its stub, the coverage runtime and
+ * lltcov agree on. In C99, for the runtime; macros, so that they join with other literals. */
 #ifndef CONTRACT_NAMES_H
 #define CONTRACT_NAMES_H
 

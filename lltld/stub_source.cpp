@@ -149,9 +149,8 @@ void write_hooks(std::FILE* stub)
     const char* const name = module.c_str();
     std::fputs("#ifdef __cplusplus\n}\n#endif\n\n\n", stub);
     std::fprintf(stub,
-                 "__attribute ((constructor)) void tusk_init_%s(void)\n{\n    " TEST_LOADER_PREFIX
-                 "%s();\n"
-                 "    errno = 0;\n}\n",
+                 "__attribute ((constructor)) void tusk_init_%s(void)\n{\n"
+                 "    " TEST_LOADER_PREFIX "%s();\n    errno = 0;\n}\n",
                  name, name);
     std::fprintf(stub,
                  "__attribute ((destructor)) void tusk_fini_%s(void)\n{\n"
@@ -257,9 +256,8 @@ void LD_WriteCoverageInterface(_SOURCEFILE_TAB table, std::FILE* stub)
         const _SOURCEFILE_OBJECT& record = table.objlist[i];
         const std::string name = source_name(record);
         std::fprintf(stub,
-                     "    QMR_AddCoverageBuf(pMod, %d, (char*)\"%s\", (unsigned int *)" ARRAY_PREFIX
-                     "%s, \n"
-                     "        %d, %d);\n",
+                     "    QMR_AddCoverageBuf(pMod, %d, (char*)\"%s\", "
+                     "(unsigned int *)" ARRAY_PREFIX "%s, \n        %d, %d);\n",
                      i, name.c_str(), stem_of(name).c_str(), registered_size(mode, record.instnum),
                      record.instnum);
     }

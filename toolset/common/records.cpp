@@ -8,6 +8,7 @@
 #include "commonfunc/text.h"
 #include "commonfunc/text_lines.h"
 #include "contract/object_record.h"
+#include "contract/stub_modes.h"
 #include "lltld/source_tab.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/source_name.h"
@@ -102,22 +103,6 @@ std::string symbol_of(const std::string& source, const std::vector<std::string>&
         name.insert(0, 1, '_');
     }
     return name.substr(0, 14) + "_" + hash_name(texts);
-}
-
-std::int32_t points_of_array(int stub_mode, std::uint32_t bytes)
-{
-    switch (stub_mode) {
-    case 0:
-    case 4:
-    case 7:
-        return static_cast<std::int32_t>(8 * bytes); // bits
-    case 2:
-    case 6:
-    case 9:
-        return static_cast<std::int32_t>(bytes);
-    default:
-        return static_cast<std::int32_t>(bytes / 4);
-    }
 }
 
 std::vector<Record> records_of(std::string_view object)

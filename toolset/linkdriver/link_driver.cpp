@@ -9,7 +9,7 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "contract/names.h"
-#include "lltld/counter_mode.h"
+#include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/process.h"
 #include "toolset/linkdriver/link_command.h"
@@ -83,8 +83,7 @@ Words with_runtime(const LinkCommand& link, const LinkCoverage& coverage, const 
     }
     // Inputs after the runtime need it too, so it is taken whether it is needed yet or not.
     added.insert(added.end(), {"-u", "QMR_CreateCoverageListExt"});
-    const ArrayForm form = counter_mode(g_lxprj->stubmode).array;
-    if (form == ArrayForm::char_extern || form == ArrayForm::word_extern) {
+    if (counter_mode(g_lxprj->stubmode).owner == ARRAYS_OF_OBJECTS) {
         // No member refers to an array of such a stub.
         for (const std::string& module : coverage.modules) {
             added.insert(added.end(), {"-u", TEST_LOADER_PREFIX + module});

@@ -13,6 +13,7 @@
 #include "commonfunc/text.h"
 #include "contract/names.h"
 #include "contract/record.h"
+#include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/records.h"
 #include "toolset/counters/counter_text.h"
@@ -218,8 +219,9 @@ std::string refusal(const Compilation& compilation)
     if (compilation.tools.empty()) {
         return "lltcc.d/as is missing from the installation";
     }
-    if (compilation.stub_mode == 3) {
-        return "no stub of mode 3 declares counters; choose another one by qmr_coverage_stub_mold";
+    if (counter_mode(compilation.stub_mode).owner == ARRAYS_OF_NOBODY) {
+        return "no stub of mode " + std::to_string(compilation.stub_mode) +
+               " declares counters; choose another one by qmr_coverage_stub_mold";
     }
     for (const std::string& word : command.words) {
         if (word.find('\n') != word.npos) {

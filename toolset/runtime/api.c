@@ -1,6 +1,7 @@
 /* The public functions, all in one object: when the linker takes one of them from the static
  * library it takes all, so that a process never mixes two copies of the runtime within a module. */
 #include "contract/names.h"
+#include "contract/stub_modes.h"
 #include "copies.h"
 #include "dump.h"
 #include "lltcov_rt.h"
@@ -120,6 +121,8 @@ int QMR_AddCoverageBuf(void* pMod, unsigned int iFileId, char* pFileName, unsign
     if (module == NULL || pCovBuf == NULL || module->is_complete) {
         return 0;
     }
+    /* A few modes state four bytes per point although their arrays are smaller, so the layout
+     * follows the mode and not the size that is stated. */
     const unsigned long long size = size_of_array(module->mode, iInstSize);
     if (size > iBufSize || size % sizeof(uint64_t) != 0) {
         return 0;
