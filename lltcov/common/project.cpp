@@ -7,6 +7,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 #include "contract/names.h"
+#include "contract/places.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -35,17 +36,12 @@ std::vector<Module> modules_of(const std::string& root)
 {
     std::vector<Module> modules;
     for (const std::string& name : names_in(root)) {
-        const std::string area = root + "/" + name + "/" AREA_NAME;
-        if (name != TEMPORARY_NAME && QMRFileExists((area + "/.prj").c_str()) != 0) {
+        const std::string area = places::work_area(root, name);
+        if (name != TEMPORARY_NAME && QMRFileExists(places::project_file(area).c_str()) != 0) {
             modules.push_back({name, area});
         }
     }
     return modules;
-}
-
-std::string temporary_area(const std::string& root)
-{
-    return root + "/" TEMPORARY_NAME "/" AREA_NAME;
 }
 
 std::string dump_root(const std::string& root)

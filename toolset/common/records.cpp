@@ -8,6 +8,7 @@
 #include "commonfunc/text.h"
 #include "commonfunc/text_lines.h"
 #include "contract/object_record.h"
+#include "contract/places.h"
 #include "contract/stub_modes.h"
 #include "lltld/source_tab.h"
 #include "toolset/common/driver_call.h"
@@ -117,18 +118,18 @@ std::vector<Record> records_of(std::string_view object)
 void leave_records(const std::string& area, const Record& record, const std::string& object,
                    SourceState state)
 {
-    for (const char* part : {"/db", "/ini", "/obj/before"}) {
+    for (const char* part : places::FILLED_FOLDERS) {
         make_directories(area + part);
     }
-    write_whole(area + "/obj/before/" + record.symbol, object);
-    write_whole(area + "/ini/" + record.symbol + ".ini",
-                "[StubFiles]\nStubFilePath1=" + record.source + "\nObjFilePath=" + record.object +
-                    "\n");
-    const std::string place = area + "/db/db" + record.symbol;
-    const std::string beside = area + "/db/." + record.symbol + "." + std::to_string(::getpid());
+    write_whole(places::saved_object(area, record.symbol), object);
+    write_whole(places::ini(area, record.symbol), "[StubFiles]\nStubFilePath1=" + record.source +
+                                                      "\nObjFilePath=" + record.object + "\n");
+    const std::string place = places::symbol_db(area, record.symbol);
+    const std::string beside =
+        places::db(area) + "/." + record.symbol + "." + std::to_string(::getpid());
     make_directories(beside);
-    write_whole(beside + "/.tab", table_record(record, state));
-    write_whole(beside + "/CompileCmd.txt", record.compile_command);
-    write_whole(beside + "/record", to_bytes(record));
+    write_whole(places::table(beside), table_record(record, state));
+    write_whole(places::compile_command(beside), record.compile_command);
+    write_whole(places::record(beside), to_bytes(record));
     move_into_place(beside, place);
 }

@@ -6,6 +6,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 #include "contract/names.h"
+#include "contract/places.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -30,8 +31,7 @@ void read_symbols(std::string_view names, ArchiveCoverage& coverage)
         const std::string_view name = up_to(names, NUL);
         if (begins_with(name, TEST_LOADER_PREFIX)) {
             const bool is_new =
-                coverage.modules
-                    .emplace(name.substr(std::strlen(TEST_LOADER_PREFIX)), StubBuild())
+                coverage.modules.emplace(name.substr(std::strlen(TEST_LOADER_PREFIX)), StubBuild())
                     .second;
             coverage.has_twins = coverage.has_twins || !is_new;
         } else if (begins_with(name, ARRAY_PREFIX)) {
@@ -47,7 +47,7 @@ void find_builds(std::string_view bytes, std::map<std::string, StubBuild>& modul
 {
     constexpr std::string_view KEY = "\"buid\":\"";
     for (auto& [module, build] : modules) {
-        const std::string tail = "/" + module + "/" AREA_NAME + std::string(NUL);
+        const std::string tail = places::work_area("", module) + std::string(NUL);
         const std::size_t at = bytes.find(tail);
         const std::size_t key = bytes.find(KEY, at);
         if (at != bytes.npos && key != bytes.npos) {

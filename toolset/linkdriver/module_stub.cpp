@@ -11,6 +11,7 @@
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
 #include "contract/names.h"
+#include "contract/places.h"
 #include "lltld/cov_paths.h"
 #include "lltld/db_tidy.h"
 #include "lltld/inst_file_list.h"
@@ -55,7 +56,7 @@ std::string owner_of_area()
 void empty_work_area()
 {
     const std::string area = g_lxprj->szCovDictPath;
-    remove_entries(area + "/db", "db");
+    remove_entries(places::db(area), "db");
     remove_entries(area + "/obj/before", "");
     remove_entries(area + "/ini", "");
 }
@@ -141,7 +142,7 @@ void record_libraries(const std::vector<LinkedLibrary>& libraries)
             }
         }
     }
-    replace_file(std::string(g_lxprj->szCovDictPath) + "/libraries.txt", text);
+    replace_file(places::linked_libraries(g_lxprj->szCovDictPath), text);
 }
 
 std::string make_stub(const std::vector<ScannedObject>& objects)

@@ -6,6 +6,7 @@
 #include "commonfunc/file_ops.h"
 #include "commonfunc/path_name.h"
 #include "contract/names.h"
+#include "contract/places.h"
 #include "toolset/common/process.h"
 
 #include <algorithm>
@@ -75,7 +76,7 @@ LinkCommand compile_sources(const DriverCall& call, const LinkCommand& link)
             link.output.c_str());
         return link;
     }
-    const std::string directory = std::string(g_lxprj->szCovDictPath) + "/" TEMPORARY_NAME "/linkobj/" +
+    const std::string directory = places::temporary_folder(g_lxprj->szCovDictPath) + "/linkobj/" +
                                   hash_name({absolute_path(link.output)});
     if (QMRCreateDirectory(directory.c_str()) == 0) {
         return link;

@@ -11,7 +11,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
-#include "contract/names.h"
+#include "contract/places.h"
 #include "contract/record.h"
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
@@ -34,14 +34,14 @@ namespace
 {
 
 /// LLTTEMP/codemeasure of the project, of the platform when one tree is built for several.
-std::string temporary_area(const std::string& project_path)
+std::string area_of_project(const std::string& project_path)
 {
     std::string root =
         names_project_file(project_path) ? split_path(project_path).directory : project_path;
     if (env_int("isOverlappedCompile") == 1) {
         root += "/" + env_text(env_text("PlatformToken").c_str());
     }
-    return absolute_path(root.empty() ? "." : root) + "/" TEMPORARY_NAME "/" AREA_NAME;
+    return places::temporary_area(absolute_path(root.empty() ? "." : root));
 }
 
 /// One wrapped command: what its compiles have in common.
@@ -257,7 +257,7 @@ int run_driver(const Words& arguments)
     Compilation compilation;
     compilation.launchers = take_launchers(compiler);
     compilation.command = read_command(compiler);
-    compilation.area = temporary_area(call.project);
+    compilation.area = area_of_project(call.project);
     compilation.stub_mode = call.stub_mode;
     compilation.tools = tools_directory();
     std::string why_plain = refusal(compilation);
