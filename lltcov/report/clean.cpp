@@ -6,12 +6,12 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
+#include "contract/dump_file.h"
 #include "contract/names.h"
 #include "contract/places.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/project.h"
-#include "lltcov/report/dump_file.h"
 
 #include <algorithm>
 #include <climits>

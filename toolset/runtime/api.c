@@ -1,5 +1,6 @@
 /* The public functions, all in one object: when the linker takes one of them from the static
  * library it takes all, so that a process never mixes two copies of the runtime within a module. */
+#include "contract/dump_format.h"
 #include "contract/names.h"
 #include "contract/stub_modes.h"
 #include "copies.h"
@@ -103,7 +104,7 @@ void* QMR_CreateCoverageListExt(const char* pModName, const char* covdbpath, uns
 static unsigned long long or_bytes_of(const char* name, unsigned long long size)
 {
     const char* const extension = strrchr(name, '.');
-    const char* digit = extension != NULL ? strrchr(extension, ':') : NULL;
+    const char* digit = extension != NULL ? strrchr(extension, DUMP_OR_MARK) : NULL;
     unsigned long long bytes = 0;
     if (digit == NULL) {
         return 0;
