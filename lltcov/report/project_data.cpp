@@ -7,8 +7,8 @@
 #include "commonfunc/ini_profile.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
+#include "contract/linked_libraries.h"
 #include "contract/places.h"
-#include "lltcov/report/linked_libraries.h"
 #include "lltld/source_tab.h"
 
 #include <algorithm>

@@ -60,7 +60,10 @@ LinkCoverage find_coverage(const LinkCommand& link)
         coverage.has_twins = coverage.has_twins || archive.has_twins;
         for (const auto& [module, build] : archive.modules) {
             coverage.has_twins = !coverage.modules.insert(module).second || coverage.has_twins;
-            coverage.libraries.push_back({archive.unregistered.path, build, archive.arrays});
+            coverage.libraries.push_back({archive.unregistered.path,
+                                          build.area,
+                                          build.buid,
+                                          {archive.arrays.begin(), archive.arrays.end()}});
         }
         for (const std::string& array : archive.arrays) {
             coverage.has_twins = !arrays.insert(array).second || coverage.has_twins;

@@ -10,6 +10,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
+#include "contract/linked_libraries.h"
 #include "contract/names.h"
 #include "contract/places.h"
 #include "lltld/cov_paths.h"
@@ -28,6 +29,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <iterator>
 
 namespace
 {
@@ -132,17 +134,10 @@ bool choose_work_area(const std::string& wanted, const std::string& output,
 
 void record_libraries(const std::vector<LinkedLibrary>& libraries)
 {
-    std::string text = "lltlibraries 1\n";
-    for (const LinkedLibrary& library : libraries) {
-        if (!library.build.buid.empty()) {
-            text += "library " + library.path + "\narea " + library.build.area + "\nbuid " +
-                    library.build.buid + "\n";
-            for (const std::string& symbol : library.symbols) {
-                text += "symbol " + symbol + "\n";
-            }
-        }
-    }
-    replace_file(places::linked_libraries(g_lxprj->szCovDictPath), text);
+    std::vector<LinkedLibrary> known;
+    std::copy_if(libraries.begin(), libraries.end(), std::back_inserter(known),
+                 [](const LinkedLibrary& library) { return !library.buid.empty(); });
+    replace_file(places::linked_libraries(g_lxprj->szCovDictPath), to_text(known));
 }
 
 std::string make_stub(const std::vector<ScannedObject>& objects)
