@@ -56,7 +56,7 @@ int complete_record(const _SOURCEFILE_OBJECT& own, std::FILE* tab, _SOURCEFILE_O
     record.instnum = own.instnum;
     record.inststartpoint = static_cast<std::int32_t>(start);
     start += start_advance(counter_mode(g_lxprj->stubmode), own.instnum);
-    if (std::fwrite(&record, sizeof record, 1, tab) != 1) {
+    if (!write_record(record, tab)) {
         std::puts("Write tab file failed!");
         return 0;
     }

@@ -9,10 +9,9 @@
 #include "commonfunc/text_lines.h"
 #include "contract/linked_libraries.h"
 #include "contract/places.h"
-#include "lltld/source_tab.h"
+#include "contract/source_table.h"
 
 #include <algorithm>
-#include <cstring>
 #include <numeric>
 #include <optional>
 #include <sys/stat.h>
@@ -25,17 +24,12 @@ namespace
 constexpr const char* DAMAGED = "damaged records";
 constexpr const char* REBUILD = "; build it again through lltwrapper";
 
-/// The records of a table; none when there is no file or it holds a part of a record.
+/// The records of the table at `path`; none when there is no file.
 std::vector<_SOURCEFILE_OBJECT> read_tab(const std::string& path)
 {
     std::string content;
     read_whole_file(path, content);
-    std::vector<_SOURCEFILE_OBJECT> records;
-    if (!content.empty() && content.size() % sizeof(_SOURCEFILE_OBJECT) == 0) {
-        records.resize(content.size() / sizeof(_SOURCEFILE_OBJECT));
-        std::memcpy(static_cast<void*>(records.data()), content.data(), content.size());
-    }
-    return records;
+    return read_source_table(content);
 }
 
 std::string project_value(const Module& module, const char* key)
@@ -44,12 +38,6 @@ std::string project_value(const Module& module, const char* key)
     read_profile_string("project", key, value, sizeof value, nullptr,
                         places::project_file(module.area).c_str());
     return value;
-}
-
-std::string symbol_of(const _SOURCEFILE_OBJECT& record)
-{
-    const std::string name = source_name(record);
-    return name.substr(0, name.rfind('.'));
 }
 
 /// The time at which a file got its content; 0 when there is none.
@@ -162,7 +150,7 @@ private:
 
     void read_object(const _SOURCEFILE_OBJECT& record, ModuleData& module)
     {
-        const std::string symbol = symbol_of(record);
+        const std::string symbol = symbol_in_table(record);
         auto known = data_.object_of_symbol.find(symbol);
         if (known == data_.object_of_symbol.end()) {
             std::optional<InstrumentedObject> object = load(record, symbol, module.module);
@@ -206,7 +194,7 @@ private:
         const timespec compiled = time_of(own.empty() ? object.record.object : places::table(left));
         object.compiled = compiled.tv_sec == 0 ? time_of(path) : compiled;
         own = own.empty() ? read_tab(places::table(copy)) : own;
-        if (!own.empty() && symbol_of(own[0]) == symbol) {
+        if (!own.empty() && symbol_in_table(own[0]) == symbol) {
             object.source_size = own[0].size;
             object.source_mtime = own[0].mtime;
         }

@@ -9,8 +9,9 @@
 #include "commonfunc/text_lines.h"
 #include "contract/object_record.h"
 #include "contract/places.h"
+#include "contract/source_ini.h"
+#include "contract/source_table.h"
 #include "contract/stub_modes.h"
-#include "lltld/source_tab.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/source_name.h"
 
@@ -46,29 +47,28 @@ void make_directories(const std::string& path)
     }
 }
 
-/// The source's name in tables: symbol and extension, and for the runtime how many bytes at the end
-/// of the array join two runs by "or".
-std::string name_in_table(const Record& record)
+/// The source's extension, or that of C for one that is no usual one.
+std::string extension_in_table(const std::string& source)
 {
-    const std::string suffix = suffix_of(record.source);
+    const std::string suffix = suffix_of(source);
     const auto is_plain = [](unsigned char c) { return std::isalnum(c) != 0 || c == '+'; };
     const bool is_usual =
         !suffix.empty() && suffix.size() < 8 && std::all_of(suffix.begin(), suffix.end(), is_plain);
-    return record.symbol + "." + (is_usual ? suffix : "c") +
-           (record.or_bytes == 0 ? "" : ":" + std::to_string(record.or_bytes));
+    return is_usual ? suffix : "c";
 }
 
 std::string table_record(const Record& record, SourceState state)
 {
     _SOURCEFILE_OBJECT entry = {};
-    copy_bounded(entry.szName, name_in_table(record));
+    copy_bounded(entry.szName,
+                 name_in_table(record.symbol, extension_in_table(record.source), record.or_bytes));
     struct stat info = {};
     if (state == SourceState::as_compiled && ::stat(record.source.c_str(), &info) == 0) {
         entry.size = static_cast<std::uint32_t>(info.st_size);
         entry.mtime = static_cast<std::uint32_t>(info.st_mtime);
     }
     entry.instnum = points_of_array(record.stub_mode, record.array_bytes);
-    return std::string(reinterpret_cast<const char*>(&entry), sizeof entry);
+    return std::string(bytes_of(entry));
 }
 
 void write_whole(const std::string& path, const std::string& text)
@@ -122,8 +122,7 @@ void leave_records(const std::string& area, const Record& record, const std::str
         make_directories(area + part);
     }
     write_whole(places::saved_object(area, record.symbol), object);
-    write_whole(places::ini(area, record.symbol), "[StubFiles]\nStubFilePath1=" + record.source +
-                                                      "\nObjFilePath=" + record.object + "\n");
+    write_whole(places::ini(area, record.symbol), source_ini(record.source, record.object));
     const std::string place = places::symbol_db(area, record.symbol);
     const std::string beside =
         places::db(area) + "/." + record.symbol + "." + std::to_string(::getpid());
