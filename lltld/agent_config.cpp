@@ -6,6 +6,7 @@
 #include "commonfunc/ini_profile.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
+#include "contract/names.h"
 #include "lltld/counter_mode.h"
 #include "lltld/cov_paths.h"
 #include "lltld/db_number.h"
@@ -48,7 +49,7 @@ std::string entry_of(const _SOURCEFILE_OBJECT& record)
 {
     const CounterMode mode = counter_mode(g_lxprj->stubmode);
     const std::string name = source_name(record);
-    const std::string entry = std::to_string(record.fileid) + "##" + name + "##g_QMRCovData_" +
+    const std::string entry = std::to_string(record.fileid) + "##" + name + "##" ARRAY_PREFIX +
                               identifier_form(stem_of(name)).c_str() + "##" +
                               std::to_string(registered_size(mode, record.instnum)) + "##" +
                               std::to_string(record.instnum);

@@ -1,54 +1,50 @@
-// Paths are built whole, however long; an operation with a stated bound tests the length itself.
+// Binds the places of a project to its settings. Paths are built whole, however long; an operation
+// with a stated bound tests the length itself.
 #include "lltld/cov_paths.h"
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/message.h"
+#include "contract/places.h"
 #include "lltld/prj_settings.h"
 
 namespace
 {
 
-std::string in_work_area(const std::string& rest)
-{
-    return g_lxprj->szCovDictPath + rest;
-}
-
-std::string in_temp_area(const std::string& rest)
-{
-    return std::string(g_lxprj->szLLTTEMP) + "/codemeasure" + rest;
-}
-
 std::string stub_path(const char* extension)
 {
-    return in_work_area(std::string("/obj/__code_measure_stub_lib_") + g_lxprj->modName +
-                        extension);
+    return places::stub(g_lxprj->szCovDictPath, g_lxprj->modName, extension);
+}
+
+std::string temp_area()
+{
+    return places::area_in(g_lxprj->szLLTTEMP);
 }
 
 } // namespace
 
 std::string db_dir()
 {
-    return in_work_area("/db");
+    return places::db(g_lxprj->szCovDictPath);
 }
 std::string numbered_db_dir(int number)
 {
-    return in_work_area("/db/db" + std::to_string(number));
+    return places::numbered_db(g_lxprj->szCovDictPath, number);
 }
 std::string merged_tab_path()
 {
-    return in_work_area("/db/.tab");
+    return places::table(db_dir());
 }
 std::string tuple_db_path()
 {
-    return in_work_area("/db/tuple.db");
+    return places::tuple_db(g_lxprj->szCovDictPath);
 }
 std::string ini_path(const char* symbol)
 {
-    return in_work_area(std::string("/ini/") + symbol + ".ini");
+    return places::ini(g_lxprj->szCovDictPath, symbol);
 }
 std::string saved_object_path(const char* symbol)
 {
-    return in_work_area(std::string("/obj/before/") + symbol);
+    return places::saved_object(g_lxprj->szCovDictPath, symbol);
 }
 std::string stub_source_path()
 {
@@ -64,44 +60,44 @@ std::string stub_two_stage_object_path()
 }
 std::string project_file_path()
 {
-    return in_work_area("/.prj");
+    return places::project_file(g_lxprj->szCovDictPath);
 }
 std::string compile_command_path()
 {
-    return in_work_area("/CompileCmd.txt");
+    return places::compile_command(g_lxprj->szCovDictPath);
 }
 std::string compile_option_path()
 {
-    return in_work_area("/CompileOption.ini");
+    return places::compile_option(g_lxprj->szCovDictPath);
 }
 std::string agent_config_path()
 {
-    return in_work_area(std::string("/") + g_lxprj->modName + ".ini");
+    return places::agent_config(g_lxprj->szCovDictPath, g_lxprj->modName);
 }
 
 std::string temp_db_dir(const char* symbol)
 {
-    return in_temp_area(std::string("/db/db") + symbol);
+    return places::symbol_db(temp_area(), symbol);
 }
 std::string temp_tab_path(const char* symbol)
 {
-    return temp_db_dir(symbol) + "/.tab";
+    return places::table(temp_db_dir(symbol));
 }
 std::string temp_compile_command_path(const char* symbol)
 {
-    return temp_db_dir(symbol) + "/CompileCmd.txt";
+    return places::compile_command(temp_db_dir(symbol));
 }
 std::string temp_ini_path(const char* symbol)
 {
-    return in_temp_area(std::string("/ini/") + symbol + ".ini");
+    return places::ini(temp_area(), symbol);
 }
 std::string temp_after_dir()
 {
-    return in_temp_area("/obj/after");
+    return temp_area() + "/obj/after";
 }
 std::string temp_saved_object_path(const char* symbol)
 {
-    return in_temp_area(std::string("/obj/before/") + symbol);
+    return places::saved_object(temp_area(), symbol);
 }
 
 bool path_fits(const std::string& path, std::size_t length)
@@ -116,7 +112,7 @@ bool path_fits(const std::string& path, std::size_t length)
 std::string symbol_db_dir(const char* symbol)
 {
     return g_iSupportSameName != 0 ? temp_db_dir(symbol)
-                                   : in_work_area(std::string("/db/db") + symbol);
+                                   : places::symbol_db(g_lxprj->szCovDictPath, symbol);
 }
 
 std::string symbol_ini_path(const char* symbol)

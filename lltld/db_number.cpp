@@ -1,5 +1,5 @@
 // The records are completed in place: the stub's registration reads the same ones afterwards.
-// Kept: stems are cut to 31 characters, so a longer symbol's own table is not found.
+// Kept: stems are cut to `MAX_SYMBOL` bytes, so a longer symbol's own table is not found.
 #include "lltld/db_number.h"
 
 #include "commonfunc/Caddis_func.h"
@@ -7,13 +7,12 @@
 #include "commonfunc/file_ops.h"
 #include "commonfunc/ini_profile.h"
 #include "commonfunc/text.h"
+#include "contract/names.h"
 #include "lltld/counter_mode.h"
 #include "lltld/cov_paths.h"
 
 namespace
 {
-
-constexpr std::size_t STEM_LENGTH = 31;
 
 /// The array line of a record whose symbol has a directory; nothing otherwise.
 void write_array(const CounterMode& mode, const std::string& stem, int instnum, std::FILE* stub)
@@ -57,7 +56,7 @@ int complete_record(const _SOURCEFILE_OBJECT& own, std::FILE* tab, _SOURCEFILE_O
     record.instnum = own.instnum;
     record.inststartpoint = static_cast<std::int32_t>(start);
     start += start_advance(counter_mode(g_lxprj->stubmode), own.instnum);
-    if (std::fwrite(&record, sizeof record, 1, tab) != 1) {
+    if (!write_record(record, tab)) {
         std::puts("Write tab file failed!");
         return 0;
     }
@@ -77,7 +76,7 @@ int LD_UpDateCovDbTab(_SOURCEFILE_TAB table, std::FILE* stub, std::FILE* tab)
     std::uint64_t start = 0;
     for (int i = 0; i < table.elementcount; ++i) {
         _SOURCEFILE_OBJECT& record = table.objlist[i];
-        char name[STEM_LENGTH + 1];
+        char name[MAX_SYMBOL + 1];
         QMRStrcpy(name, record.szName, sizeof name);
         const std::string stem = stem_of(name);
         if (RenameFileDBDir(stem.c_str(), tab, &record, &start) < 1) {

@@ -4,9 +4,9 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_ops.h"
-#include "commonfunc/ini_profile.h"
 #include "commonfunc/message.h"
 #include "commonfunc/text.h"
+#include "contract/source_ini.h"
 #include "lltld/cov_paths.h"
 #include "lltld/expired_inst.h"
 
@@ -57,14 +57,11 @@ int GetSrcObjPath(char* src, char* obj, const char* symbol)
                 "Can not find the initialization file '%s'!\n", ini.c_str());
         return 0;
     }
-    if (QMRGetPrivateProfileString("StubFiles", "StubFilePath1", src, INST_NAME_SIZE, nullptr,
-                                   ini.c_str()) == 0) {
+    if (!read_source_ini(ini.c_str(), src, obj, INST_NAME_SIZE)) {
         std::printf("Get the value of 'StubFilePath1' from the initialization file '%s' failed!\n",
                     ini.c_str());
         return 0;
     }
-    QMRGetPrivateProfileString("StubFiles", "ObjFilePath", obj, INST_NAME_SIZE, nullptr,
-                               ini.c_str());
     return 1;
 }
 

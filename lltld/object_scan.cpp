@@ -2,6 +2,7 @@
 #include "lltld/object_scan.h"
 
 #include "commonfunc/file_io.h"
+#include "contract/names.h"
 #include "lltld/inst_file_list.h"
 
 #include <cstdio>
@@ -10,9 +11,7 @@
 namespace
 {
 
-constexpr char COVERAGE_PREFIX[] = "g_QMRCovData_";
-constexpr std::size_t COVERAGE_PREFIX_LENGTH = sizeof COVERAGE_PREFIX - 1;
-constexpr char TEST_LOADER_PREFIX[] = "ZJ_Start_";
+constexpr std::size_t ARRAY_PREFIX_LENGTH = sizeof ARRAY_PREFIX - 1;
 
 bool contains(const std::string& content, const char* pattern)
 {
@@ -25,13 +24,13 @@ void collect_symbols(const std::string& content, ScannedObject& object)
     const char* const end = at + content.size();
     const char* run = nullptr;
     const char* run_end = nullptr;
-    while ((at = QMRstrstr(at, COVERAGE_PREFIX, static_cast<unsigned long>(end - at))) != nullptr) {
+    while ((at = QMRstrstr(at, ARRAY_PREFIX, static_cast<unsigned long>(end - at))) != nullptr) {
         if (run == nullptr || at >= run_end) {
             run = at;
             object.runs.emplace_back(run);
             run_end = run + object.runs.back().size();
         }
-        const char* name = at + COVERAGE_PREFIX_LENGTH;
+        const char* name = at + ARRAY_PREFIX_LENGTH;
         const std::size_t length = std::strcspn(name, " ");
         object.symbols.push_back(
             {object.runs.size() - 1, static_cast<std::size_t>(at - run), {name, length}});

@@ -1,11 +1,3 @@
-// File format: a plain sequence of 280-byte records, little-endian, no header, no count; a
-// remainder is ignored.
-//
-//   offset  size  field
-//        0     4  fileid           260     4  size          268     4  inststartpoint
-//        4   256  szName           264     4  mtime         272     4  instnum
-//                                                           276     4  flags, bits 0 to 2
-//
 // Kept: an empty file leaves the records of an earlier read in place, so a work table that is used
 // for one file after the other answers with them.
 #include "lltld/source_tab.h"
@@ -21,11 +13,6 @@
 #include <climits>
 #include <cstddef>
 #include <cstdlib>
-
-static_assert(sizeof(_SOURCEFILE_OBJECT) == 280, "a record has no padding");
-static_assert(offsetof(_SOURCEFILE_OBJECT, size) == 260, "the name has 256 bytes");
-static_assert(offsetof(_SOURCEFILE_OBJECT, instnum) == 272, "the counters follow the times");
-static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "records are written as they are");
 
 namespace
 {
@@ -120,11 +107,17 @@ int SrcFileTabInfoWriteToCovTab(const char* path, std::FILE* out, _SOURCEFILE_TA
     _SOURCEFILE_OBJECT record = {};
     QMRStrcpy(record.szName, table->objlist->szName, sizeof record.szName);
     record.fileid = (*counter)++;
-    if (std::fwrite(&record, sizeof record, 1, out) != 1) {
+    if (!write_record(record, out)) {
         std::printf("Error:Write insted info to '%s/db/.tab' failed!\n", g_lxprj->szCovDictPath);
         return 0;
     }
     return 1;
+}
+
+bool write_record(const _SOURCEFILE_OBJECT& record, std::FILE* out)
+{
+    const std::string_view bytes = bytes_of(record);
+    return std::fwrite(bytes.data(), bytes.size(), 1, out) == 1;
 }
 
 void release_table(_SOURCEFILE_TAB& table)

@@ -14,6 +14,7 @@
 #include "commonfunc/ini_profile.h"
 #include "commonfunc/message.h"
 #include "commonfunc/text.h"
+#include "contract/names.h"
 #include "lltld/agent_config.h"
 #include "lltld/c_literal.h"
 #include "lltld/counter_mode.h"
@@ -94,7 +95,7 @@ void write_preamble(const LinuxPrjItem& prj, bool sockets, bool user_config, std
 
 void write_start_function_head(const LinuxPrjItem& prj, std::FILE* stub)
 {
-    std::fprintf(stub, "\nvoid ZJ_Start_%s()\n{\n", module_symbol().c_str());
+    std::fprintf(stub, "\nvoid " TEST_LOADER_PREFIX "%s()\n{\n", module_symbol().c_str());
     std::fprintf(stub, "    TUSK_CovSetCompilePolicy(%d);\n", prj.isOverlappedCompile);
     if (prj.TimerPolicy == 1) {
         std::fprintf(stub, "    TUSK_CovSetTimerPolicy(%d);\n", prj.TimeInterval);
@@ -148,8 +149,8 @@ void write_hooks(std::FILE* stub)
     const char* const name = module.c_str();
     std::fputs("#ifdef __cplusplus\n}\n#endif\n\n\n", stub);
     std::fprintf(stub,
-                 "__attribute ((constructor)) void tusk_init_%s(void)\n{\n    ZJ_Start_%s();\n"
-                 "    errno = 0;\n}\n",
+                 "__attribute ((constructor)) void tusk_init_%s(void)\n{\n"
+                 "    " TEST_LOADER_PREFIX "%s();\n    errno = 0;\n}\n",
                  name, name);
     std::fprintf(stub,
                  "__attribute ((destructor)) void tusk_fini_%s(void)\n{\n"
@@ -254,12 +255,11 @@ void LD_WriteCoverageInterface(_SOURCEFILE_TAB table, std::FILE* stub)
     for (int i = 0; i < table.elementcount; ++i) {
         const _SOURCEFILE_OBJECT& record = table.objlist[i];
         const std::string name = source_name(record);
-        std::fprintf(
-            stub,
-            "    QMR_AddCoverageBuf(pMod, %d, (char*)\"%s\", (unsigned int *)g_QMRCovData_%s, \n"
-            "        %d, %d);\n",
-            i, name.c_str(), stem_of(name).c_str(), registered_size(mode, record.instnum),
-            record.instnum);
+        std::fprintf(stub,
+                     "    QMR_AddCoverageBuf(pMod, %d, (char*)\"%s\", "
+                     "(unsigned int *)" ARRAY_PREFIX "%s, \n        %d, %d);\n",
+                     i, name.c_str(), stem_of(name).c_str(), registered_size(mode, record.instnum),
+                     record.instnum);
     }
 }
 

@@ -11,6 +11,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
+#include "contract/places.h"
 #include "lltld/cov_paths.h"
 #include "lltld/prj_settings.h"
 #include "lltld/work_area_lock.h"
@@ -58,7 +59,7 @@ void name_work_area(const std::string& root, const std::string& module)
 {
     LinuxPrjItem& prj = *g_lxprj;
     copy_bounded(prj.modName, module);
-    if (!copy_bounded(prj.szCovDictPath, root + "/" + module + "/codemeasure")) {
+    if (!copy_bounded(prj.szCovDictPath, places::work_area(root, module))) {
         prj.isCovDictPathCut = true;
     }
 }
@@ -69,7 +70,7 @@ bool enter_work_area(const std::string& root, const std::string& module)
     name_work_area(root, module);
     const bool created = CodeMeasure_CreateDir() != 0;
     lock_work_area(prj.szCovDictPath);
-    const std::string temp = absolute_path(std::string(prj.szCovDictPath) + "/../../LLTTEMP");
+    const std::string temp = absolute_path(places::temporary_folder_near(prj.szCovDictPath));
     if (!copy_bounded(prj.szLLTTEMP, temp)) {
         prj.isCovDictPathCut = true;
     }

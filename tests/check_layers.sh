@@ -13,11 +13,11 @@ contract: commonfunc
 lltld: contract commonfunc
 lltwrapper: lltld contract commonfunc
 lltcov/common: contract commonfunc
-lltcov/report: lltcov/common lltld contract commonfunc
+lltcov/report: lltcov/common contract commonfunc
 lltcov/explain: lltcov/common lltwrapper lltld contract commonfunc
 lltcov/shims: lltcov/common contract commonfunc
 lltcov/doctor: lltcov/shims lltcov/report lltcov/common lltwrapper lltld contract commonfunc
-toolset/common: lltld contract commonfunc
+toolset/common: contract commonfunc
 toolset/counters: contract commonfunc
 toolset/lltcc: toolset/counters toolset/common contract commonfunc
 toolset/linkdriver: toolset/counters toolset/common lltld contract commonfunc

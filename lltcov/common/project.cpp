@@ -7,6 +7,8 @@
 #include "commonfunc/file_tree.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
+#include "contract/names.h"
+#include "contract/places.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -35,17 +37,12 @@ std::vector<Module> modules_of(const std::string& root)
 {
     std::vector<Module> modules;
     for (const std::string& name : names_in(root)) {
-        const std::string area = root + "/" + name + "/codemeasure";
-        if (name != "LLTTEMP" && QMRFileExists((area + "/.prj").c_str()) != 0) {
+        const std::string area = places::work_area(root, name);
+        if (name != TEMPORARY_NAME && QMRFileExists(places::project_file(area).c_str()) != 0) {
             modules.push_back({name, area});
         }
     }
     return modules;
-}
-
-std::string temporary_area(const std::string& root)
-{
-    return root + "/LLTTEMP/codemeasure";
 }
 
 std::string dump_root(const std::string& root)
@@ -55,18 +52,18 @@ std::string dump_root(const std::string& root)
             return env_text(variable);
         }
     }
-    return root + "/llt_result";
+    return root + "/" DUMP_FOLDER;
 }
 
 bool is_dump(const std::string& name)
 {
     const std::size_t dot = name.rfind('.');
-    return name[0] != '.' && dot != name.npos && name.substr(dot) == ".lltcov";
+    return name[0] != '.' && dot != name.npos && name.substr(dot) == DUMP_SUFFIX;
 }
 
 bool is_spare_dump(const std::string& name)
 {
-    return ::fnmatch(".?*.lltcov.tmp", name.c_str(), 0) == 0;
+    return ::fnmatch(".?*" DUMP_SUFFIX SPARE_SUFFIX, name.c_str(), 0) == 0;
 }
 
 bool is_inside(const std::string& path, const std::string& folder)

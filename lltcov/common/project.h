@@ -20,9 +20,6 @@ std::string project_root(const CommandLine& line);
 /// The modules of the project, by name. LLTTEMP is none.
 std::vector<Module> modules_of(const std::string& root);
 
-/// What the drivers leave for all modules: ROOT/LLTTEMP/codemeasure.
-std::string temporary_area(const std::string& root);
-
 /// Where the tested programs write their counts: "LLTCOV_ROOT", else "lltcovRootpath", else
 /// ROOT/llt_result.
 std::string dump_root(const std::string& root);

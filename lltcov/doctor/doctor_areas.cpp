@@ -4,6 +4,7 @@
 #include "commonfunc/file_tree.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
+#include "contract/places.h"
 #include "contract/record.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/coverage_names.h"
@@ -148,7 +149,8 @@ void check_archives(Examined& examined, Findings& findings)
 
 void check_names(Examined& examined, Findings& findings)
 {
-    for (const std::string& name : names_in(temporary_area(examined.data.root) + "/db")) {
+    for (const std::string& name :
+         names_in(places::db(places::temporary_area(examined.data.root)))) {
         check_symbol(begins_with(name, "db") ? name.substr(2) : "", findings);
     }
     for (const InstrumentedObject& object : examined.data.objects) {
@@ -180,7 +182,7 @@ void check_sockets(Examined& examined, Findings& findings)
         std::string archive;
         std::string command;
         read_whole_file(module.output, archive);
-        read_whole_file(module.module.area + "/CompileCmd.txt", command);
+        read_whole_file(places::compile_command(module.module.area), command);
         if (is_archive(archive) && !declares_port(command)) {
             findings.add(
                 "sockets",

@@ -2,6 +2,7 @@
 // word, an unset switch counts as 0.
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
+#include "contract/places.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/project.h"
 #include "lltcov/doctor/doctor.h"
@@ -130,10 +131,10 @@ void check_settings(Examined&, Findings& findings)
 
 void check_places(Examined& examined, Findings& findings)
 {
-    const std::string area = temporary_area(examined.data.root);
+    const std::string area = places::temporary_area(examined.data.root);
     const char* const records = "where the compiler driver leaves its records";
     check_directory(area, records, "source the project's TUSK_INIT.SH", findings);
-    for (const char* part : {"/db", "/ini", "/obj/before"}) {
+    for (const char* part : places::FILLED_FOLDERS) {
         if (QMRPathIsDirectory(area.c_str()) != 0) {
             check_directory(area + part, records, "source the project's TUSK_INIT.SH", findings);
         }

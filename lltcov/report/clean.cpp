@@ -6,10 +6,12 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
+#include "contract/dump_file.h"
+#include "contract/names.h"
+#include "contract/places.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/project.h"
-#include "lltcov/report/dump_file.h"
 
 #include <algorithm>
 #include <climits>
@@ -86,8 +88,8 @@ private:
     void clean_areas()
     {
         for (const std::string& name : names_in(root_)) {
-            const std::string area = root_ + "/" + name + "/codemeasure";
-            if (name != "LLTTEMP" && type_of(root_ + "/" + name) == S_IFDIR &&
+            const std::string area = places::work_area(root_, name);
+            if (name != TEMPORARY_NAME && type_of(root_ + "/" + name) == S_IFDIR &&
                 type_of(area) == S_IFDIR && is_wanted_area(area) && remove(area)) {
                 areas_.insert(area);
                 remove_if_empty(root_ + "/" + name);
@@ -97,7 +99,7 @@ private:
 
     void clean_temporary()
     {
-        const std::string temporary = root_ + "/LLTTEMP";
+        const std::string temporary = places::temporary_folder(root_);
         if (type_of(temporary) == S_IFDIR) {
             temporary_ = remove(temporary);
         } else if (type_of(temporary) != 0) {
@@ -115,8 +117,8 @@ private:
             const std::string named(read_dump(text).area);
             const std::string area = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
             const bool is_ours = is_inside(named[0] == '/' ? area : path, root_);
-            const bool is_gone =
-                !named.empty() && (areas_.count(area) != 0 || type_of(area + "/.prj") == 0);
+            const bool is_gone = !named.empty() && (areas_.count(area) != 0 ||
+                                                    type_of(places::project_file(area)) == 0);
             return is_ours && (scope_ != Scope::gone || is_gone);
         } catch (const FormatError&) {
             return is_inside(path, root_) && scope_ != Scope::gone;
@@ -129,11 +131,11 @@ private:
     {
         char output[PATH_MAX] = {};
         read_profile_string("project", "sutpath", output, sizeof output, nullptr,
-                            (area + "/.prj").c_str());
+                            places::project_file(area).c_str());
         if (output[0] != '\0') {
             return scope_ == Scope::all || type_of(output) == 0;
         }
-        if (type_of(area + "/libraries.txt") == S_IFREG) {
+        if (type_of(places::linked_libraries(area)) == S_IFREG) {
             return scope_ == Scope::all;
         }
         const std::filesystem::recursive_directory_iterator files(area);
@@ -183,7 +185,7 @@ int run_clean(const Arguments& arguments)
         throw UsageError("choose one of --gone and --all");
     }
     const std::string root = project_root(line);
-    if (type_of(root + "/LLTTEMP") == 0 && modules_of(root).empty()) {
+    if (type_of(places::temporary_folder(root)) == 0 && modules_of(root).empty()) {
         warn(
             "'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name the project with --project",
             root.c_str());

@@ -8,11 +8,11 @@
 #include "commonfunc/ini_profile.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
-#include "lltcov/report/linked_libraries.h"
-#include "lltld/source_tab.h"
+#include "contract/linked_libraries.h"
+#include "contract/places.h"
+#include "contract/source_table.h"
 
 #include <algorithm>
-#include <cstring>
 #include <numeric>
 #include <optional>
 #include <sys/stat.h>
@@ -25,31 +25,20 @@ namespace
 constexpr const char* DAMAGED = "damaged records";
 constexpr const char* REBUILD = "; build it again through lltwrapper";
 
-/// The records of a table; none when there is no file or it holds a part of a record.
+/// The records of the table at `path`; none when there is no file.
 std::vector<_SOURCEFILE_OBJECT> read_tab(const std::string& path)
 {
     std::string content;
     read_whole_file(path, content);
-    std::vector<_SOURCEFILE_OBJECT> records;
-    if (!content.empty() && content.size() % sizeof(_SOURCEFILE_OBJECT) == 0) {
-        records.resize(content.size() / sizeof(_SOURCEFILE_OBJECT));
-        std::memcpy(static_cast<void*>(records.data()), content.data(), content.size());
-    }
-    return records;
+    return read_source_table(content);
 }
 
 std::string project_value(const Module& module, const char* key)
 {
     char value[1024] = {};
     read_profile_string("project", key, value, sizeof value, nullptr,
-                        (module.area + "/.prj").c_str());
+                        places::project_file(module.area).c_str());
     return value;
-}
-
-std::string symbol_of(const _SOURCEFILE_OBJECT& record)
-{
-    const std::string name = source_name(record);
-    return name.substr(0, name.rfind('.'));
 }
 
 /// The time at which a file got its content; 0 when there is none.
@@ -62,7 +51,10 @@ timespec time_of(const std::string& path)
 class ModuleReader
 {
 public:
-    ModuleReader(ProjectData& data, Findings& findings) : data_(data), findings_(findings) {}
+    ModuleReader(ProjectData& data, Findings& findings)
+        : data_(data), findings_(findings), temporary_(places::temporary_area(data.root))
+    {
+    }
 
     void read(const Module& module)
     {
@@ -71,7 +63,7 @@ public:
         entry.buid = project_value(module, "BUID");
         entry.output = project_value(module, "sutpath");
         entry.built = project_value(module, "EndTime_Caddis");
-        const std::string path = module.area + "/db/.tab";
+        const std::string path = places::table(places::db(module.area));
         const std::vector<_SOURCEFILE_OBJECT> records = read_tab(path);
         if (records.empty() || entry.buid.empty()) {
             findings_.add(DAMAGED, "'" + path + "' is missing or damaged: module " + module.name +
@@ -90,7 +82,7 @@ public:
     {
         std::vector<std::tuple<std::time_t, long, std::string>> lists;
         for (const std::string& name : names_in(data_.root)) {
-            const std::string path = data_.root + "/" + name + "/codemeasure/libraries.txt";
+            const std::string path = places::linked_libraries(places::work_area(data_.root, name));
             const timespec time = time_of(path);
             if (time.tv_sec != 0) {
                 lists.emplace_back(time.tv_sec, time.tv_nsec, path);
@@ -132,7 +124,7 @@ private:
             return;
         }
         for (const std::string& symbol : library.symbols) {
-            const std::string path = temporary_area(data_.root) + "/db/db" + symbol + "/.tab";
+            const std::string path = places::table(places::symbol_db(temporary_, symbol));
             const std::vector<_SOURCEFILE_OBJECT> own = read_tab(path);
             if (own.empty()) {
                 findings_.add(DAMAGED, "'" + path + "' is missing or damaged: a source of '" +
@@ -159,7 +151,7 @@ private:
 
     void read_object(const _SOURCEFILE_OBJECT& record, ModuleData& module)
     {
-        const std::string symbol = symbol_of(record);
+        const std::string symbol = symbol_in_table(record);
         auto known = data_.object_of_symbol.find(symbol);
         if (known == data_.object_of_symbol.end()) {
             std::optional<InstrumentedObject> object = load(record, symbol, module.module);
@@ -180,30 +172,30 @@ private:
     std::optional<InstrumentedObject> load(const _SOURCEFILE_OBJECT& record,
                                            const std::string& symbol, const Module& module)
     {
-        const std::string left = temporary_area(data_.root) + "/db/db" + symbol;
-        const std::string copy = module.area + "/db/db" + std::to_string(record.fileid);
+        const std::string left = places::symbol_db(temporary_, symbol);
+        const std::string copy = places::numbered_db(module.area, record.fileid);
         InstrumentedObject object;
         object.symbol = symbol;
         object.area = module.area;
-        std::string path = copy + "/record";
+        std::string path = places::record(copy);
         if (!read_record(path, object)) {
-            path = left + "/record";
+            path = places::record(left);
             if (!read_record(path, object)) {
                 findings_.add(DAMAGED, "'" + path + "' is missing or damaged: the source of '" +
                                            symbol + "' is left out" + REBUILD);
                 return std::nullopt;
             }
         }
-        object.file = module.area + "/obj/before/" + symbol;
+        object.file = places::saved_object(module.area, symbol);
         if (QMRFileExists(object.file.c_str()) == 0) {
-            object.file = temporary_area(data_.root) + "/obj/before/" + symbol;
+            object.file = places::saved_object(temporary_, symbol);
         }
         // A source that was touched and compiled again has the same symbol and a newer record.
-        std::vector<_SOURCEFILE_OBJECT> own = read_tab(left + "/.tab");
-        const timespec compiled = time_of(own.empty() ? object.record.object : left + "/.tab");
+        std::vector<_SOURCEFILE_OBJECT> own = read_tab(places::table(left));
+        const timespec compiled = time_of(own.empty() ? object.record.object : places::table(left));
         object.compiled = compiled.tv_sec == 0 ? time_of(path) : compiled;
-        own = own.empty() ? read_tab(copy + "/.tab") : own;
-        if (!own.empty() && symbol_of(own[0]) == symbol) {
+        own = own.empty() ? read_tab(places::table(copy)) : own;
+        if (!own.empty() && symbol_in_table(own[0]) == symbol) {
             object.source_size = own[0].size;
             object.source_mtime = own[0].mtime;
         }
@@ -231,6 +223,7 @@ private:
 
     ProjectData& data_;
     Findings& findings_;
+    std::string temporary_; ///< the temporary area
 };
 
 } // namespace

@@ -6,11 +6,11 @@
 #include "commonfunc/file_tree.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
+#include "contract/dump_file.h"
 #include "contract/record.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/project.h"
 #include "lltcov/report/coverage.h"
-#include "lltcov/report/dump_file.h"
 #include "lltcov/report/project_data.h"
 
 #include <algorithm>

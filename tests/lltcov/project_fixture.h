@@ -1,9 +1,9 @@
 // A project on disk as a build and its runs leave it, read by a gcov that knows only its two lines.
 #pragma once
 
+#include "contract/source_table.h"
 #include "lltcov/report/project_data.h"
 #include "lltcov/report/shown_sources.h"
-#include "lltld/source_tab.h"
 #include "tests/fixture.h"
 
 #include <fcntl.h>
@@ -29,7 +29,7 @@ inline std::string table(int number, const std::string& symbol, unsigned size)
     entry.size = size;
     entry.mtime = size != 0 ? COMPILED : 0;
     entry.instnum = 4;
-    return std::string(reinterpret_cast<const char*>(&entry), sizeof entry);
+    return std::string(bytes_of(entry));
 }
 
 /// A word of a dump.

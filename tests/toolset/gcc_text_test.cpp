@@ -195,15 +195,6 @@ TEST(GccText, WhatIsNotUnderstoodIsRefused)
     }
 }
 
-TEST(Records, AnArrayHasSoManyPointsThatItsStubHoldsIt)
-{
-    // By stub mode, of 40 bytes: bits in words, bytes, words of 4 bytes.
-    const std::int32_t points[] = {320, 10, 40, 10, 320, 10, 40, 320, 10, 40};
-    for (int mode = 0; mode < 10; ++mode) {
-        EXPECT_EQ(points_of_array(mode, 40), points[mode]) << mode;
-    }
-}
-
 TEST(Records, ASymbolIsAnIdentifierOfAtMost31CharactersThatTellsTextsApart)
 {
     const std::string symbol = symbol_of("/p/my source-file.cpp", {"a", "b"});

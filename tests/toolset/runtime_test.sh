@@ -171,7 +171,7 @@ c99=(-std=c99 -D_GNU_SOURCE -O2 -fPIC -fvisibility=hidden -Wall -Wextra -Werror)
 while read -r target; do
     read -ra compiler <<< "$target"
     if "${compiler[@]}" -include stdio.h -E -x c /dev/null > /dev/null 2>&1; then
-        "${compiler[@]}" "${c99[@]}" -fsyntax-only "$sources"/*.c
+        "${compiler[@]}" "${c99[@]}" -I"$sources/../.." -fsyntax-only "$sources"/*.c
         expect "$target: the runtime" 0 $?
     else
         echo "skipped: there is no compiler '$target'"
@@ -185,7 +185,7 @@ s390x-linux-gnu-gcc
 TARGETS
 if type s390x-linux-gnu-gcc qemu-s390x > /dev/null 2>&1; then
     rm -rf root
-    s390x-linux-gnu-gcc -std=gnu99 -D_GNU_SOURCE -fvisibility=hidden -w -I"$sources" -static \
+    s390x-linux-gnu-gcc -std=gnu99 -D_GNU_SOURCE -fvisibility=hidden -w -I"$sources" -I"$sources/../.." -static \
         "$here/runtime_program.c" "$exec_part" "$sources"/*.c -o foreign 2> messages
     for how in 1 6; do LLTCOV_ROOT=root qemu-s390x ./foreign flags $how; done
     expect "the other byte order" "2 0 7 8 big" \

@@ -42,7 +42,7 @@ make_runtime() {
     cd "$LLTCOV_RUNTIME" || return
     # shellcheck disable=SC2086 # several options
     "$1gcc" $2 -std=c99 -D_GNU_SOURCE -O2 -fPIC -fvisibility=hidden -Wall -Wextra -Werror \
-        -c "$toolset"/runtime/*.c && "$1ar" rcs liblltcov_rt.a ./*.o
+        -I"$toolset/.." -c "$toolset"/runtime/*.c && "$1ar" rcs liblltcov_rt.a ./*.o
 }
 
 # The program through which hello_test.sh runs hello stands beside it.

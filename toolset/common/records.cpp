@@ -8,7 +8,10 @@
 #include "commonfunc/text.h"
 #include "commonfunc/text_lines.h"
 #include "contract/object_record.h"
-#include "lltld/source_tab.h"
+#include "contract/places.h"
+#include "contract/source_ini.h"
+#include "contract/source_table.h"
+#include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/source_name.h"
 
@@ -44,29 +47,28 @@ void make_directories(const std::string& path)
     }
 }
 
-/// The source's name in tables: symbol and extension, and for the runtime how many bytes at the end
-/// of the array join two runs by "or".
-std::string name_in_table(const Record& record)
+/// The source's extension, or that of C for one that is no usual one.
+std::string extension_in_table(const std::string& source)
 {
-    const std::string suffix = suffix_of(record.source);
+    const std::string suffix = suffix_of(source);
     const auto is_plain = [](unsigned char c) { return std::isalnum(c) != 0 || c == '+'; };
     const bool is_usual =
         !suffix.empty() && suffix.size() < 8 && std::all_of(suffix.begin(), suffix.end(), is_plain);
-    return record.symbol + "." + (is_usual ? suffix : "c") +
-           (record.or_bytes == 0 ? "" : ":" + std::to_string(record.or_bytes));
+    return is_usual ? suffix : "c";
 }
 
 std::string table_record(const Record& record, SourceState state)
 {
     _SOURCEFILE_OBJECT entry = {};
-    copy_bounded(entry.szName, name_in_table(record));
+    copy_bounded(entry.szName,
+                 name_in_table(record.symbol, extension_in_table(record.source), record.or_bytes));
     struct stat info = {};
     if (state == SourceState::as_compiled && ::stat(record.source.c_str(), &info) == 0) {
         entry.size = static_cast<std::uint32_t>(info.st_size);
         entry.mtime = static_cast<std::uint32_t>(info.st_mtime);
     }
     entry.instnum = points_of_array(record.stub_mode, record.array_bytes);
-    return std::string(reinterpret_cast<const char*>(&entry), sizeof entry);
+    return std::string(bytes_of(entry));
 }
 
 void write_whole(const std::string& path, const std::string& text)
@@ -104,22 +106,6 @@ std::string symbol_of(const std::string& source, const std::vector<std::string>&
     return name.substr(0, 14) + "_" + hash_name(texts);
 }
 
-std::int32_t points_of_array(int stub_mode, std::uint32_t bytes)
-{
-    switch (stub_mode) {
-    case 0:
-    case 4:
-    case 7:
-        return static_cast<std::int32_t>(8 * bytes); // bits
-    case 2:
-    case 6:
-    case 9:
-        return static_cast<std::int32_t>(bytes);
-    default:
-        return static_cast<std::int32_t>(bytes / 4);
-    }
-}
-
 std::vector<Record> records_of(std::string_view object)
 {
     try {
@@ -132,18 +118,17 @@ std::vector<Record> records_of(std::string_view object)
 void leave_records(const std::string& area, const Record& record, const std::string& object,
                    SourceState state)
 {
-    for (const char* part : {"/db", "/ini", "/obj/before"}) {
+    for (const char* part : places::FILLED_FOLDERS) {
         make_directories(area + part);
     }
-    write_whole(area + "/obj/before/" + record.symbol, object);
-    write_whole(area + "/ini/" + record.symbol + ".ini",
-                "[StubFiles]\nStubFilePath1=" + record.source + "\nObjFilePath=" + record.object +
-                    "\n");
-    const std::string place = area + "/db/db" + record.symbol;
-    const std::string beside = area + "/db/." + record.symbol + "." + std::to_string(::getpid());
+    write_whole(places::saved_object(area, record.symbol), object);
+    write_whole(places::ini(area, record.symbol), source_ini(record.source, record.object));
+    const std::string place = places::symbol_db(area, record.symbol);
+    const std::string beside =
+        places::db(area) + "/." + record.symbol + "." + std::to_string(::getpid());
     make_directories(beside);
-    write_whole(beside + "/.tab", table_record(record, state));
-    write_whole(beside + "/CompileCmd.txt", record.compile_command);
-    write_whole(beside + "/record", to_bytes(record));
+    write_whole(places::table(beside), table_record(record, state));
+    write_whole(places::compile_command(beside), record.compile_command);
+    write_whole(places::record(beside), to_bytes(record));
     move_into_place(beside, place);
 }

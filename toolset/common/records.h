@@ -4,7 +4,6 @@
 
 #include "contract/record.h"
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,10 +11,6 @@
 /// A C identifier of at most 31 characters: the source's name, cut to 14, and a number that is
 /// another one as soon as one of the texts is.
 std::string symbol_of(const std::string& source, const std::vector<std::string>& texts);
-
-/// How many points, in the units of the stub mode, an array of so many bytes has: the stub's array
-/// is then large enough.
-std::int32_t points_of_array(int stub_mode, std::uint32_t bytes);
 
 /// The records in the object's section; none when it has no section, or one that is damaged.
 std::vector<Record> records_of(std::string_view object);

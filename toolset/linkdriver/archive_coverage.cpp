@@ -5,9 +5,12 @@
 #include "commonfunc/file_io.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
+#include "contract/names.h"
+#include "contract/places.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -15,8 +18,6 @@
 namespace
 {
 
-constexpr std::string_view STUB_PREFIX = "ZJ_Start_";
-constexpr std::string_view ARRAY_PREFIX = "g_QMRCovData_";
 constexpr std::string_view NUL("\0", 1);
 
 std::string_view up_to(std::string_view text, std::string_view end)
@@ -28,12 +29,13 @@ void read_symbols(std::string_view names, ArchiveCoverage& coverage)
 {
     while (!names.empty()) {
         const std::string_view name = up_to(names, NUL);
-        if (begins_with(name, STUB_PREFIX)) {
+        if (begins_with(name, TEST_LOADER_PREFIX)) {
             const bool is_new =
-                coverage.modules.emplace(name.substr(STUB_PREFIX.size()), StubBuild()).second;
+                coverage.modules.emplace(name.substr(std::strlen(TEST_LOADER_PREFIX)), StubBuild())
+                    .second;
             coverage.has_twins = coverage.has_twins || !is_new;
         } else if (begins_with(name, ARRAY_PREFIX)) {
-            coverage.arrays.emplace(name.substr(ARRAY_PREFIX.size()));
+            coverage.arrays.emplace(name.substr(std::strlen(ARRAY_PREFIX)));
         }
         names.remove_prefix(std::min(name.size() + 1, names.size()));
     }
@@ -45,7 +47,7 @@ void find_builds(std::string_view bytes, std::map<std::string, StubBuild>& modul
 {
     constexpr std::string_view KEY = "\"buid\":\"";
     for (auto& [module, build] : modules) {
-        const std::string tail = "/" + module + "/codemeasure" + std::string(NUL);
+        const std::string tail = places::work_area("", module) + std::string(NUL);
         const std::size_t at = bytes.find(tail);
         const std::size_t key = bytes.find(KEY, at);
         if (at != bytes.npos && key != bytes.npos) {
@@ -60,8 +62,8 @@ void find_builds(std::string_view bytes, std::map<std::string, StubBuild>& modul
 void find_symbols(std::string_view bytes, std::set<std::string>& seen, ScannedObject& found)
 {
     for (std::size_t at = bytes.find(ARRAY_PREFIX); at != bytes.npos;
-         at = bytes.find(ARRAY_PREFIX, at + ARRAY_PREFIX.size())) {
-        const std::string_view text = bytes.substr(at + ARRAY_PREFIX.size());
+         at = bytes.find(ARRAY_PREFIX, at + std::strlen(ARRAY_PREFIX))) {
+        const std::string_view text = bytes.substr(at + std::strlen(ARRAY_PREFIX));
         const std::string name(up_to(text, NUL));
         if (!name.empty() && name.find(' ') == name.npos && seen.insert(name).second) {
             add_symbol(found, name);

@@ -4,6 +4,7 @@
 #include "toolset/linkdriver/link_coverage.h"
 
 #include "commonfunc/path_name.h"
+#include "contract/names.h"
 
 #include <algorithm>
 #include <cctype>
@@ -13,13 +14,11 @@
 namespace
 {
 
-constexpr std::size_t MAX_SYMBOL_LENGTH = 31;
-
 /// A text among the object's data can begin like the name of an array.
 bool is_no_symbol(const CoverageSymbol& symbol)
 {
     const auto is_part = [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; };
-    return symbol.name.size() > MAX_SYMBOL_LENGTH ||
+    return symbol.name.size() > MAX_SYMBOL ||
            !std::all_of(symbol.name.begin(), symbol.name.end(), is_part);
 }
 
@@ -54,7 +53,10 @@ public:
         keep_symbols(archive.unregistered.symbols);
         note_twins(archive);
         for (const auto& [module, build] : archive.modules) {
-            coverage_.libraries.push_back({archive.unregistered.path, build, archive.arrays});
+            coverage_.libraries.push_back({archive.unregistered.path,
+                                           build.area,
+                                           build.buid,
+                                           {archive.arrays.begin(), archive.arrays.end()}});
         }
         if (!archive.modules.empty() || !archive.unregistered.symbols.empty()) {
             add(input, std::move(archive.unregistered));

@@ -1,6 +1,7 @@
 // What the inputs of a link bring along.
 #pragma once
 
+#include "contract/linked_libraries.h"
 #include "lltld/object_scan.h"
 #include "toolset/linkdriver/archive_coverage.h"
 #include "toolset/linkdriver/link_command.h"
@@ -10,18 +11,11 @@
 #include <string>
 #include <vector>
 
-/// A static library that registers itself.
-struct LinkedLibrary {
-    std::string path; ///< absolute
-    StubBuild build;
-    std::set<std::string> symbols; ///< coverage symbols
-};
-
 /// What has to do with coverage among the inputs.
 struct LinkCoverage {
     std::vector<ScannedObject> objects;   ///< what the link's own stub has to register
     std::set<std::string> modules;        ///< stubs in static libraries
-    std::vector<LinkedLibrary> libraries; ///< what is known of them
+    std::vector<LinkedLibrary> libraries; ///< that register themselves: what is known
     bool has_twins = false;               ///< two libraries define the same array or stub
     std::size_t first = static_cast<std::size_t>(-1); ///< word of the first input concerned
 

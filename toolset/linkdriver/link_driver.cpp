@@ -8,7 +8,8 @@
 #include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
-#include "lltld/counter_mode.h"
+#include "contract/names.h"
+#include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/process.h"
 #include "toolset/linkdriver/link_command.h"
@@ -82,11 +83,10 @@ Words with_runtime(const LinkCommand& link, const LinkCoverage& coverage, const 
     }
     // Inputs after the runtime need it too, so it is taken whether it is needed yet or not.
     added.insert(added.end(), {"-u", "QMR_CreateCoverageListExt"});
-    const ArrayForm form = counter_mode(g_lxprj->stubmode).array;
-    if (form == ArrayForm::char_extern || form == ArrayForm::word_extern) {
+    if (counter_mode(g_lxprj->stubmode).owner == ARRAYS_OF_OBJECTS) {
         // No member refers to an array of such a stub.
         for (const std::string& module : coverage.modules) {
-            added.insert(added.end(), {"-u", "ZJ_Start_" + module});
+            added.insert(added.end(), {"-u", TEST_LOADER_PREFIX + module});
         }
     }
     add_input(link, runtime, added);

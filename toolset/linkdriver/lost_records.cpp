@@ -4,6 +4,7 @@
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
+#include "contract/places.h"
 #include "contract/record.h"
 #include "lltld/archive_file.h"
 #include "lltld/cov_paths.h"
@@ -53,7 +54,7 @@ void restore_from(const std::string& object, const std::set<std::string>& lost)
     for (const Record& record : records_of(object)) {
         if (lost.count(record.symbol) != 0) {
             try {
-                leave_records(std::string(g_lxprj->szLLTTEMP) + "/codemeasure", record, object,
+                leave_records(places::area_in(g_lxprj->szLLTTEMP), record, object,
                               SourceState::unknown);
             } catch (const std::runtime_error& error) {
                 notice("the records of '%s' are lost: %s", record.source.c_str(), error.what());

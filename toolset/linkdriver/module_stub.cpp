@@ -10,6 +10,9 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
+#include "contract/linked_libraries.h"
+#include "contract/names.h"
+#include "contract/places.h"
 #include "lltld/cov_paths.h"
 #include "lltld/db_tidy.h"
 #include "lltld/inst_file_list.h"
@@ -26,6 +29,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <iterator>
 
 namespace
 {
@@ -54,7 +58,7 @@ std::string owner_of_area()
 void empty_work_area()
 {
     const std::string area = g_lxprj->szCovDictPath;
-    remove_entries(area + "/db", "db");
+    remove_entries(places::db(area), "db");
     remove_entries(area + "/obj/before", "");
     remove_entries(area + "/ini", "");
 }
@@ -72,7 +76,7 @@ bool adapt_compile_command()
     const std::string header = std::string(g_lxprj->szCovDictPath) + "/obj/weak_arrays.h";
     std::string pragmas;
     for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
-        pragmas += std::string("#pragma weak g_QMRCovData_") + node->szInstFileName + "\n";
+        pragmas += std::string("#pragma weak " ARRAY_PREFIX) + node->szInstFileName + "\n";
     }
     const std::string command = g_lxprj->strCompileCmd + stub_options(g_lxprj->strCompileCmd) +
                                 " -include " + shell_word(header);
@@ -91,7 +95,7 @@ std::string plain_array(const std::string& symbol)
         table.elementcount > 0) {
         const std::int64_t bytes = std::max(table.objlist->instnum, 1) * std::int64_t{8};
         line = "__attribute__((weak, aligned(" + std::to_string(ARRAY_ALIGNMENT) +
-               "))) char g_QMRCovData_" + symbol + "[" + std::to_string(bytes) + "];\n";
+               "))) char " ARRAY_PREFIX + symbol + "[" + std::to_string(bytes) + "];\n";
     }
     release_table(table);
     return line;
@@ -130,17 +134,10 @@ bool choose_work_area(const std::string& wanted, const std::string& output,
 
 void record_libraries(const std::vector<LinkedLibrary>& libraries)
 {
-    std::string text = "lltlibraries 1\n";
-    for (const LinkedLibrary& library : libraries) {
-        if (!library.build.buid.empty()) {
-            text += "library " + library.path + "\narea " + library.build.area + "\nbuid " +
-                    library.build.buid + "\n";
-            for (const std::string& symbol : library.symbols) {
-                text += "symbol " + symbol + "\n";
-            }
-        }
-    }
-    replace_file(std::string(g_lxprj->szCovDictPath) + "/libraries.txt", text);
+    std::vector<LinkedLibrary> known;
+    std::copy_if(libraries.begin(), libraries.end(), std::back_inserter(known),
+                 [](const LinkedLibrary& library) { return !library.buid.empty(); });
+    replace_file(places::linked_libraries(g_lxprj->szCovDictPath), to_text(known));
 }
 
 std::string make_stub(const std::vector<ScannedObject>& objects)

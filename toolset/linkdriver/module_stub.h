@@ -1,6 +1,7 @@
 // The module of a link: its work area, its database, and its stub.
 #pragma once
 
+#include "contract/linked_libraries.h"
 #include "lltld/object_scan.h"
 #include "toolset/linkdriver/link_coverage.h"
 

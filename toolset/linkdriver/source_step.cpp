@@ -5,6 +5,8 @@
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/path_name.h"
+#include "contract/names.h"
+#include "contract/places.h"
 #include "toolset/common/process.h"
 
 #include <algorithm>
@@ -30,7 +32,7 @@ std::vector<std::string> compilation_of(const DriverCall& call, const LinkComman
                                       "-qmr_current_prj_path",
                                       call.project,
                                       "-projectname",
-                                      "LLTTEMP",
+                                      TEMPORARY_NAME,
                                       "-qmr_coverage_stub_mold",
                                       std::to_string(call.stub_mode)};
     std::vector<bool> left_out(link.words.size() + 1);
@@ -74,7 +76,7 @@ LinkCommand compile_sources(const DriverCall& call, const LinkCommand& link)
             link.output.c_str());
         return link;
     }
-    const std::string directory = std::string(g_lxprj->szCovDictPath) + "/LLTTEMP/linkobj/" +
+    const std::string directory = places::temporary_folder(g_lxprj->szCovDictPath) + "/linkobj/" +
                                   hash_name({absolute_path(link.output)});
     if (QMRCreateDirectory(directory.c_str()) == 0) {
         return link;

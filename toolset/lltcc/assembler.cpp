@@ -4,7 +4,9 @@
 #include "toolset/lltcc/assembler.h"
 
 #include "commonfunc/text.h"
+#include "contract/names.h"
 #include "contract/record.h"
+#include "contract/stub_modes.h"
 #include "toolset/common/records.h"
 #include "toolset/counters/counter_text.h"
 #include "toolset/lltcc/handover.h"
@@ -66,11 +68,6 @@ std::string content_of_path(const std::string& path)
     return text;
 }
 
-bool object_defines_array(int stub_mode)
-{
-    return stub_mode == 5 || (stub_mode >= 7 && stub_mode <= 9);
-}
-
 /// Joins what the driver knows and what the text says.
 Record complete_record(const HandedOver& job, const CounterText& text, std::string notes)
 {
@@ -97,9 +94,9 @@ std::string head_and_record(const Record& record, int record_file)
 {
     std::string text;
     if (record.array_bytes != 0) {
-        const std::string array = "g_QMRCovData_" + record.symbol;
+        const std::string array = ARRAY_PREFIX + record.symbol;
         text = "\t.hidden\t" + array + "\n";
-        if (object_defines_array(record.stub_mode)) {
+        if (counter_mode(record.stub_mode).owner == ARRAYS_OF_OBJECTS) {
             text += "\t.comm\t" + array + "," + std::to_string(record.array_bytes) + "," +
                     std::to_string(ARRAY_ALIGNMENT) + "\n";
         }
@@ -118,8 +115,8 @@ int assemble(const HandedOver& job, const AssemblerCall& call)
     const Record record =
         complete_record(job, counters, is_clang || !is_counted ? "" : content_of_path(job.notes));
     const int record_file = anonymous_file(to_bytes(record));
-    const std::string input = head_and_record(record, record_file) +
-                              with_array(counters, "g_QMRCovData_" + record.symbol);
+    const std::string input =
+        head_and_record(record, record_file) + with_array(counters, ARRAY_PREFIX + record.symbol);
     Words command = call.options;
     command.insert(command.begin(), job.assembler);
     std::string errors;

@@ -11,7 +11,9 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
+#include "contract/places.h"
 #include "contract/record.h"
+#include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/records.h"
 #include "toolset/counters/counter_text.h"
@@ -32,14 +34,14 @@ namespace
 {
 
 /// LLTTEMP/codemeasure of the project, of the platform when one tree is built for several.
-std::string temporary_area(const std::string& project_path)
+std::string area_of_project(const std::string& project_path)
 {
     std::string root =
         names_project_file(project_path) ? split_path(project_path).directory : project_path;
     if (env_int("isOverlappedCompile") == 1) {
         root += "/" + env_text(env_text("PlatformToken").c_str());
     }
-    return absolute_path(root.empty() ? "." : root) + "/LLTTEMP/codemeasure";
+    return places::temporary_area(absolute_path(root.empty() ? "." : root));
 }
 
 /// One wrapped command: what its compiles have in common.
@@ -217,8 +219,9 @@ std::string refusal(const Compilation& compilation)
     if (compilation.tools.empty()) {
         return "lltcc.d/as is missing from the installation";
     }
-    if (compilation.stub_mode == 3) {
-        return "no stub of mode 3 declares counters; choose another one by qmr_coverage_stub_mold";
+    if (counter_mode(compilation.stub_mode).owner == ARRAYS_OF_NOBODY) {
+        return "no stub of mode " + std::to_string(compilation.stub_mode) +
+               " declares counters; choose another one by qmr_coverage_stub_mold";
     }
     for (const std::string& word : command.words) {
         if (word.find('\n') != word.npos) {
@@ -254,7 +257,7 @@ int run_driver(const Words& arguments)
     Compilation compilation;
     compilation.launchers = take_launchers(compiler);
     compilation.command = read_command(compiler);
-    compilation.area = temporary_area(call.project);
+    compilation.area = area_of_project(call.project);
     compilation.stub_mode = call.stub_mode;
     compilation.tools = tools_directory();
     std::string why_plain = refusal(compilation);

@@ -5,6 +5,7 @@
 #include "toolset/lltcc/stub_role.h"
 
 #include "commonfunc/file_io.h"
+#include "contract/names.h"
 #include "toolset/counters/counter_text.h"
 #include "toolset/lltcc/tools_directory.h"
 
@@ -27,7 +28,7 @@ std::string front_of(const std::string& stub)
     std::istringstream lines(stub);
     for (std::string line; std::getline(lines, line);) {
         const std::size_t end = line.find(DEFINITION);
-        if (end != line.npos && line.find(" g_QMRCovData_") != line.npos) {
+        if (end != line.npos && line.find(" " ARRAY_PREFIX) != line.npos) {
             out += "extern " + line.substr(0, end) + " __attribute__((aligned(" +
                    std::to_string(ARRAY_ALIGNMENT) + ")));\n";
         }

@@ -1,5 +1,8 @@
 /* The public functions, all in one object: when the linker takes one of them from the static
  * library it takes all, so that a process never mixes two copies of the runtime within a module. */
+#include "contract/dump_format.h"
+#include "contract/names.h"
+#include "contract/stub_modes.h"
 #include "copies.h"
 #include "dump.h"
 #include "lltcov_rt.h"
@@ -59,7 +62,7 @@ static size_t parent_length(const char* path, size_t length)
 /* Where the next module's dumps go. */
 static void choose_root(char* out, const char* area)
 {
-    static const char DEFAULT_NAME[] = "/llt_result";
+    static const char DEFAULT_NAME[] = "/" DUMP_FOLDER;
     /* Not in a set-user-id program: its caller must not choose where it writes. */
     const char* from_environment = secure_getenv("LLTCOV_ROOT");
     if (from_environment != NULL && from_environment[0] != '\0') {
@@ -101,7 +104,7 @@ void* QMR_CreateCoverageListExt(const char* pModName, const char* covdbpath, uns
 static unsigned long long or_bytes_of(const char* name, unsigned long long size)
 {
     const char* const extension = strrchr(name, '.');
-    const char* digit = extension != NULL ? strrchr(extension, ':') : NULL;
+    const char* digit = extension != NULL ? strrchr(extension, DUMP_OR_MARK) : NULL;
     unsigned long long bytes = 0;
     if (digit == NULL) {
         return 0;
@@ -119,6 +122,8 @@ int QMR_AddCoverageBuf(void* pMod, unsigned int iFileId, char* pFileName, unsign
     if (module == NULL || pCovBuf == NULL || module->is_complete) {
         return 0;
     }
+    /* A few modes state four bytes per point although their arrays are smaller, so the layout
+     * follows the mode and not the size that is stated. */
     const unsigned long long size = size_of_array(module->mode, iInstSize);
     if (size > iBufSize || size % sizeof(uint64_t) != 0) {
         return 0;

@@ -2,15 +2,13 @@
  * of 8, the words, and two arrays of counters. */
 #include "image.h"
 
+#include "contract/dump_format.h"
 #include "out.h"
 
 #include <errno.h>
 #include <stdint.h>
 #include <string.h>
 #include <sys/mman.h>
-
-/* Larger sums of counters are taken for a mistake. */
-#define MAX_BYTES (1ULL << 31)
 
 /* --- the header */
 
@@ -26,7 +24,7 @@ static unsigned long long bytes_of_counters(const struct module* module)
 static const char* byte_order(void)
 {
     const uint16_t one = 1;
-    return *(const unsigned char*)&one == 1 ? "little" : "big";
+    return *(const unsigned char*)&one == 1 ? DUMP_LITTLE : DUMP_BIG;
 }
 
 static void add_line(struct out* out, const char* key, const char* value)
@@ -38,19 +36,19 @@ static void add_line(struct out* out, const char* key, const char* value)
 
 static void add_header(struct out* out, const struct module* module)
 {
-    out_text(out, "lltcov 2\n");
-    add_line(out, "module ", module->name);
-    add_line(out, "project ", module->project);
-    add_line(out, "buid ", module->buid);
-    out_text(out, "mode ");
+    out_text(out, DUMP_FORMAT "\n");
+    add_line(out, DUMP_MODULE " ", module->name);
+    add_line(out, DUMP_PROJECT " ", module->project);
+    add_line(out, DUMP_BUID " ", module->buid);
+    out_text(out, DUMP_MODE " ");
     out_number(out, (unsigned long long)module->mode);
-    add_line(out, "\narea ", module->area);
+    add_line(out, "\n" DUMP_AREA " ", module->area);
     if (module->test != NULL) {
-        add_line(out, "test ", module->test);
+        add_line(out, DUMP_TEST " ", module->test);
     }
-    add_line(out, "order ", byte_order());
+    add_line(out, DUMP_ORDER " ", byte_order());
     for (const struct buffer* buffer = module->first; buffer != NULL; buffer = buffer->next) {
-        out_text(out, "file ");
+        out_text(out, DUMP_FILE " ");
         out_number(out, buffer->index);
         out_text(out, " ");
         out_name(out, buffer->name);
@@ -58,7 +56,7 @@ static void add_header(struct out* out, const struct module* module)
         out_number(out, buffer->words * sizeof(uint64_t));
         out_text(out, "\n");
     }
-    out_text(out, "counts ");
+    out_text(out, DUMP_COUNTS " ");
     out_number(out, bytes_of_counters(module) + sizeof(uint64_t));
     out_text(out, "\n");
 }
@@ -81,7 +79,7 @@ static int make_image(struct module* module)
     struct out out = {NULL, 0, 0};
     add_header(&out, module);
     const unsigned long long bytes = bytes_of_counters(module);
-    if (bytes > MAX_BYTES || out.used > MAX_BYTES) {
+    if (bytes > DUMP_MAX_BYTES || out.used > DUMP_MAX_BYTES) {
         errno = ENOMEM;
         return 0;
     }

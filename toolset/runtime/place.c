@@ -3,6 +3,7 @@
 
 #include "place.h"
 
+#include "contract/names.h"
 #include "out.h"
 
 #include <errno.h>
@@ -44,7 +45,7 @@ static int make_path(char* to, const struct module* module, const char* start, c
     }
     out_text(&out, ".");
     out_text(&out, place);
-    out_text(&out, ".lltcov");
+    out_text(&out, DUMP_SUFFIX);
     out_text(&out, end);
     errno = ENAMETOOLONG;
     return out_end(&out) && module->root[0] != '\0';
@@ -53,7 +54,7 @@ static int make_path(char* to, const struct module* module, const char* start, c
 int place_name(struct place* place, const struct module* module, const char* name)
 {
     return make_path(place->path, module, "", name, "") &&
-           make_path(place->beside, module, ".", name, ".tmp");
+           make_path(place->beside, module, ".", name, SPARE_SUFFIX);
 }
 
 /* Creates the directory of the file with its parents; the path is changed meanwhile. */

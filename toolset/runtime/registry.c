@@ -28,24 +28,6 @@ void registry_unlock(const sigset_t* mask)
     pthread_sigmask(SIG_SETMASK, mask, NULL);
 }
 
-unsigned long long size_of_array(int mode, unsigned int units)
-{
-    /* A few modes register four bytes per unit although their arrays are smaller, so the layout
-     * follows the mode and not the size that is stated. */
-    switch (mode) {
-    case 0:
-    case 4:
-    case 7:
-        return ((unsigned long long)units + 31) / 32 * 4;
-    case 2:
-    case 6:
-    case 9:
-        return units;
-    default:
-        return 4ULL * units;
-    }
-}
-
 static char* copy_of(const char* text)
 {
     const size_t size = strlen(text) + 1;

@@ -70,9 +70,6 @@ int registry_add_buffer(struct module* module, const struct buffer* buffer);
 /* Unlinks and frees the module. */
 void registry_remove_module(struct module* module);
 
-/* Bytes of an array whose size is given in the unit of the stub mode. */
-unsigned long long size_of_array(int mode, unsigned int units);
-
 /* Sets every counter to zero. */
 void registry_zero_counters(void);
 

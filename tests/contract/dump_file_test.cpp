@@ -1,7 +1,7 @@
 // The reader of dump files: what is sound is read, anything else is refused with the line that is
 // wrong.
 #include "commonfunc/text_lines.h"
-#include "lltcov/report/dump_file.h"
+#include "contract/dump_file.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,9 @@
 // The sizes in the header are believed only when they fit the size of the file, so that a few bytes
 // cannot ask for gigabytes.
-#include "lltcov/report/dump_file.h"
+#include "contract/dump_file.h"
 
 #include "commonfunc/text_lines.h"
+#include "contract/dump_format.h"
 
 #include <cstddef>
 #include <string>
@@ -11,8 +12,7 @@
 namespace
 {
 
-constexpr std::size_t WORD = 8;
-constexpr std::uint64_t MAX_BYTES = std::uint64_t{1} << 31; ///< of all arrays
+constexpr std::size_t WORD = DUMP_WORD;
 
 class Reader
 {
@@ -21,12 +21,12 @@ public:
 
     Dump read()
     {
-        if (!lines_.next() || lines_.rest_of_line() != "lltcov 2") {
+        if (!lines_.next() || lines_.rest_of_line() != DUMP_FORMAT) {
             throw FormatError(1, "this is no dump file of format 2");
         }
         while (lines_.next()) {
             const std::string_view key = lines_.word();
-            if (key == "counts") {
+            if (key == DUMP_COUNTS) {
                 read_counts();
                 return std::move(dump_);
             }
@@ -39,20 +39,20 @@ private:
     /// Lines of other keys belong to later versions.
     void read_line(std::string_view key)
     {
-        if (key == "module") {
+        if (key == DUMP_MODULE) {
             dump_.module = lines_.rest_of_line();
-        } else if (key == "buid") {
+        } else if (key == DUMP_BUID) {
             dump_.buid = lines_.rest_of_line();
-        } else if (key == "area") {
+        } else if (key == DUMP_AREA) {
             dump_.area = lines_.rest_of_line();
-        } else if (key == "test") {
+        } else if (key == DUMP_TEST) {
             dump_.test = lines_.rest_of_line();
-        } else if (key == "order") {
+        } else if (key == DUMP_ORDER) {
             order_ = lines_.rest_of_line();
-            if (order_ != "little" && order_ != "big") {
+            if (order_ != DUMP_LITTLE && order_ != DUMP_BIG) {
                 lines_.fail("the byte order is not known");
             }
-        } else if (key == "file") {
+        } else if (key == DUMP_FILE) {
             read_source();
         }
     }
@@ -68,7 +68,7 @@ private:
         }
         const std::string_view name = fields.substr(0, at);
         const std::uint64_t bytes =
-            lines_.number_of(fields.substr(at + 1), "size", MAX_BYTES - WORD - bytes_);
+            lines_.number_of(fields.substr(at + 1), "size", DUMP_MAX_BYTES - WORD - bytes_);
         if (bytes % WORD != 0) {
             lines_.fail("an array does not hold whole counters");
         }
@@ -79,7 +79,7 @@ private:
 
     void read_counts()
     {
-        const std::uint64_t size = lines_.number("size", MAX_BYTES);
+        const std::uint64_t size = lines_.number("size", DUMP_MAX_BYTES);
         if (dump_.area.empty() || order_.empty()) {
             lines_.fail("there is no work area or no byte order before this line");
         }
@@ -104,7 +104,7 @@ private:
     {
         std::uint64_t word = 0;
         for (std::size_t i = 0; i < WORD; ++i) {
-            const std::size_t place = order_ == "big" ? WORD - 1 - i : i;
+            const std::size_t place = order_ == DUMP_BIG ? WORD - 1 - i : i;
             word |= static_cast<std::uint64_t>(static_cast<unsigned char>(rest[i])) << 8 * place;
         }
         rest.remove_prefix(WORD);

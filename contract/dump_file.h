@@ -1,5 +1,5 @@
-// What the runs of a program left of one module: a file of the coverage runtime, which FORMATS.md
-// describes.
+// What the runs of a program left of one module: a file of the coverage runtime, whose format
+// dump_format.h describes.
 #pragma once
 
 #include <cstdint>

@@ -1,0 +1,28 @@
+// Read by the rules of all INI files of a project.
+#include "contract/source_ini.h"
+
+#include "commonfunc/ini_profile.h"
+
+namespace
+{
+
+constexpr char SECTION[] = "StubFiles";
+constexpr char SOURCE[] = "StubFilePath1";
+constexpr char OBJECT[] = "ObjFilePath";
+
+} // namespace
+
+std::string source_ini(const std::string& source, const std::string& object)
+{
+    return std::string("[") + SECTION + "]\n" + SOURCE + "=" + source + "\n" + OBJECT + "=" +
+           object + "\n";
+}
+
+bool read_source_ini(const char* path, char* source, char* object, int size)
+{
+    if (QMRGetPrivateProfileString(SECTION, SOURCE, source, size, nullptr, path) == 0) {
+        return false;
+    }
+    QMRGetPrivateProfileString(SECTION, OBJECT, object, size, nullptr, path);
+    return true;
+}
