@@ -96,26 +96,29 @@ TEST(Record, ThatIsNotSoundIsRefused)
         return record_of(body);
     };
     const struct {
+        const char* what;
         std::string bytes;
         const char* says;
     } rows[] = {
-        {"lltrecord 2 0\n", "format 1"},
-        {"nonsense\n", "format 1"},
-        {record_of(BODY + NOTES) + "\n", "format 1"},
-        {record_of(BODY), "bytes of notes"},
-        {record_of("symbol a\n"), "without its notes"},
-        {changed("symbol a_c_1\n", ""), "missing"},
-        {changed("counters 8 2 24", "counters 8 3 24"), "not in the array"},
-        {changed("counters 8 2 24", "counters 8 2 4294967295"), "offset"},
-        {changed("counters 8 2 24", "counters 8 2 20"), "not in the array"},
-        {changed("function 1 2 3 f\n", ""), "of no function"},
-        {changed("array 40 16", "array 40 48"), "size of its end"},
-        {changed("array 40 16", "array 41 16"), "whole counters"},
-        {changed("map /real=/recorded", "map /real"), "no '='"},
+        {"another format", "lltrecord 2 0\n", "format 1"},
+        {"no record", "nonsense\n", "format 1"},
+        {"bytes after the record", record_of(BODY + NOTES) + "\n", "format 1"},
+        {"notes cut off", record_of(BODY), "bytes of notes"},
+        {"no notes", record_of("symbol a\n"), "without its notes"},
+        {"no symbol", changed("symbol a_c_1\n", ""), "missing"},
+        {"counters beyond the array", changed("counters 8 2 24", "counters 8 3 24"),
+         "not in the array"},
+        {"an offset that wraps", changed("counters 8 2 24", "counters 8 2 4294967295"), "offset"},
+        {"counters within others", changed("counters 8 2 24", "counters 8 2 20"),
+         "not in the array"},
+        {"counters without a function", changed("function 1 2 3 f\n", ""), "of no function"},
+        {"an end beyond the array", changed("array 40 16", "array 40 48"), "size of its end"},
+        {"half a counter", changed("array 40 16", "array 41 16"), "whole counters"},
+        {"half a map", changed("map /real=/recorded", "map /real"), "no '='"},
     };
     for (const auto& row : rows) {
-        EXPECT_NE(refusal_of(row.bytes).find(row.says), std::string::npos)
-            << row.says << ": " << refusal_of(row.bytes);
+        SCOPED_TRACE(row.what);
+        EXPECT_NE(refusal_of(row.bytes).find(row.says), std::string::npos) << refusal_of(row.bytes);
     }
     const std::string sound = record_of(BODY + NOTES);
     EXPECT_EQ(refusal_of(sound), "");
@@ -129,7 +132,8 @@ TEST(Record, IsFoundInObjectsOfEveryClassAndByteOrder)
     for (const bool is_64 : {false, true}) {
         for (const bool is_big : {false, true}) {
             const std::string object = elf_object(is_64, is_big, "the record");
-            EXPECT_EQ(record_section(object), "the record") << is_64 << is_big;
+            EXPECT_EQ(record_section(object), "the record")
+                << (is_64 ? "64" : "32") << " bits, " << (is_big ? "big" : "little") << " endian";
             for (std::size_t size = 0; size < object.size(); ++size) {
                 record_section(object.substr(0, size)); // returns
             }
