@@ -13,6 +13,7 @@ TEST_F(ResponseFile, HoldsTheWordsThatTheArchiverTakes)
         {"quotes hold together", "'a b' \"c d\" e' 'f\" \"g 'open h", "a b|c d|e f g|open h|"},
         {"a backslash takes the next byte", "a\\ b \\'c\\\" \"a\\\"b\" 'c\\'d' \"it's\" 'x\"y'",
          "a b|'c\"|a\"b|c'd|it's|x\"y|"},
+        {"quotes alone are an empty word", "a '' \"\" b", "a|||b|"},
         {"a backslash at the end", "a\\", "a|"},
         {"an empty file", "", ""},
     };

@@ -120,6 +120,8 @@ TEST_F(Forwarding, ArgumentsAreRewrittenAndEscaped)
          "gcc -Xlinker \"$M b\" ", "[gcc][-Xlinker][m b]"},
         {"after -Xlinker nothing is an option", "", "gcc -Xlinker -E", "", "gcc -Xlinker \"-E\" ",
          "[gcc][-Xlinker][-E]"},
+        {"a value is escaped, missing or not", "", "gcc -I 'a b' '-La b' -l 'a b' -S 'a b'", "",
+         "gcc -I a\\ b -La\\ b -l a\\ b -S a\\ b ", "[gcc][-I][a b][-La b][-l][a b][-S][a b]"},
         {"+sec goes, a missing path is not escaped", "", "gcc -Wa,-march=armv7-a+sec 'no such.o'",
          "", "gcc -Wa,-march=armv7-a no such.o "},
         {"the first $ORIGIN of a path", "", "gcc '-Wl,-rpath,$ORIGIN:$ORIGIN'",

@@ -90,7 +90,9 @@ TEST_F(ProjectSettings, TheProjectPathGivesDirectoryNameAndWorkArea)
     const std::string project = "SupportSameName=2 qmr_current_prj_path=" + dir + "/x.prj";
     run(Caddis_LD_GetCovDictPath, 1, project); // the file's place comes from loading alone
     EXPECT_EQ(g_lxprj->m_port, 60000);
-    run(Caddis_LD_Initial, 1, project + " isOverlappedCompile=0 TimerPolicy=0 SignalPolicy=0");
+    run(Caddis_LD_Initial, 1,
+        project + " isOverlappedCompile=0 TimerPolicy=1 TimeInterval=-2 SignalPolicy=0");
+    EXPECT_EQ(g_lxprj->TimeInterval, -2); // -1 alone is an error
     EXPECT_TRUE(g_lxprj->m_port == 7000 && g_lxprj->stubmode == 3 && g_iSupportSameName == 2);
 }
 

@@ -112,6 +112,12 @@ TEST_F(StubSource, ThatFailedIsNotCompiled)
               "[modcfg]\npara4=1\npara3=3\npara2=w\npara1=my-mod-1\n\n[InstInfo]\n"
               "info=3##A.c##g_QMRCovData_A##4##1;5##b.x.c##g_QMRCovData_b46x##8##33;7##" +
                   n + "##g_QMRCovData_" + n + "##0##0\n");
+    answer("rm w/my-mod-1.ini");
+    prepare("// mode=2 TimerPolicy=2 SignalPolicy=2 rootpath=");
+    printed(1, generate);
+    EXPECT_EQ(read_file("w/my-mod-1.ini"),
+              "[usercfg]\nisOverlappedCompile=1\n\n[modcfg]\npara4=3\npara3=0\npara2=w\n"
+              "para1=my-mod-1\n\n[InstInfo]\ninfo=\n");
     again();
     answer("rm " + STUB + ".c; mkdir " + STUB + ".c");
     EXPECT_EQ(printed(0, generate), "Can't create interface file \"__code_measure_stub_lib.c\"!\n");
