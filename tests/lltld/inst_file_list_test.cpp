@@ -24,5 +24,11 @@ TEST_F(InstFileList, AnswersAfterAnyChangeOfTheList)
 
     EXPECT_EQ(WriteDBNameToList("b") + WriteDBNameToList("b"), 2); // recorded, but once
     EXPECT_EQ(instFileList.iCount, 2);
+
+    const std::string name(259, 'n'), longer = name + "n"; // cut, and found as it was cut
+    EXPECT_EQ(WriteDBNameToList(longer.c_str()) + WriteDBNameToList(longer.c_str()), 2);
+    EXPECT_EQ(instFileList.iCount, 3);
+    EXPECT_EQ(IsFileExistInList(longer.c_str()), 0);
+    EXPECT_EQ(IsFileExistInList(name.c_str()), 1);
     instFileList = {};
 }

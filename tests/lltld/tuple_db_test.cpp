@@ -83,6 +83,13 @@ TEST_F(TupleDatabase, ResolvesASymbolByItsIniFile)
     write_file(ini, "[StubFiles]\nStubFilePath=\n"); // answers for every longer key
     EXPECT_EQ(read(), 1);
     EXPECT_EQ(std::string(src) + obj, "?");
+    g_iSupportSameName = 2; // the same place; only 0 has it in the work area
+    EXPECT_EQ(read(), 1);
+    g_iSupportSameName = 0;
+    write_file("w/ini/c.ini", "[StubFiles]\nStubFilePath1=s\n");
+    EXPECT_EQ(read(), 1);
+    EXPECT_STREQ(src, "s");
+    g_iSupportSameName = 1;
 }
 
 TEST_F(TupleDatabase, ExplainsASymbolWithoutIniFileFromTheOldRecords)
