@@ -13,8 +13,12 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <set>
+#include <string>
 #include <sys/stat.h>
+#include <sys/types.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace
@@ -25,13 +29,6 @@ bool failed(const char* what, const std::string& path)
     warn("cannot %s '%s': %s; the copy is incomplete, mend that and run the step again", what,
          path.c_str(), std::strerror(errno));
     return false;
-}
-
-/// True for a directory, but not for a link to one.
-bool is_directory_itself(const std::string& path)
-{
-    struct stat info = {};
-    return ::lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 /// True for a link that names nothing: nothing is written through it.
@@ -101,33 +98,43 @@ bool copy_link(const std::string& source, const std::string& destination)
     return ::symlink(target.c_str(), destination.c_str()) == 0 || failed("create", destination);
 }
 
-bool copy_entry(const std::string& source, const std::string& destination);
+/// The directories, by device and number, into which one copy has put something.
+using Filled = std::set<std::pair<dev_t, ino_t>>;
 
-bool copy_directory(const std::string& source, const std::string& destination, mode_t mode)
+bool copy_entry(const std::string& source, const std::string& destination, Filled& filled);
+
+bool copy_directory(const std::string& source, const std::string& destination,
+                    const struct stat& info, Filled& filled)
 {
-    const bool made = ::mkdir(destination.c_str(), (mode & 0777) | S_IRWXU) == 0;
-    if (!made && !is_directory_itself(destination)) {
+    if (filled.count({info.st_dev, info.st_ino}) != 0) {
+        warn("the directory '%s' is not copied into itself; name a destination outside of it",
+             source.c_str());
+        return false;
+    }
+    const bool made = ::mkdir(destination.c_str(), (info.st_mode & 0777) | S_IRWXU) == 0;
+    struct stat target = {};
+    if (::lstat(destination.c_str(), &target) != 0 || !S_ISDIR(target.st_mode)) {
         return failed("create", destination);
     }
+    filled.insert({target.st_dev, target.st_ino});
     bool done = true;
     for (const std::string& name : names_in(source)) {
-        const std::string target = destination + "/" + name;
-        done = copy_entry(source + "/" + name, target) && done;
+        done = copy_entry(source + "/" + name, destination + "/" + name, filled) && done;
     }
     if (made) {
-        ::chmod(destination.c_str(), mode & 01777 & ~process_umask());
+        ::chmod(destination.c_str(), info.st_mode & 01777 & ~process_umask());
     }
     return done;
 }
 
-bool copy_entry(const std::string& source, const std::string& destination)
+bool copy_entry(const std::string& source, const std::string& destination, Filled& filled)
 {
     struct stat info = {};
     if (::lstat(source.c_str(), &info) != 0) {
         return failed("read", source);
     }
     if (S_ISDIR(info.st_mode)) {
-        return copy_directory(source, destination, info.st_mode);
+        return copy_directory(source, destination, info, filled);
     }
     if (S_ISLNK(info.st_mode)) {
         return copy_link(source, destination);
@@ -184,10 +191,11 @@ void remove_entries(const std::string& directory, const std::string& start)
 
 bool copy_tree(const std::string& source, const std::string& destination)
 {
+    Filled filled;
     struct stat info = {};
     if (::stat(destination.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
-        return copy_entry(source, destination);
+        return copy_entry(source, destination, filled);
     }
     const std::string name = base_name(source.substr(0, source.find_last_not_of('/') + 1));
-    return copy_entry(source, name == ".." ? destination : destination + "/" + name);
+    return copy_entry(source, name == ".." ? destination : destination + "/" + name, filled);
 }

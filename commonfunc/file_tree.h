@@ -18,6 +18,6 @@ void remove_entries(const std::string& directory, const std::string& start);
 
 /// Copies a file or tree like "cp -rf SOURCE DESTINATION": into the destination when that is a
 /// directory (a source ".." to it), else to it. Links are copied as links, special files are made
-/// anew; file modes are the source's less the umask. False with a warning when something could not
-/// be copied; the rest is copied all the same.
+/// anew; file modes are the source's less the umask. A directory is not copied into itself. False
+/// with a warning when something could not be copied; the rest is copied all the same.
 bool copy_tree(const std::string& source, const std::string& destination);

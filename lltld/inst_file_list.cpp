@@ -1,68 +1,65 @@
-// A linked list with an index beside it: an archive of 10,000 objects asks 10,000 times whether a
-// name is there.
+// The list is all that is remembered: whoever holds a node may rename it, and whoever holds the
+// list may begin it anew. An archive of 10,000 objects has its names looked up in an index, which
+// lives no longer than the one operation that records them all.
 #include "lltld/inst_file_list.h"
 
 #include "commonfunc/text.h"
 
 #include <cstdio>
+#include <cstring>
 #include <new>
-#include <string>
-#include <unordered_set>
 
 namespace
 {
 
-/// The names of `instFileList` as it was when the index was last brought up to date.
-struct Index {
-    std::unordered_set<std::string> names;
-    _InstFileList list;
-};
-
-/// The names in the list; collected anew when the list was changed by another hand.
-std::unordered_set<std::string>& names_in_list()
+/// The name as a node stores it, so that names stay unique when a long one is cut.
+std::string stored_form(const char* name)
 {
-    static Index index;
-    const bool same = index.list.pHead == instFileList.pHead &&
-                      index.list.pTail == instFileList.pTail &&
-                      index.list.iCount == instFileList.iCount;
-    const bool one_more = index.list.pHead != nullptr && index.list.pHead == instFileList.pHead &&
-                          index.list.pTail != nullptr && !same &&
-                          index.list.iCount + 1 == instFileList.iCount &&
-                          index.list.pTail->pNext == instFileList.pTail;
-    if (one_more) {
-        index.names.insert(instFileList.pTail->szInstFileName);
-    } else if (!same) {
-        index.names.clear();
-        for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
-            index.names.insert(node->szInstFileName);
-        }
-    }
-    index.list = instFileList;
-    return index.names;
-}
-
-} // namespace
-
-int WriteDBNameToList(const char* name)
-{
-    // Compared as it is stored, so that names stay unique when a long one is cut.
     char stored[INST_NAME_SIZE];
     QMRStrcpy(stored, name, INST_NAME_SIZE);
-    if (names_in_list().count(stored) != 0) {
-        return 1;
-    }
+    return stored;
+}
+
+int append(const std::string& name)
+{
     auto* node = new (std::nothrow) _InstFile;
     if (node == nullptr) {
         std::puts("Allocate memory failed!");
         return 0;
     }
-    WriteInstFileNameTolist(stored, &instFileList, node);
+    WriteInstFileNameTolist(name.c_str(), &instFileList, node);
     return 1;
+}
+
+} // namespace
+
+InstNameRecorder::InstNameRecorder()
+{
+    for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
+        names_.insert(node->szInstFileName);
+    }
+}
+
+int InstNameRecorder::record(const std::string& name)
+{
+    const auto [stored, is_new] = names_.insert(stored_form(name.c_str()));
+    return is_new ? append(*stored) : 1;
+}
+
+int WriteDBNameToList(const char* name)
+{
+    const std::string stored = stored_form(name);
+    return IsFileExistInList(stored.c_str()) != 0 ? 1 : append(stored);
 }
 
 int IsFileExistInList(const char* name)
 {
-    return static_cast<int>(names_in_list().count(name));
+    for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
+        if (std::strcmp(node->szInstFileName, name) == 0) {
+            return 1;
+        }
+    }
+    return 0;
 }
 
 void WriteInstFileNameTolist(const char* name, _InstFileList* list, _InstFile* node)

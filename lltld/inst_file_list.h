@@ -2,6 +2,9 @@
 // each once, in the order in which they were found.
 #pragma once
 
+#include <string>
+#include <unordered_set>
+
 /// Bytes of a coverage symbol name or a recorded path, with its NUL.
 constexpr int INST_NAME_SIZE = 260;
 
@@ -26,6 +29,20 @@ extern _InstFileList instFileList;
 /// Records a name (cut to 259 bytes) in `instFileList` unless it is there. Returns 1, or 0 after
 /// printing "Allocate memory failed!" when no node can be allocated.
 int WriteDBNameToList(const char* name);
+
+/// Records many names, each looked up in an index of those in `instFileList`. It lives during one
+/// operation, in which nobody else changes the list.
+class InstNameRecorder
+{
+public:
+    InstNameRecorder(); ///< indexes the names that the list has now
+
+    /// Like `WriteDBNameToList`.
+    int record(const std::string& name);
+
+private:
+    std::unordered_set<std::string> names_;
+};
 
 /// 1 when a node of `instFileList` has exactly this name, else 0.
 int IsFileExistInList(const char* name);

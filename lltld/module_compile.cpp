@@ -132,8 +132,9 @@ int GetInstInfo(const char* list)
 
 int register_scanned_objects(const std::vector<ScannedObject>& objects)
 {
+    InstNameRecorder names;
     for (const ScannedObject& object : objects) {
-        if (report_failure(register_symbols(object)) < 1) {
+        if (report_failure(register_symbols(object, names)) < 1) {
             return 0;
         }
     }

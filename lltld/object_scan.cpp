@@ -116,7 +116,8 @@ int FindSymbolInObjFile(const char* path)
     ScannedObject object;
     object.path = path;
     collect_symbols(content, object);
-    return register_symbols(object);
+    InstNameRecorder names;
+    return register_symbols(object, names);
 }
 
 bool scan_object(const std::string& path, ScannedObject& object)
@@ -134,12 +135,12 @@ bool scan_object(const std::string& path, ScannedObject& object)
     return true;
 }
 
-int register_symbols(const ScannedObject& object)
+int register_symbols(const ScannedObject& object, InstNameRecorder& names)
 {
     for (const CoverageSymbol& symbol : object.symbols) {
         std::printf("symbol  %s  in obj-file: %s\n",
                     object.runs[symbol.run].c_str() + symbol.offset, object.path.c_str());
-        if (WriteDBNameToList(symbol.name.c_str()) == 0) {
+        if (names.record(symbol.name) == 0) {
             return 0;
         }
     }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+class InstNameRecorder;
+
 /// Searches `data` for the NUL-terminated pattern; the match, or null. After a mismatch the search
 /// goes on after the mismatching byte, so a match that overlaps a partly matched prefix is not
 /// found (aab in aaab). Attempts start at offsets below `len` only; one may read beyond it, which
@@ -41,4 +43,4 @@ struct ScannedObject {
 bool scan_object(const std::string& path, ScannedObject& object);
 
 /// What `FindSymbolInObjFile` does with an object that has been read.
-int register_symbols(const ScannedObject& object);
+int register_symbols(const ScannedObject& object, InstNameRecorder& names);

@@ -1,13 +1,28 @@
 #include "commonfunc/build_id.h"
 #include "tests/fixture.h"
 
-TEST_F(TestDir, TheBuildIdentifierIsMadeOnceFromLocalTimeAndVersion)
+using BuildIdentifier = TestDir;
+
+TEST_F(BuildIdentifier, BeginsWithTheFirstDigitOfTheYearInBase36)
 {
-    const std::pair<int, char> years[] = {{-1, '0'}, {0, '\0'}, {9, '9'},  {10, 'A'}, {26, 'Q'},
-                                          {35, 'Z'}, {36, '1'}, {71, '1'}, {72, '2'}};
-    for (const auto& [year, expected] : years) {
-        EXPECT_EQ(year_character(year), expected) << year;
+    const struct {
+        const char* what;
+        int years; ///< since 2000
+        char digit;
+    } rows[] = {
+        {"clock before 2000", -1, '0'},    {"no digit in 2000", 0, '\0'},
+        {"last decimal digit", 9, '9'},    {"first letter", 10, 'A'},
+        {"a letter between", 26, 'Q'},     {"last letter", 35, 'Z'},
+        {"two digits from 2036", 36, '1'}, {"last year of 1", 71, '1'},
+        {"first year of 2", 72, '2'},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(year_character(row.years), row.digit) << row.what;
     }
+}
+
+TEST_F(BuildIdentifier, IsMadeOnceFromLocalTimeAndProductVersion)
+{
     ::setenv("TZ", "EAST-9", 1);
     const std::time_t east = std::time(nullptr) + 32400;
     std::tm made = *std::gmtime(&east);

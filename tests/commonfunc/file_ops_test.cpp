@@ -4,14 +4,23 @@
 
 #include <filesystem>
 
-TEST_F(TestDir, DirectoriesAreCreatedUnderTheirWholeNameOrReported)
+using FileOps = TestDir;
+
+TEST_F(FileOps, CreateDirectoryTakesTheWholeNameOrReportsIt)
 {
     write_file("f", "");
     const std::string part(200, 'n');
-    const std::string paths[] = {"a b/c", "it's;touch x", "-p", part + "/" + part + "/" + part};
-    for (const std::string& path : paths) {
-        EXPECT_EQ(QMRCreateDirectory(path.c_str()), 1) << path;
-        EXPECT_TRUE(std::filesystem::is_directory(dir + "/" + path)) << path;
+    const struct {
+        const char* what;
+        std::string path;
+    } rows[] = {{"with its parents", "a b/c"},
+                {"quotes and shell commands in the name", "it's;touch x"},
+                {"a name like an option", "-p"},
+                {"longer than the command buffer", part + "/" + part + "/" + part}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        EXPECT_EQ(QMRCreateDirectory(row.path.c_str()), 1);
+        EXPECT_TRUE(std::filesystem::is_directory(dir + "/" + row.path));
     }
     testing::internal::CaptureStdout();
     EXPECT_EQ(QMRCreateDirectory("f"), 1);
@@ -20,7 +29,7 @@ TEST_F(TestDir, DirectoriesAreCreatedUnderTheirWholeNameOrReported)
     EXPECT_EQ(QMRFileExists("x") + QMRFileExists("f/x") + QMRPathIsDirectory("f"), 0);
 }
 
-TEST_F(TestDir, EmptyingADirectoryPrintsAndRunsTheWholeCommand)
+TEST_F(FileOps, DeleteAllFilesInDirectoryPrintsAndRunsTheWholeCommand)
 {
     // The only `rm` in reach records its arguments, removes nothing, and fails for "a b" alone.
     std::filesystem::create_directories("a b/.hidden");

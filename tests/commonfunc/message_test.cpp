@@ -1,7 +1,9 @@
 #include "commonfunc/message.h"
 #include "tests/fixture.h"
 
-TEST_F(TestDir, LogLinesAreTaggedWithMaskedLevelAndCode)
+using Message = TestDir;
+
+TEST_F(Message, TuskLogLinesAreTaggedWithMaskedLevelAndCode)
 {
     testing::internal::CaptureStdout();
     TUSKLog(11, 7, LOG_WARNING, 10, "%s %d%%\n", "a%s", 5);

@@ -4,7 +4,9 @@
 #include <csignal>
 #include <filesystem>
 
-TEST_F(TestDir, ShellWordsReachTheToolAsTheNameTheyWereMadeOf)
+using Shell = TestDir;
+
+TEST_F(Shell, WordsReachTheToolAsTheNameTheyWereMadeOf)
 {
     const std::string plain = "AZaz09_-./+,:=@%\x80\xFF", odd = "it's;&|<>\"\n$(x)`x`*?\\";
     EXPECT_EQ(shell_word(plain), plain);
@@ -13,7 +15,7 @@ TEST_F(TestDir, ShellWordsReachTheToolAsTheNameTheyWereMadeOf)
     EXPECT_EQ(read_file("out"), "<" + odd + "./-" + odd + ">");
 }
 
-TEST_F(TestDir, ALongCommandGivesTheSameResultAndLeavesNoFile)
+TEST_F(Shell, ALongCommandGivesTheSameResultAndLeavesNoFile)
 {
     ::setenv("TMPDIR", dir.c_str(), 1);
     for (const std::size_t size : {99U, 131071U, 131072U, 999999U}) {
@@ -26,7 +28,7 @@ TEST_F(TestDir, ALongCommandGivesTheSameResultAndLeavesNoFile)
     }
 }
 
-TEST_F(TestDir, StatusIsThatOfAShellAndAnInterruptedHelperEndsTheProgram)
+TEST_F(Shell, StatusIsThatOfAShellAndAnInterruptedHelperEndsTheProgram)
 {
     EXPECT_EQ(exit_status_of(SIGSEGV | 0x80), 139); // with a core file
     EXPECT_EQ(exit_status_of(-1), 127);

@@ -1,23 +1,34 @@
 #include "commonfunc/Caddis_func.h"
 #include "tests/fixture.h"
 
-TEST_F(TestDir, UsageStatusFollowsThreeVariables)
+using UsageContext = TestDir;
+
+TEST_F(UsageContext, StatusFollowsThreeVariables)
 {
-    const std::tuple<const char*, const char*, const char*, unsigned> rows[] = {
-        {"", "2", "x", 0},  {"no", "", "", 0},   {"0", "1", "-1", 2},
-        {"2", "1", "1", 7}, {"1", "2", "-1", 5}, {"0", "1x", "1", 6}};
+    const struct {
+        const char *what, *coverage, *test_case, *generation;
+        unsigned status; ///< 1 coverage, 2 test cases, 4 generation; 5 before
+    } rows[] = {
+        {"empty values, and numbers other than 1", "", "2", "x", 0},
+        {"a word for coverage", "no", "", "", 0},
+        {"test cases alone", "0", "1", "-1", 2},
+        {"all three", "2", "1", "1", 7},
+        {"other numbers change nothing", "1", "2", "-1", 5},
+        {"a number with a tail", "0", "1x", "1", 6},
+    };
     CUsageContext& context = *CUsageContext::GetInstance();
-    for (const auto& [coverage, test_case, atg, expected] : rows) {
-        ::setenv("USE_TUSK_COVERAGE", coverage, 1);
-        ::setenv("USE_TUSK_TESTCASE", test_case, 1);
-        ::setenv("ATG_ENABLE", atg, 1);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        ::setenv("USE_TUSK_COVERAGE", row.coverage, 1);
+        ::setenv("USE_TUSK_TESTCASE", row.test_case, 1);
+        ::setenv("ATG_ENABLE", row.generation, 1);
         context.m_iLLTStatus = 5;
         context.Check_LLT_STATUS();
-        EXPECT_EQ(context.IsEnableCVG() + context.IsEnableTC() + context.IsEnableATG(), expected);
+        EXPECT_EQ(context.IsEnableCVG() + context.IsEnableTC() + context.IsEnableATG(), row.status);
     }
 }
 
-TEST_F(TestDir, SplittingAppendsItemsAndReplacesPairs)
+TEST_F(UsageContext, SplittingAppendsItemsAndReplacesPairs)
 {
     std::vector<std::string> items = {"old"};
     strsplit_v(":a::b:", ':', items);

@@ -11,7 +11,7 @@ namespace
 
 const std::string BODY =
     "symbol a_c_1\nsource /p/a b.c\nobject /p/a.o\nmode 1\ncommand gcc -DX='a b'\n"
-    "map /real=/recorded\ncompiler gcc\nreader /usr/bin/gcov\narray 40 16\n"
+    "map /re=al=/recorded\ncompiler gcc\nreader /usr/bin/gcov\narray 40 16\n"
     "version 7 1\nfunction 1 2 3 f\ncounters 0 3 0\ncounters 8 2 24\n"
     "notes 4\n";
 const std::string NOTES("\n\0x\xFF", 4);
@@ -31,8 +31,9 @@ std::string refusal_of(const std::string& bytes)
     return "";
 }
 
-/// An object of three sections: none, the record, and the names of all.
-std::string elf_object(bool is_64, bool is_big, const std::string& record)
+/// An object of three sections: none, the record, and the names of all. `is_wide`: their numbers
+/// stand in the first section's header, as when there are too many for the file's.
+std::string elf_object(bool is_64, bool is_big, bool is_wide, const std::string& record)
 {
     const std::string names = std::string("\0", 1) + RECORD_SECTION + std::string("\0", 1);
     std::string file(is_64 ? sizeof(Elf64_Ehdr) : sizeof(Elf32_Ehdr), '\0');
@@ -50,8 +51,12 @@ std::string elf_object(bool is_64, bool is_big, const std::string& record)
     const std::size_t size = is_64 ? sizeof(Elf64_Shdr) : sizeof(Elf32_Shdr);
     file.append(3 * size, '\0');
     is_64 ? put(40, headers, 8) : put(32, headers, 4); // e_shoff
-    put(is_64 ? 60 : 48, 3, 2);                        // e_shnum
-    put(is_64 ? 62 : 50, 2, 2);                        // e_shstrndx
+    put(is_64 ? 60 : 48, is_wide ? 0 : 3, 2);          // e_shnum
+    put(is_64 ? 62 : 50, is_wide ? SHN_XINDEX : 2, 2); // e_shstrndx
+    if (is_wide) {
+        is_64 ? put(headers + 32, 3, 8) : put(headers + 20, 3, 4); // sh_size
+        put(headers + (is_64 ? 40 : 24), 2, 4);                    // sh_link
+    }
     const auto section = [&](std::size_t number, std::size_t name, std::size_t at,
                              std::size_t length) {
         const std::size_t header = headers + number * size;
@@ -76,7 +81,7 @@ TEST(Record, IsReadAsItWasWritten)
     EXPECT_EQ(record.symbol, "a_c_1");
     EXPECT_EQ(record.source, "/p/a b.c");
     EXPECT_EQ(record.compile_command, "gcc -DX='a b'");
-    EXPECT_EQ(record.path_maps[0].first, "/real");
+    EXPECT_EQ(record.path_maps[0].first, "/re=al");
     EXPECT_EQ(record.path_maps[0].second, "/recorded");
     EXPECT_EQ(record.or_bytes, 16U);
     EXPECT_TRUE(record.has_checksum);
@@ -88,6 +93,21 @@ TEST(Record, IsReadAsItWasWritten)
     EXPECT_TRUE(read_records("").empty());
 }
 
+TEST(Record, OfClangHasHashesOf64BitsAndNoVersion)
+{
+    const std::string bytes = record_of(
+        "symbol a_c_1\nsource /p/a.c\nobject /p/a.o\nmode 2\ncommand clang\ncompiler clang\n"
+        "reader /usr/bin/llvm-cov\narray 16 0\nprofile 18446744073709551615 f g\n"
+        "counters 0 2 0\nnotes 0\n");
+    const std::vector<Record> records = read_records(bytes);
+    ASSERT_EQ(records.size(), 1U);
+    ASSERT_EQ(records[0].functions.size(), 1U);
+    EXPECT_EQ(records[0].compiler, CounterSource::clang);
+    EXPECT_EQ(records[0].functions[0].hash, UINT64_MAX);
+    EXPECT_EQ(records[0].functions[0].name, "f g");
+    EXPECT_EQ(to_bytes(records[0]), bytes);
+}
+
 TEST(Record, ThatIsNotSoundIsRefused)
 {
     const auto changed = [](const std::string& from, const std::string& to) {
@@ -96,26 +116,29 @@ TEST(Record, ThatIsNotSoundIsRefused)
         return record_of(body);
     };
     const struct {
+        const char* what;
         std::string bytes;
         const char* says;
     } rows[] = {
-        {"lltrecord 2 0\n", "format 1"},
-        {"nonsense\n", "format 1"},
-        {record_of(BODY + NOTES) + "\n", "format 1"},
-        {record_of(BODY), "bytes of notes"},
-        {record_of("symbol a\n"), "without its notes"},
-        {changed("symbol a_c_1\n", ""), "missing"},
-        {changed("counters 8 2 24", "counters 8 3 24"), "not in the array"},
-        {changed("counters 8 2 24", "counters 8 2 4294967295"), "offset"},
-        {changed("counters 8 2 24", "counters 8 2 20"), "not in the array"},
-        {changed("function 1 2 3 f\n", ""), "of no function"},
-        {changed("array 40 16", "array 40 48"), "size of its end"},
-        {changed("array 40 16", "array 41 16"), "whole counters"},
-        {changed("map /real=/recorded", "map /real"), "no '='"},
+        {"another format", "lltrecord 2 0\n", "format 1"},
+        {"no record", "nonsense\n", "format 1"},
+        {"bytes after the record", record_of(BODY + NOTES) + "\n", "format 1"},
+        {"notes cut off", record_of(BODY), "bytes of notes"},
+        {"no notes", record_of("symbol a\n"), "without its notes"},
+        {"no symbol", changed("symbol a_c_1\n", ""), "missing"},
+        {"counters beyond the array", changed("counters 8 2 24", "counters 8 3 24"),
+         "not in the array"},
+        {"an offset that wraps", changed("counters 8 2 24", "counters 8 2 4294967295"), "offset"},
+        {"counters within others", changed("counters 8 2 24", "counters 8 2 20"),
+         "not in the array"},
+        {"counters without a function", changed("function 1 2 3 f\n", ""), "of no function"},
+        {"an end beyond the array", changed("array 40 16", "array 40 48"), "size of its end"},
+        {"half a counter", changed("array 40 16", "array 41 16"), "whole counters"},
+        {"half a map", changed("map /re=al=/recorded", "map /real"), "no '='"},
     };
     for (const auto& row : rows) {
-        EXPECT_NE(refusal_of(row.bytes).find(row.says), std::string::npos)
-            << row.says << ": " << refusal_of(row.bytes);
+        SCOPED_TRACE(row.what);
+        EXPECT_NE(refusal_of(row.bytes).find(row.says), std::string::npos) << refusal_of(row.bytes);
     }
     const std::string sound = record_of(BODY + NOTES);
     EXPECT_EQ(refusal_of(sound), "");
@@ -126,13 +149,23 @@ TEST(Record, ThatIsNotSoundIsRefused)
 
 TEST(Record, IsFoundInObjectsOfEveryClassAndByteOrder)
 {
-    for (const bool is_64 : {false, true}) {
-        for (const bool is_big : {false, true}) {
-            const std::string object = elf_object(is_64, is_big, "the record");
-            EXPECT_EQ(record_section(object), "the record") << is_64 << is_big;
-            for (std::size_t size = 0; size < object.size(); ++size) {
-                record_section(object.substr(0, size)); // returns
-            }
+    const struct {
+        const char* what;
+        bool is_64, is_big, is_wide;
+    } rows[] = {
+        {"32 bits, little endian", false, false, false},
+        {"32 bits, big endian", false, true, false},
+        {"64 bits, little endian", true, false, false},
+        {"64 bits, big endian", true, true, false},
+        {"32 bits, more sections than the header counts", false, false, true},
+        {"64 bits, more sections than the header counts", true, false, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const std::string object = elf_object(row.is_64, row.is_big, row.is_wide, "the record");
+        EXPECT_EQ(record_section(object), "the record");
+        for (std::size_t size = 0; size < object.size(); ++size) {
+            record_section(object.substr(0, size)); // returns
         }
     }
     EXPECT_EQ(record_section("no object"), "");

@@ -57,31 +57,45 @@ TEST_F(ArchiveStep, ALibraryRegistersItsArraysAtLoadAndDumpsThemAtUnload)
 {
     const std::string yes = "GccOption=-x -hcov_type=\"unsigned long\" -y\n", c = "GccCOption=-c\n",
                       no = "GccOption=-c\n";
-    const std::tuple<char, const char*, std::string, std::string, std::string, const char*> rows[] =
-        {{'0', "int", "", "4", "8", "4\n8\n"},
-         {'1', "int", yes, "4", "132", "4\n132\n"}, // the other key is missing
-         {'2', "char", yes + c, "1", "33", "1\n33\n"},
-         {'1', "long", yes + c, "4", "132", "8\n264\n"},
-         {'1', "long", no + "GccCOption=-hcov_type=\"y\"\n", "4", "132", "8\n264\n"},
-         {'1', "int", no + "GccCOption=-hcov_type\n", "4", "132", "4\n132\n"}};
+    const struct {
+        const char* what;
+        char mode;
+        const char* type;        ///< of the elements of the arrays in the objects
+        std::string ini;         ///< section "GccOption" of "InstCode.ini"
+        std::string a, b;        ///< bytes that are registered for 1 and 33 points
+        const char* array_bytes; ///< of the arrays in the stub
+        const char* members;
+    } rows[] = {
+        {"bits", '0', "int", "", "4", "8", "4\n8\n", "a.o b.o"},
+        {"a custom type with one key missing", '1', "int", yes, "4", "132", "4\n132\n", "a.o b.o"},
+        {"bytes, members in a response file", '2', "char", yes + c, "1", "33", "1\n33\n", "@list"},
+        {"a custom type of the C++ options", '1', "long", yes + c, "4", "132", "8\n264\n",
+         "a.o b.o"},
+        {"a custom type of the C options", '1', "long", no + "GccCOption=-hcov_type=\"y\"\n", "4",
+         "132", "8\n264\n", "a.o b.o"},
+        {"an option without a type", '1', "int", no + "GccCOption=-hcov_type\n", "4", "132",
+         "4\n132\n", "a.o b.o"},
+    };
     write_file("list", "a.o 'b.o'");
     write_file("rt.c", RUNTIME);
-    for (const auto& [mode, type, ini, a, b, sizes] : rows) {
-        ::setenv("qmr_coverage_stub_mold", std::string(1, mode).c_str(), 1);
-        write_file("tool/InstCode.ini", "[GccOption]\n" + ini);
-        compile("a", "a_1", 1, "gcc", type);
-        compile("b", "b_1", 33, "gcc", type);
-        const std::string members = mode == '2' ? "@list" : "a.o b.o";
-        EXPECT_EQ(std::to_string(archive(members)) + err, "0");
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const std::string members = row.members;
+        ::setenv("qmr_coverage_stub_mold", std::string(1, row.mode).c_str(), 1);
+        write_file("tool/InstCode.ini", "[GccOption]\n" + row.ini);
+        compile("a", "a_1", 1, "gcc", row.type);
+        compile("b", "b_1", 33, "gcc", row.type);
+        EXPECT_EQ(archive(members), 0);
+        EXPECT_EQ(err, "");
         EXPECT_NE(out.find("\nlltar cmd:\n ar rcs libm.a " + stub + " " + members + "  \n"),
                   out.npos);
         EXPECT_EQ(answer("ar t libm.a"), "__code_measure_stub_lib_libm.o\na.o\nb.o\n");
         EXPECT_EQ(answer("nm -S -t d " + stub + " | awk '/QMRCov/ && NF > 3 {print $2 + 0}'"),
-                  sizes);
+                  row.array_bytes);
         EXPECT_EQ(
             answer("gcc -w rt.c -Wl,--whole-archive libm.a -Wl,--no-whole-archive && ./a.out"),
-            "list libm " + dir + "/libm/codemeasure 2 " + static_cast<char>(mode + 1) +
-                "\nadd 1 0 a_1.c " + a + " 1\nadd 1 1 b_1.c " + b +
+            "list libm " + dir + "/libm/codemeasure 2 " + static_cast<char>(row.mode + 1) +
+                "\nadd 1 0 a_1.c " + row.a + " 1\nadd 1 1 b_1.c " + row.b +
                 " 33\ninit {\"projectname\":\"d\"\nmain 1 4\ndump libm 2 2 1\n");
     }
 }
@@ -91,7 +105,7 @@ TEST_F(ArchiveStep, ASecondRunSupersedesASymbolAndForgetsTheFirst)
     compile("a", "a_1", 1);
     compile("b", "b_1", 33);
     EXPECT_EQ(archive("a.o b.o"), 0);
-    answer("touch libm/codemeasure/db/own libm/codemeasure/ini/old");
+    answer("cd libm/codemeasure; touch db/own db/db-1 db/dbx ini/old");
     compile("a", "a_2", 2);
     EXPECT_EQ(archive("b.o a.o"), 0); // the archive with a_1 is no member of itself
     EXPECT_EQ(
@@ -100,6 +114,22 @@ TEST_F(ArchiveStep, ASecondRunSupersedesASymbolAndForgetsTheFirst)
         "../../T/codemeasure/db: dba_2 dbb_1 ../../T/codemeasure/ini: a_2.ini b_1.ini "
         "../../T/codemeasure/obj: after before db: db0 db1 own tuple.db ini: a_2.ini b_1.ini "
         "obj/before: a_2 b_1\nb.c b.o b_1 a.c a.o a_2 ");
+}
+
+TEST_F(ArchiveStep, ATestLoaderIsNoMemberWithCoverage)
+{
+    compile("a", "a_1", 1);
+    compile("b", "b_1", 1);
+    write_file("b.c",
+               "extern int g_QMRCovData_b_1[]; void ZJ_Start_b(void) { ++*g_QMRCovData_b_1; }");
+    answer("gcc -c b.c");
+    EXPECT_EQ(archive("b.o a.o"), 0);
+    EXPECT_EQ(out.find("g_QMRCovData_b_1"), out.npos) << out;
+    EXPECT_EQ(answer("nm " + stub + " | grep -o 'B g_QMR.*'"), "B g_QMRCovData_a_1\n");
+    answer("rm -r libm libm.a");
+    EXPECT_EQ(archive("b.o"), 0); // nothing to cover
+    EXPECT_EQ(out.find("lltar cmd:"), out.npos) << out;
+    EXPECT_EQ(answer("ar t libm.a"), "b.o\n");
 }
 
 TEST_F(ArchiveStep, TwoStepsOfOneWorkAreaDoNotMix)

@@ -1,7 +1,11 @@
 // Source-file tables, the rules of the stub modes, and both passes over the merged table.
 #include "tests/lltld/work_area.h"
 
-TEST_F(WorkArea, ATableGrowsOnlyAndAnEmptyFileLeavesIt)
+using SourceTable = WorkArea;
+using DatabaseTidying = WorkArea;
+using DatabaseNumbering = WorkArea;
+
+TEST_F(SourceTable, GrowsOnlyAndAnEmptyFileLeavesIt)
 {
     const std::string two = tab_record(1, "a.c", 2, 3, 4) + tab_record(-1, "b.c");
     for (const bool merged : {false, true}) {
@@ -13,18 +17,26 @@ TEST_F(WorkArea, ATableGrowsOnlyAndAnEmptyFileLeavesIt)
         const std::string code = merged ? "B" : "A",
                           log = "[TUSK-0x0B07300" + code +
                                 "]: The content of 'w/db/.tab' is empty!\n";
-        const std::tuple<std::string, int, int> rows[] = {{"", 0, 0},
-                                                          {two.substr(0, 99), 99, 0},
-                                                          {two.substr(280), 280, 1},
-                                                          {"", 280, 1},
-                                                          {two, 560, 2},
-                                                          {two.substr(280), 560, 1},
-                                                          {"", 560, 1},
-                                                          {two + "x", 561, 2}};
-        for (const auto& [content, size, count] : rows) {
-            write_file("w/db/.tab", content);
-            EXPECT_EQ(printed(1, read), content.empty() ? log : "");
-            EXPECT_EQ(std::pair(table.listsize, table.elementcount), std::pair(size, count));
+        const struct {
+            const char* what;
+            std::string content;
+            int size, records; ///< of the table in memory then
+        } rows[] = {
+            {"empty from the start", "", 0, 0},
+            {"less than a record", two.substr(0, 99), 99, 0},
+            {"one record", two.substr(280), 280, 1},
+            {"empty", "", 280, 1},
+            {"two records", two, 560, 2},
+            {"one again", two.substr(280), 560, 1},
+            {"empty again", "", 560, 1},
+            {"two and a byte", two + "x", 561, 2},
+        };
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.what);
+            write_file("w/db/.tab", row.content);
+            EXPECT_EQ(printed(1, read), row.content.empty() ? log : "");
+            EXPECT_EQ(table.listsize, row.size);
+            EXPECT_EQ(table.elementcount, row.records);
         }
         EXPECT_EQ(std::string(reinterpret_cast<char*>(table.objlist), 560), two);
         answer("truncate -s 2G w/db/.tab");
@@ -37,35 +49,59 @@ TEST_F(WorkArea, ATableGrowsOnlyAndAnEmptyFileLeavesIt)
 
 TEST(CounterModes, EachModeHasItsOwnRules)
 {
-    const std::string x = " g_QMRCovData_x[", z = "33] = {0};\n",
-                      lines[][2] = {
-                          {"char" + x + z, "char" + x + z},
-                          {"extern char" + x + "];\n", "extern char" + x + "];\n"},
-                          {"unsigned int" + x + z, "unsigned long" + x + "33l] = {0};\n"},
-                          {"extern unsigned int" + x + "];\n", "extern unsigned long" + x + "];\n"},
-                          {"", ""}};
-    const std::tuple<int, int, int, long, int, int, int> rows[] = {
-        // points, length, start, size
-        {0, 33, 2, 64, 8, 0, 2},    {1, 33, 33, 33, 132, 1, 2},   {2, 33, 33, 33, 33, 2, 0},
-        {3, 33, 33, 33, 132, 3, 4}, {4, 33, 2, 33, 132, 4, 2},    {5, 33, 33, 33, 132, 5, 3},
-        {6, 33, 33, 33, 132, 6, 0}, {7, 33, 2, 64, 132, 0, 3},    {8, 33, 33, 33, 132, 1, 3},
-        {9, 33, 33, 33, 132, 2, 1}, {10, 33, 33, 33, 132, 10, 4}, {-1, 33, 33, 33, 132, -1, 4},
-        {0, 0, 1, 0, 0, 0, 2},      {0, 1, 1, 32, 4, 0, 2},       {0, 32, 1, 32, 4, 0, 2},
-        {0, 65, 3, 96, 12, 0, 2},   {0, -32, -1, 0, 0, 0, 2},     {1, -5, -5, -5, -20, 1, 2},
-        {2, 0, 1, 0, 0, 2, 0},      {4, 32, 1, 32, 128, 4, 2},    {7, 1, 1, 32, 4, 0, 3}};
-    for (const auto& [number, points, length, advance, bytes, recorded, line] : rows) {
-        const CounterMode mode = counter_mode(number);
-        EXPECT_EQ(std::tuple(array_length(mode, points), start_advance(mode, points)),
-                  std::tuple(length, static_cast<std::uint64_t>(advance)))
-            << number;
-        EXPECT_EQ(registered_size(mode, points), bytes) << number;
-        EXPECT_EQ(mode.recorded_mode, recorded) << number;
-        EXPECT_EQ(array_line(mode, "x", 33, false), lines[line][0]) << number;
-        EXPECT_EQ(array_line(mode, "x", 33, true), lines[line][1]) << number;
+    enum Line { CHARS, EXTERN_CHARS, WORDS, EXTERN_WORDS, NONE };
+    const std::string x = " g_QMRCovData_x[", bound = "33] = {0};\n";
+    const struct {
+        std::string plain, custom; ///< without and with a custom element type
+    } lines[] = {{"char" + x + bound, "char" + x + bound},
+                 {"extern char" + x + "];\n", "extern char" + x + "];\n"},
+                 {"unsigned int" + x + bound, "unsigned long" + x + "33l] = {0};\n"},
+                 {"extern unsigned int" + x + "];\n", "extern unsigned long" + x + "];\n"},
+                 {"", ""}};
+    const struct {
+        const char* what;
+        int mode, points;
+        int length;           ///< elements of the array
+        std::int64_t advance; ///< of the start index
+        int bytes;            ///< that are registered
+        int recorded;         ///< mode in the project file
+        Line line;
+    } rows[] = {
+        {"bits", 0, 33, 2, 64, 8, 0, WORDS},
+        {"words", 1, 33, 33, 33, 132, 1, WORDS},
+        {"bytes", 2, 33, 33, 33, 33, 2, CHARS},
+        {"no array", 3, 33, 33, 33, 132, 3, NONE},
+        {"packed, neither rounded nor registered so", 4, 33, 2, 33, 132, 4, WORDS},
+        {"words defined elsewhere", 5, 33, 33, 33, 132, 5, EXTERN_WORDS},
+        {"bytes registered as words", 6, 33, 33, 33, 132, 6, CHARS},
+        {"7 is 0 defined elsewhere", 7, 33, 2, 64, 132, 0, EXTERN_WORDS},
+        {"8 is 1 defined elsewhere", 8, 33, 33, 33, 132, 1, EXTERN_WORDS},
+        {"9 is 2 defined elsewhere", 9, 33, 33, 33, 132, 2, EXTERN_CHARS},
+        {"beyond the modes", 10, 33, 33, 33, 132, 10, NONE},
+        {"below the modes", -1, 33, 33, 33, 132, -1, NONE},
+        {"bits without points", 0, 0, 1, 0, 0, 0, WORDS},
+        {"first bit", 0, 1, 1, 32, 4, 0, WORDS},
+        {"one full word", 0, 32, 1, 32, 4, 0, WORDS},
+        {"third word", 0, 65, 3, 96, 12, 0, WORDS},
+        {"negative bits", 0, -32, -1, 0, 0, 0, WORDS},
+        {"negative words", 1, -5, -5, -5, -20, 1, WORDS},
+        {"bytes without points", 2, 0, 1, 0, 0, 2, CHARS},
+        {"one packed word", 4, 32, 1, 32, 128, 4, WORDS},
+        {"rounded though defined elsewhere", 7, 1, 1, 32, 4, 0, EXTERN_WORDS},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const CounterMode mode = counter_mode(row.mode);
+        EXPECT_EQ(array_length(mode, row.points), row.length);
+        EXPECT_EQ(start_advance(mode, row.points), static_cast<std::uint64_t>(row.advance));
+        EXPECT_EQ(registered_size(mode, row.points), row.bytes);
+        EXPECT_EQ(mode.recorded_mode, row.recorded);
+        EXPECT_EQ(array_line(mode, "x", 33, false), lines[row.line].plain);
+        EXPECT_EQ(array_line(mode, "x", 33, true), lines[row.line].custom);
     }
 }
 
-TEST_F(WorkArea, TidyingNumbersTheListedSymbolsAndCopiesTheirFiles)
+TEST_F(DatabaseTidying, NumbersTheListedSymbolsAndCopiesTheirFiles)
 {
     std::string lines = "[TUSK-0x0B07300A]: The content of 'T/codemeasure/db/dbE/.tab' is empty!\n";
     for (const std::string symbol : {"no1", "A", "no2", "E", "B"}) {
@@ -83,12 +119,17 @@ TEST_F(WorkArea, TidyingNumbersTheListedSymbolsAndCopiesTheirFiles)
         answer("cd w; find db | LC_ALL=C sort | xargs echo; ls ini obj/before | xargs echo"),
         "db db/.tab db/db-1 db/db0 db/db0/.tab db/db0/dbno2 db/db0/mark db/db1 db/db1/.tab "
         "db/db2 db/db2/.tab\nini: A.ini B.ini E.ini no1.ini no2.ini obj/before: A B E no1 no2\n");
-    const std::string made[] = {"", "./db/db-1\n", "./db/db-1\n./ini/no1.ini\n"};
-    for (const std::string missing : {"obj/before/no1", "ini/no1.ini", "db/dbno1"}) { // one by one
-        answer("rm -r w/*/*; mkdir w/obj/before; rm -r T/codemeasure/" + missing);
+    const struct {
+        const char *what, *missing, *made;
+    } rows[] = {{"the saved object is copied last", "obj/before/no1", "./db/db-1\n./ini/no1.ini\n"},
+                {"the symbol's own file after its database", "ini/no1.ini", "./db/db-1\n"},
+                {"the database first", "db/dbno1", ""}};
+    for (const auto& row : rows) { // what is missing stays so
+        SCOPED_TRACE(row.what);
+        answer(std::string("rm -r w/*/*; mkdir w/obj/before; rm -r T/codemeasure/") + row.missing);
         EXPECT_EQ(printed(0, TidyCoverageDB), "[lltld:TidyCoverageDB]symbol=no1\n");
         EXPECT_EQ(answer("cd w; find . -name '*no1' -o -name no1.ini -o -name db-1 -o -name .tab"),
-                  made[missing[0] == 'o' ? 2 : missing[0] == 'i']);
+                  row.made);
     }
     g_iSupportSameName = 2; // lists only, so that nothing is missing
     EXPECT_EQ(printed(1, TidyCoverageDB), lines);
@@ -100,7 +141,7 @@ TEST_F(WorkArea, TidyingNumbersTheListedSymbolsAndCopiesTheirFiles)
     EXPECT_FALSE(QMRFileExists("w/db/.tab"));
 }
 
-TEST_F(WorkArea, TheSecondPassCountsStartsArraysAndTotals)
+TEST_F(DatabaseNumbering, CountsStartsArraysAndTotals)
 {
     const std::string n(31, 'n'),
         dotted = "C.bar" + std::string(30, 'x'), // cut to 31, then at dots
@@ -111,14 +152,25 @@ TEST_F(WorkArea, TheSecondPassCountsStartsArraysAndTotals)
     leave_record("E");
     write_file("T/codemeasure/db/dbE/.tab", ""); // left out of the table, not of the stub
     copy_bounded(g_lxprj->szObjFile, "/a/libm.a");
-    const std::tuple<int, const char*, int, int, int, std::string> rows[] = {
-        {0, "", 32, 64, 128, i + "A[1" + z + i + n + "[1" + z + i + "C[2" + z + i + "E[1" + z},
-        {1, "", 1, 33, 66, i + "A[1" + z + i + n + "[32" + z + i + "C[33" + z + i + "E[1" + z},
-        {4, "t", 1, 33, 66, l + "A[1l" + z + l + n + "[1l" + z + l + "C[2l" + z + l + "E[1l" + z},
-        {3, "", 1, 33, 66, ""}};
-    for (const auto& [mode, type, b, c, total, lines] : rows) {
-        g_lxprj->stubmode = mode;
-        copy_bounded(g_lxprj->szCov_type, type);
+    const struct {
+        const char* what;
+        int mode;
+        const char* type;         ///< custom element type
+        int second, third, total; ///< start indexes after 1, 32 and 33 points
+        std::string lines;
+    } rows[] = {
+        {"bits round to words", 0, "", 32, 64, 128,
+         i + "A[1" + z + i + n + "[1" + z + i + "C[2" + z + i + "E[1" + z},
+        {"words", 1, "", 1, 33, 66,
+         i + "A[1" + z + i + n + "[32" + z + i + "C[33" + z + i + "E[1" + z},
+        {"packed words of a custom type", 4, "t", 1, 33, 66,
+         l + "A[1l" + z + l + n + "[1l" + z + l + "C[2l" + z + l + "E[1l" + z},
+        {"no arrays", 3, "", 1, 33, 66, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        g_lxprj->stubmode = row.mode;
+        copy_bounded(g_lxprj->szCov_type, row.type);
         write_file("w/db/.tab", tab_record(4, "A.c", 9, 9) + tab_record(1, n + "n.c") +
                                     tab_record(2, dotted) + tab_record(3, "E"));
         _SOURCEFILE_TAB table;
@@ -128,15 +180,15 @@ TEST_F(WorkArea, TheSecondPassCountsStartsArraysAndTotals)
         std::fclose(stub);
         std::fclose(tab);
         release_table(table);
-        EXPECT_EQ(read_file("stub"), lines);
+        EXPECT_EQ(read_file("stub"), row.lines);
         EXPECT_EQ(read_file("w/db/.tab"), tab_record(4, "A.c", 0, 1) +
-                                              tab_record(1, n + "n.c", b, 32) +
-                                              tab_record(2, dotted, c, 33));
+                                              tab_record(1, n + "n.c", row.second, 32) +
+                                              tab_record(2, dotted, row.third, 33));
         EXPECT_TRUE(std::regex_match(
             read_file("w/.prj"), // keys last written first
             std::regex("\\[project\\]\nBUID=[0-9A-Z]\\d{10}\nsutpath=/a/libm.a\n"
                        "SupportSameName =1\nEndTime_Caddis=20\\d{12}\ncoverage_counter_mode=" +
-                       std::to_string(mode) + "\nstart_instpoint=" + std::to_string(total) +
+                       std::to_string(row.mode) + "\nstart_instpoint=" + std::to_string(row.total) +
                        "\n")));
     }
 }

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <sstream>
 
+using ProjectSettings = TestDir;
+
 namespace
 {
 /// The output of the operation in a new environment of assignments, where the value "-" unsets.
@@ -24,41 +26,60 @@ std::string run(int (*operation)(), int expected, const std::string& changes)
 }
 } // namespace
 
-TEST_F(TestDir, APolicyErrorPrintsTheBlockAndStopsLoading)
+TEST_F(ProjectSettings, APolicyErrorPrintsTheBlockAndStopsLoading)
 {
-    const std::pair<const char*, const char*> rows[] = {
-        {"isOverlappedCompile=2", "2,,,0,0,0,0"},
-        {"isOverlappedCompile=1 PlatformToken=-", "1,,,0,0,0,0"},
-        {"isOverlappedCompile=1 P=", "1,P,,0,0,0,0"},
-        {"isOverlappedCompile=1 P=arm TimerPolicy=-1", "1,P,arm,-1,0,0,0"},
-        {"TimerPolicy=1 TimeInterval=-1", "0,,,1,-1,0,0"},
-        {"TimerPolicy=1 TimeInterval=500 SignalPolicy=2", "0,,,1,500,2,0"},
-        {"SignalPolicy=1 SignalNUM=-1", "0,,,0,0,1,-1"},
-        {"SignalPolicy=1 SignalNUM=9 lltcovRootpath=-", "0,,,0,0,1,9"}};
-    for (const auto& [changes, values] : rows) {
-        std::vector<std::string> v;
-        strsplit_v(values, ',', v);
-        EXPECT_EQ(run(init_lltld, 0, changes),
-                  "pls chk TUSK_init.sh cfg.   \nisOverlappedCompile:" + v[0] +
-                      "\nPlatformToken:      " + v[1] + "\nPlatformName:       " + v[2] +
-                      "\nTimerPolicy:        " + v[3] + "\nTimeInterval:       " + v[4] +
-                      "\nSignalPolicy:       " + v[5] + "\nSignalNUM:          " + v[6] +
-                      "\nlltcovRootpath:     \n[TUSK-0x0B074905]: env error, please source "
-                      "TUSK_INIT.SH!\n");
+    const struct {
+        const char *what, *changes;
+        const char *overlapped, *token, *name, *timer, *interval, *signal, *number;
+    } rows[] = {
+        {"overlapped neither 0 nor 1", "isOverlappedCompile=2", "2", "", "", "0", "0", "0", "0"},
+        {"overlapped without a platform", "isOverlappedCompile=1 PlatformToken=-", "1", "", "", "0",
+         "0", "0", "0"},
+        {"the platform names an empty variable", "isOverlappedCompile=1 P=", "1", "P", "", "0", "0",
+         "0", "0"},
+        {"a timer policy neither 0 nor 1", "isOverlappedCompile=1 P=arm TimerPolicy=-1", "1", "P",
+         "arm", "-1", "0", "0", "0"},
+        {"a negative interval", "TimerPolicy=1 TimeInterval=-1", "0", "", "", "1", "-1", "0", "0"},
+        {"a signal policy neither 0 nor 1", "TimerPolicy=1 TimeInterval=500 SignalPolicy=2", "0",
+         "", "", "1", "500", "2", "0"},
+        {"a negative signal", "SignalPolicy=1 SignalNUM=-1", "0", "", "", "0", "0", "1", "-1"},
+        {"no root path", "SignalPolicy=1 SignalNUM=9 lltcovRootpath=-", "0", "", "", "0", "0", "1",
+         "9"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        EXPECT_EQ(
+            run(init_lltld, 0, row.changes),
+            std::string("pls chk TUSK_init.sh cfg.   \nisOverlappedCompile:") + row.overlapped +
+                "\nPlatformToken:      " + row.token + "\nPlatformName:       " + row.name +
+                "\nTimerPolicy:        " + row.timer + "\nTimeInterval:       " + row.interval +
+                "\nSignalPolicy:       " + row.signal + "\nSignalNUM:          " + row.number +
+                "\nlltcovRootpath:     \n[TUSK-0x0B074905]: env error, please source "
+                "TUSK_INIT.SH!\n");
     }
     EXPECT_EQ(g_lxprj->stubmode, 0); // read after the policies
 }
 
-TEST_F(TestDir, TheProjectPathGivesDirectoryNameAndWorkArea)
+TEST_F(ProjectSettings, TheProjectPathGivesDirectoryNameAndWorkArea)
 {
-    using Row = std::array<std::string, 3>;
-    const Row rows[] = {{"/u/p/demo.PRJ", "/u/p", "demo"}, {"/u/p", "/u/p", "linuxcaddis"},
-                        {"/u/my.prj.d/s", "/u", "my.prj"}, {"demo.prj", "demo", "linuxcaddis"},
-                        {"/demo.prj", "", "demo"},         {"/p/x.prj/", "/p", "x"}};
-    for (const auto& [value, path, name] : rows) {
-        run(Caddis_LD_Initial, 1, "isOverlappedCompile=1 P=arm qmr_current_prj_path=" + value);
-        EXPECT_EQ((Row{value, g_lxprj->szPrjPath, g_lxprj->szPrjName}), (Row{value, path, name}));
-        EXPECT_EQ(g_lxprj->szCovDictPath, path + "/arm");
+    const struct {
+        const char* what;
+        std::string variable, path, name;
+    } rows[] = {
+        {"a project file of any case", "/u/p/demo.PRJ", "/u/p", "demo"},
+        {"a directory", "/u/p", "/u/p", "linuxcaddis"},
+        {"a directory that looks like a project file", "/u/my.prj.d/s", "/u", "my.prj"},
+        {"no directory", "demo.prj", "demo", "linuxcaddis"},
+        {"in the root directory", "/demo.prj", "", "demo"},
+        {"a slash at the end", "/p/x.prj/", "/p", "x"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        run(Caddis_LD_Initial, 1,
+            "isOverlappedCompile=1 P=arm qmr_current_prj_path=" + row.variable);
+        EXPECT_EQ(g_lxprj->szPrjPath, row.path);
+        EXPECT_EQ(g_lxprj->szPrjName, row.name);
+        EXPECT_EQ(g_lxprj->szCovDictPath, row.path + "/arm");
     }
     EXPECT_EQ(run(Caddis_LD_Initial, 0, "SupportSameName=7"),
               "\n>>>>>>>>>>>>>       link    >>>>>>>>>>>>>>>>>>>>>>\n"
@@ -69,11 +90,13 @@ TEST_F(TestDir, TheProjectPathGivesDirectoryNameAndWorkArea)
     const std::string project = "SupportSameName=2 qmr_current_prj_path=" + dir + "/x.prj";
     run(Caddis_LD_GetCovDictPath, 1, project); // the file's place comes from loading alone
     EXPECT_EQ(g_lxprj->m_port, 60000);
-    run(Caddis_LD_Initial, 1, project + " isOverlappedCompile=0 TimerPolicy=0 SignalPolicy=0");
+    run(Caddis_LD_Initial, 1,
+        project + " isOverlappedCompile=0 TimerPolicy=1 TimeInterval=-2 SignalPolicy=0");
+    EXPECT_EQ(g_lxprj->TimeInterval, -2); // -1 alone is an error
     EXPECT_TRUE(g_lxprj->m_port == 7000 && g_lxprj->stubmode == 3 && g_iSupportSameName == 2);
 }
 
-TEST_F(TestDir, TheWorkAreaIsCreatedUpToTheFirstFailureAndNeverUnderACutPath)
+TEST_F(ProjectSettings, TheWorkAreaIsCreatedUpToTheFirstFailureAndNeverUnderACutPath)
 {
     const std::string part = "/" + std::string(199, 'n');
     for (const std::string& path : {part + part + part, part + part + "/x.prj"}) {

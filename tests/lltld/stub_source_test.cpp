@@ -1,130 +1,161 @@
-// The generated stub, byte for byte under each switch, the agent's file, and the compilation.
+// The generated stub against whole files under each switch, the agent's file, and the compilation.
 #include "lltld/program_objects.h"
 #include "tests/lltld/work_area.h"
 
+#include <algorithm>
+#include <sstream>
+
+using StubSource = WorkArea;
+
 namespace
 {
-const std::string STUB = "w/obj/__code_measure_stub_lib_my-mod",
+const std::string STUB = "w/obj/__code_measure_stub_lib_my-mod-1",
                   SINGLE = "-o " + STUB + ".o -c " + STUB + ".c\n";
 
-/// The text behind the header. Behind each "@" stands the letter of the switch that its part
-/// depends on, or a blank.
-const char* const TEXT =
-    "@ unsigned int g_QMRCovData_A[1] = {0};\nunsigned int g_QMRCovData_b.x[2] = {0};\n"
-    "unsigned int g_QMRCovData_nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn[1] = {0};\n@p\n"
-    "static unsigned short g_TUSKSockBindPort   = 61000;\n"
-    "@aextern void TUSK_UserAgentConfig();\n"
-    "@h__attribute__ ((visibility(\"hidden\"))) @vvoid TUSK_SetSockBindPort(unsigned short usPo"
-    "rt)\n{\n\tg_TUSKSockBindPort = usPort;\n}\n\n@ \nvoid ZJ_Start_my_mod()\n{\n"
-    "    TUSK_CovSetCompilePolicy(1);\n    TUSK_CovSetTimerPolicy(5);\n"
-    "    TUSK_CovSetSignalPolicy(9);\n    TUSK_CovSetSupportVbsFlag(1);\n"
-    "    TUSK_CovSetlltcovRootpath(\"/cov\");\n"
-    "    void *pMod = QMR_CreateCoverageListExt(\"my-mod\", \"w\", 3, 1);\n"
-    "    if(NULL == pMod)\n    {\n      return;\n    }\n\n"
-    "    QMR_AddCoverageBuf(pMod, 0, (char*)\"A.c\", (unsigned int *)g_QMRCovData_A, \n"
-    "        4, 1);\n"
-    "    QMR_AddCoverageBuf(pMod, 1, (char*)\"b.x.c\", (unsigned int *)g_QMRCovData_b.x, \n"
-    "        8, 33);\n"
-    "    QMR_AddCoverageBuf(pMod, 2, (char*)\"nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn\", (unsigned int"
-    " *)g_QMRCovData_nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn, \n        0, 0);\n"
-    "\t\tif(!QMRInit(0, (char*)\"{\\\"projectname\\\":\\\"demo\\\",\\\"buid\\\":\\\"B\\\"}\"))\n"
-    "\t\t{\n\t\t\tprintf(\"Call QMRInit failed!\");\n\t\t\treturn;\n\t\t}\n\n"
-    "\tif(!QMRGetTargetState())\n\t{\n@c\t\tTUSK_UserAgentConfig();\n"
-    "@s\t\tif(!ZKT_ServerInit(g_TUSKSockBindPort))\n\t\t{\n"
-    "\t\t\tprintf(\"[demo]Server start failed!\\n\");\n\t\t\treturn;\n\t\t}\n"
-    "@ \t\tQMRSetTargetState(1);\n\t}\n\n    return ;\n}\n#ifdef __cplusplus\n}\n#endif\n\n\n"
-    "__attribute ((constructor)) void tusk_init_my_mod(void)\n{\n    ZJ_Start_my_mod();\n"
-    "    errno = 0;\n}\n__attribute ((destructor)) void tusk_fini_my_mod(void)\n{\n"
-    "    QMR_DumpModuleCovdata((char*)\"my_mod\");\n    errno = 0;\n}\n";
-
-/// Generates the stub of three sources in mode 0; what is printed.
-std::string generate(int expected)
+/// Sets what a switch names: a setting, a source and its points (NAME.c:33), or a variable of the
+/// environment. Sources go into the table.
+void apply(const std::string& name, const std::string& value, std::string& table)
 {
-    const std::string n(32, 'n');
-    g_lxprj->m_port = 61000, g_lxprj->m_uiUseVBS = 1, g_lxprj->lltcovRootpath = "/cov";
-    g_lxprj->isOverlappedCompile = g_lxprj->TimerPolicy = g_lxprj->SignalPolicy = 1;
-    g_lxprj->TimeInterval = 5, g_lxprj->SignalNUM = 9;
-    copy_bounded(g_lxprj->szPrjName, "demo");
-    copy_bounded(g_lxprj->modName, "my-mod");
-    copy_bounded(g_szBuildID, "B");
-    leave_record("A", 1);
-    leave_record("b.x", 33);
-    leave_record(n.substr(1), 0);
-    write_file("w/CompileCmd.txt", "true");
-    write_file("w/db/.tab", tab_record(7, "A.c") + tab_record(3, "b.x.c") + tab_record(4, n));
-    return printed(expected, Caddis_Coverage_CreateCovInitCodeFile);
+    const std::size_t points = name.find(':');
+    if (points != name.npos) {
+        const std::string source = name.substr(0, points);
+        // Records are found by what stands before the last full stop, 31 bytes at most.
+        leave_record(source.substr(0, std::min<std::size_t>(source.rfind('.'), 31)),
+                     std::stoi(name.substr(points + 1)));
+        table += tab_record(static_cast<int>(table.size() / 280) * 2 + 3, source);
+    } else if (name == "archive") {
+        g_iStaticLib = std::stoi(value);
+    } else if (name == "mode") {
+        g_lxprj->stubmode = std::stoi(value);
+    } else if (name == "type") {
+        copy_bounded(g_lxprj->szCov_type, value);
+    } else if (name == "rootpath") {
+        g_lxprj->lltcovRootpath = value;
+    } else if (name == "TimerPolicy") {
+        g_lxprj->TimerPolicy = std::stoi(value);
+    } else if (name == "SignalPolicy") {
+        g_lxprj->SignalPolicy = std::stoi(value);
+    } else {
+        ::setenv(name.c_str(), value.c_str(), 1);
+    }
 }
+
+/// A module "my-mod-1" of project "demo" with the switches "// NAME=VALUE SOURCE:POINTS ...".
+void prepare(const std::string& switches)
+{
+    g_lxprj->m_port = 61000, g_lxprj->m_uiUseVBS = 1, g_lxprj->isOverlappedCompile = 1;
+    g_lxprj->TimeInterval = 5, g_lxprj->SignalNUM = 9;
+    g_lxprj->TimerPolicy = g_lxprj->SignalPolicy = 0;
+    copy_bounded(g_lxprj->szPrjName, "demo");
+    copy_bounded(g_lxprj->modName, "my-mod-1");
+    copy_bounded(g_szBuildID, "B");
+    write_file("w/CompileCmd.txt", "true");
+    std::string table;
+    std::istringstream words(switches.substr(2));
+    for (std::string word; words >> word;) {
+        const std::size_t equals = word.find('=');
+        apply(word.substr(0, equals), equals == word.npos ? "" : word.substr(equals + 1), table);
+    }
+    write_file("w/db/.tab", table);
+}
+
+/// The names of the golden stubs, without ".c".
+std::vector<std::string> golden_stubs()
+{
+    std::vector<std::string> names;
+    for (const auto& file : std::filesystem::directory_iterator(GOLDEN_STUBS)) {
+        if (file.path().extension() == ".c") {
+            names.push_back(file.path().stem());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class GoldenStub : public WorkArea, public testing::WithParamInterface<std::string>
+{
+};
 } // namespace
 
-TEST_F(WorkArea, TheStubIsWrittenByteForByteUnderEachSwitch)
+TEST_P(GoldenStub, IsGeneratedByTheSwitchesOfItsFirstLine)
 {
-    const std::tuple<bool, std::string, const char*, std::string> rows[] = {
-        {true, "LLT_DISABLE_SOCKET", "1", " "},
-        {true, "LLT_DISABLE_SOCKET", "2", " s"},
-        {false, "LLT_DISABLE_SOCKET", " 1x", " ac"},
-        {false, "LLT_DISABLE_VISIBILITY", "-1", " pavcs"},
-        {false, "LLT_DISABLE_VISIBILITY", "0", " pahvcs"},
-        {false, "LLT_DISABLE_USRCFG", "2", " ps"},
-        {false, "LLT_DISABLE_USRCFG", "", " pahvcs"}};
-    std::vector<std::string> parts;
-    strsplit_v(TEXT + 1, '@', parts);
-    for (const auto& [archive, name, value, letters] : rows) {
-        ::setenv(name.c_str(), value, 1);
-        g_iStaticLib = archive;
-        EXPECT_EQ(generate(1), "true  " + SINGLE);
-        std::string expected;
-        for (const std::string& part : parts) {
-            expected += letters.find(part[0]) == letters.npos ? "" : part.substr(1);
-        }
-        EXPECT_EQ(read_file(STUB + ".c").substr(1061), expected) << name << "=" << value;
-        ::unsetenv(name.c_str());
-    }
-    EXPECT_EQ(answer("head -c 1061 " + STUB + ".c | md5sum"),
-              "fdb57dadb3cb2a811bd1512f6ccad89f  -\n");
+    const std::string golden = read_file(GOLDEN_STUBS "/" + GetParam() + ".c");
+    const std::size_t first_line = golden.find('\n');
+    ASSERT_NE(first_line, golden.npos);
+    prepare(golden.substr(0, first_line));
+    const std::string out = printed(1, Caddis_Coverage_CreateCovInitCodeFile);
+    EXPECT_NE(out.find(SINGLE), out.npos) << out;
+    EXPECT_EQ(read_file(STUB + ".c"), golden.substr(first_line + 1));
 }
 
-TEST_F(WorkArea, AFailedStubIsNotCompiled)
+INSTANTIATE_TEST_SUITE_P(Files, GoldenStub, testing::ValuesIn(golden_stubs()),
+                         [](const auto& stub) { return stub.param; });
+
+TEST_F(StubSource, ThatFailedIsNotCompiled)
 {
+    const std::string n(32, 'n');
+    const auto generate = [] { return Caddis_Coverage_CreateCovInitCodeFile(); };
+    const auto again = [&] {
+        prepare("// mode=0 A.c:1 b.x.c:33 " + n +
+                ":0 TimerPolicy=1 SignalPolicy=1 rootpath=/cov LLT_DISABLE_SOCKET=1");
+    };
     g_noLinkCodemeasure = 1;
-    answer("mkdir w/db/db7 w/db/db3");
-    EXPECT_EQ(generate(0), ""); // one numbered database is missing
-    answer("mkdir w/db/db4; rm w/my-mod.ini");
-    EXPECT_EQ(generate(1), "true  " + SINGLE);
-    EXPECT_EQ(
-        read_file("w/my-mod.ini"),
-        "[usercfg]\nlltcovRootpath=/cov\nSignalNUM=9\nTimeInterval=5\nisOverlappedCompile=1\n\n"
-        "[modcfg]\npara4=1\npara3=3\npara2=w\npara1=my-mod\n\n[InstInfo]\n"
-        "info=7##A.c##g_QMRCovData_A##4##1;3##b.x.c##g_QMRCovData_b46x##8##33;"
-        "4##nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn##g_QMRCovData_nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn##0##"
-        "0\n");
+    again();
+    answer("mkdir w/db/db3 w/db/db7");
+    EXPECT_EQ(printed(0, generate), ""); // one numbered database is missing
+    answer("mkdir w/db/db5; rm w/my-mod-1.ini");
+    again();
+    EXPECT_EQ(printed(1, generate), "true  " + SINGLE);
+    EXPECT_EQ(read_file("w/my-mod-1.ini"),
+              "[usercfg]\nlltcovRootpath=/cov\nSignalNUM=9\nTimeInterval=5\n"
+              "isOverlappedCompile=1\n\n"
+              "[modcfg]\npara4=1\npara3=3\npara2=w\npara1=my-mod-1\n\n[InstInfo]\n"
+              "info=3##A.c##g_QMRCovData_A##4##1;5##b.x.c##g_QMRCovData_b46x##8##33;7##" +
+                  n + "##g_QMRCovData_" + n + "##0##0\n");
+    answer("rm w/my-mod-1.ini");
+    prepare("// mode=2 TimerPolicy=2 SignalPolicy=2 rootpath=");
+    printed(1, generate);
+    EXPECT_EQ(read_file("w/my-mod-1.ini"),
+              "[usercfg]\nisOverlappedCompile=1\n\n[modcfg]\npara4=3\npara3=0\npara2=w\n"
+              "para1=my-mod-1\n\n[InstInfo]\ninfo=\n");
+    again();
     answer("rm " + STUB + ".c; mkdir " + STUB + ".c");
-    EXPECT_EQ(generate(0), "Can't create interface file \"__code_measure_stub_lib.c\"!\n");
+    EXPECT_EQ(printed(0, generate), "Can't create interface file \"__code_measure_stub_lib.c\"!\n");
     answer("test `wc -c <w/db/.tab` = 840 && rm w/db/.tab"); // not yet truncated
-    EXPECT_EQ(printed(0, Caddis_Coverage_CreateCovInitCodeFile),
+    EXPECT_EQ(printed(0, generate),
               "File \"w/db/.tab\" open failed!\nCan not find coverage data base!\n");
 }
 
-TEST_F(WorkArea, TheCompileCommandTakesItsFormFromTokenAndUserCommands)
+TEST_F(StubSource, CompileCommandTakesItsFormFromTokenAndUserCommands)
 {
-    copy_bounded(g_lxprj->modName, "my-mod");
+    copy_bounded(g_lxprj->modName, "my-mod-1");
     const std::string first = "a -o " + STUB + ".obj -c " + STUB + ".c\n",
                       second = STUB + ".o " + STUB + ".obj\n";
-    const std::tuple<std::string, const char*, const char*, int, int, int, std::string> rows[] = {
-        {"true", "", "", 0, 1, 1, "true  " + SINGLE},
-        {"true", "", "", 2, 0, 1, "true " + SINGLE},
-        {"true", "", "", 1, 1, 1, "true " + SINGLE},
-        {"true", "", "", 1, 0, 1, "true  " + SINGLE},
-        {"true\n", "", "", 0, 0, 0, "true\n  " + SINGLE},
-        {"echo a", "echo u", "echo v", 2, 0, 1, first + "u -o " + second},
-        {"echo a", "", "echo v", 0, 0, 1, first + "v " + second},
-        {"false", "echo u", "", 0, 0, 0, ""},
-        {"true", "", "false", 0, 0, 0, ""}};
-    for (const auto& [recorded, user, user2, token, inner, result, out] : rows) {
-        write_file("w/CompileCmd.txt", recorded + object_bytes("| rest"));
-        copy_bounded(g_lltusercmd, user);
-        copy_bounded(g_lltusercmd2, user2);
-        iToken_wrapper = token, iToken_warpper_inner = inner;
-        EXPECT_EQ(printed(result, LD_CompileCovInitCodeFile), out) << recorded << user << user2;
+    const struct {
+        const char* what;
+        std::string recorded; ///< content of "CompileCmd.txt"
+        const char *user, *user2;
+        int token, inner; ///< "lltwrapper_cfg", and that of the tools that are run
+        int result;
+        std::string out;
+    } rows[] = {
+        {"one command", "true", "", "", 0, 1, 1, "true  " + SINGLE},
+        {"kernel", "true", "", "", 2, 0, 1, "true " + SINGLE},
+        {"kernel image and kernel inside", "true", "", "", 1, 1, 1, "true " + SINGLE},
+        {"kernel image alone", "true", "", "", 1, 0, 1, "true  " + SINGLE},
+        {"a line end stays", "true\n", "", "", 0, 0, 0, "true\n  " + SINGLE},
+        {"the first user command", "echo a", "echo u", "echo v", 2, 0, 1, first + "u -o " + second},
+        {"the second user command", "echo a", "", "echo v", 0, 0, 1, first + "v " + second},
+        {"a failed compilation ends it", "false", "echo u", "", 0, 0, 0, ""},
+        {"a failed user command", "true", "", "false", 0, 0, 0, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        write_file("w/CompileCmd.txt", row.recorded + object_bytes("| rest"));
+        copy_bounded(g_lltusercmd, row.user);
+        copy_bounded(g_lltusercmd2, row.user2);
+        iToken_wrapper = row.token, iToken_warpper_inner = row.inner;
+        EXPECT_EQ(printed(row.result, LD_CompileCovInitCodeFile), row.out);
     }
     // A command over its bound, prefix and 1,023 bytes, is not run.
     copy_bounded(g_lltusercmd2, "");

@@ -4,6 +4,9 @@
 
 #include <sstream>
 
+using TupleDatabase = WorkArea;
+using ExpiredInstrumentation = WorkArea;
+
 namespace
 {
 using Records = std::vector<_STInstInfo>;
@@ -26,50 +29,74 @@ std::string words_of(const Records& records)
     }
     return words;
 }
+
+const std::string FATAL = "\033[0;32;31mTUSK_FATAL:";
 } // namespace
 
-TEST_F(WorkArea, TheDatabaseIsReadAndReplacedInRecordsOf780Bytes)
+TEST_F(TupleDatabase, IsReadAndReplacedInRecordsOf780Bytes)
 {
     std::string two, x(259, 'x');
     for (const char* field : {"a.c", "a.o", "a_1", "b.c", "b.o", "b_1"}) {
         two.append(field).append(257, '\0');
     }
-    const std::pair<std::string, std::string> rows[] = {
-        {"", ""},
-        {two.substr(0, 800), "a.c a.o a_1 b.c   "},
-        {two.substr(0, 1301), "a.c a.o a_1 b.c b.o b "},
-        {two, "a.c a.o a_1 b.c b.o b_1 "},
-        {std::string(780, 'x'), x + " " + x + " " + x + " "}};
-    Records fresh, old;
-    for (const auto& [content, words] : rows) {
-        write_file("db", content);
+    const std::string full = std::string(780, 'x');
+    const struct {
+        const char* what;
+        std::string file, records; ///< as `words_of` writes them
+    } rows[] = {
+        {"empty", "", ""},
+        {"cut in the second source", two.substr(0, 800), "a.c a.o a_1 b.c   "},
+        {"cut in the second symbol", two.substr(0, 1301), "a.c a.o a_1 b.c b.o b "},
+        {"two records", two, "a.c a.o a_1 b.c b.o b_1 "},
+        {"fields without a NUL", full, x + " " + x + " " + x + " "},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        write_file("db", row.file);
         Records records = records_of("z z Z");
         EXPECT_EQ(ReadOldInstInfoFromDb("db", records), 1);
-        EXPECT_EQ(words_of(records), "z z Z " + words) << content.size();
+        EXPECT_EQ(words_of(records), "z z Z " + row.records);
     }
     answer("ln db reader"); // one who has the old version open
     for (const std::string name : {"a_1", "b_1"}) {
         leave_record(name);
         WriteDBNameToList(name.c_str());
     }
+    Records fresh, old;
     EXPECT_EQ(GetNewInstInfo(instFileList, fresh, old) + WriteNewInstInfoToDb("db"), 2);
-    EXPECT_EQ(words_of(fresh), rows[3].second);
-    EXPECT_EQ(read_file("db") + read_file("reader"), two + rows[4].first);
+    EXPECT_EQ(words_of(fresh), "a.c a.o a_1 b.c b.o b_1 ");
+    EXPECT_EQ(read_file("db"), two);
+    EXPECT_EQ(read_file("reader"), full);
     EXPECT_EQ(WriteNewInstInfoToDb("w") + WriteNewInstInfoToDb("none/db"), 0);
 }
 
-TEST_F(WorkArea, ASymbolIsResolvedByItsIniFileOrExplainedFromTheOldRecords)
+TEST_F(TupleDatabase, ResolvesASymbolByItsIniFile)
 {
     const std::string ini = "T/codemeasure/ini/c.ini";
     char src[260] = "?", obj[260] = "?";
     const auto read = [&] { return GetSrcObjPath(src, obj, "c"); };
+    EXPECT_EQ(printed(0, read),
+              "[TUSK-0x0B074011]: Can not find the initialization file '" + ini + "'!\n");
     write_file(ini, "[Other]\nStubFilePath1=s\n");
     EXPECT_EQ(printed(0, read), "Get the value of 'StubFilePath1' from the initialization file '" +
                                     ini + "' failed!\n");
     write_file(ini, "[StubFiles]\nStubFilePath=\n"); // answers for every longer key
     EXPECT_EQ(read(), 1);
     EXPECT_EQ(std::string(src) + obj, "?");
-    std::filesystem::remove(ini);
+    g_iSupportSameName = 2; // the same place; only 0 has it in the work area
+    EXPECT_EQ(read(), 1);
+    g_iSupportSameName = 0;
+    write_file("w/ini/c.ini", "[StubFiles]\nStubFilePath1=s\n");
+    EXPECT_EQ(read(), 1);
+    EXPECT_STREQ(src, "s");
+    g_iSupportSameName = 1;
+}
+
+TEST_F(TupleDatabase, ExplainsASymbolWithoutIniFileFromTheOldRecords)
+{
+    const std::string ini = "T/codemeasure/ini/c.ini",
+                      log = "[TUSK-0x0B074011]: Can not find the initialization file '" + ini +
+                            "'!\n";
     leave_record("a");
     _InstFile nodes[3];
     _InstFileList list;
@@ -78,58 +105,87 @@ TEST_F(WorkArea, ASymbolIsResolvedByItsIniFileOrExplainedFromTheOldRecords)
     }
     Records fresh, old = records_of("o.c o.o other g.c g.o c h.c h.o c");
     const auto resolve = [&] { return GetNewInstInfo(list, fresh, old); };
-    const std::string known = printed(0, resolve);
+    EXPECT_EQ(printed(0, resolve),
+              log + FATAL +
+                  "source code 'g.c' has been instrumented, but an important coverage "
+                  "file '" +
+                  ini +
+                  "' missed. probably you have deleted this file. "
+                  "please delete 'g.o', and re-compile your source code.\n\033[m");
     EXPECT_EQ(words_of(fresh) + nodes[0].szObjFileName + nodes[2].szObjFileName, "a.c a.o a a.o");
     old.resize(1);
-    write_file("told", known + printed(0, resolve));
-    EXPECT_EQ(answer("md5sum <told"), "32327d4a2ddf348926714cd4e1007f33  -\n");
+    EXPECT_EQ(printed(0, resolve),
+              log + FATAL +
+                  "Probably, you have deleted all of KESTO LLT informations, but you "
+                  "areusing incremental-compile or incremental-link\nsolutions: \n"
+                  "firstly, recompile your source code without using lltwrapper;\n"
+                  "secondly, check your makefiles, probably there is something wrong "
+                  "with the 'MAKE CLEAN' rules;\nthirdly, if you don't want to solve "
+                  "the problems mentioned above currently, you must do not clean 'T' "
+                  "automatically.\n\033[m" +
+                  FATAL + "please clear your environment, and recompile your source code.\n\033[m");
     nodes[0].pNext = nullptr; // the count says more than the chain holds
     EXPECT_EQ(resolve(), 1);
 }
 
-TEST_F(WorkArea, ASupersededSymbolIsDeletedAndReplacedInOrder)
+TEST_F(TupleDatabase, DropsASupersededSymbolAndItsFilesInOrder)
 {
-    const std::tuple<std::string, std::string, std::string, std::string> rows[] = {
-        {"", "a o S1 a o S2", "a o S1 a o S2 ", "S1\nS2\nS3\n"},
-        {"a o S1", "a o S2", "a o S2 ", "S2\nS3\n"},
-        {"a p S1 b o S2 A o S3", "a o S4", "a p S1 b o S2 A o S3 ", "S1\nS2\nS3\n"},
-        {"x o S1 a o S2 b o S3", "a o S4", "x o S1 b o S3 a o S4 ", "S1\nS3\n"},
-        {"a o S1", "a o S2 a o S3", "a o S3 ", "S3\n"},
-        {"a o S1 a o S2", "a o S3", "a o S2 a o S3 ", "S2\nS3\n"},
-        {"a o S1 a o S2", "a o S3 a o S4", "a o S3 a o S4 ", "S3\n"},
-        {"a o S1 a o S2", "a o S1", "a o S1 a o S1 ", "S1\nS3\n"}};
-    for (const auto& [before, present, after, left] : rows) {
-        Records old = records_of(before), fresh = records_of(present);
+    const struct {
+        const char* what;
+        std::string old, fresh; ///< SOURCE OBJECT SYMBOL ...
+        std::string after;      ///< the old records then
+        std::string left;       ///< saved objects of S1, S2 and S3 then
+    } rows[] = {
+        {"nothing is known", "", "a o S1 a o S2", "a o S1 a o S2 ", "S1 S2 S3\n"},
+        {"superseded", "a o S1", "a o S2", "a o S2 ", "S2 S3\n"},
+        {"other source, object or case", "a p S1 b o S2 A o S3", "a o S4", "a p S1 b o S2 A o S3 ",
+         "S1 S2 S3\n"},
+        {"among others", "x o S1 a o S2 b o S3", "a o S4", "x o S1 b o S3 a o S4 ", "S1 S3\n"},
+        {"a new one supersedes a new one", "a o S1", "a o S2 a o S3", "a o S3 ", "S3\n"},
+        {"one for each new one", "a o S1 a o S2", "a o S3", "a o S2 a o S3 ", "S2 S3\n"},
+        {"two for two new ones", "a o S1 a o S2", "a o S3 a o S4", "a o S3 a o S4 ", "S3\n"},
+        {"the same symbol stays", "a o S1 a o S2", "a o S1", "a o S1 a o S1 ", "S1 S3\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        Records old = records_of(row.old), fresh = records_of(row.fresh);
         answer("cd T/codemeasure; mkdir -p obj/before; touch obj/before/S1 obj/before/S2 "
                "obj/before/S3");
         UpdateDB_DelExpiredFile(old, fresh);
-        EXPECT_EQ(words_of(old) + answer("ls T/codemeasure/obj/before"), after + left) << before;
+        EXPECT_EQ(words_of(old), row.after);
+        EXPECT_EQ(answer("ls T/codemeasure/obj/before | paste -sd' '"), row.left);
     }
 }
 
-TEST_F(WorkArea, DeletionTakesExactlyTheSymbolsOwnFiles)
+TEST_F(ExpiredInstrumentation, DeletionTakesExactlyTheSymbolsOwnFiles)
 {
-    const std::pair<const char*, std::string> rows[] = {
-        {"a", "db/dba db/dba/x ini/a.ini obj/after/a.d obj/after/a.d/x obj/after/a.link "
-              "obj/after/a.x.y obj/before/a"},
-        {"*", "obj/after/*.o obj/before/*"}, // no pattern in the symbol itself
-        {".h", "obj/after/.h.o"},
-        {"", ""},
-        {"/", ""},
-        {"..", ""},
-        {"x/../../../../o", ""}};
-    for (const auto& [symbol, erased] : rows) {
+    const struct {
+        const char* what;
+        const char* symbol;
+        std::string erased;
+    } rows[] = {
+        {"files of the symbol, not those it begins", "a",
+         "db/dba db/dba/x ini/a.ini obj/after/a.d obj/after/a.d/x obj/after/a.link "
+         "obj/after/a.x.y obj/before/a"},
+        {"no pattern in the symbol itself", "*", "obj/after/*.o obj/before/*"},
+        {"a hidden name", ".h", "obj/after/.h.o"},
+        {"an empty name is refused", "", ""},
+        {"a slash is refused", "/", ""},
+        {"the parent is refused", "..", ""},
+        {"a way out is refused", "x/../../../../o", ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
         answer(
             "mkdir -p o; touch o/o; cd T/codemeasure; mkdir -p db/dba db/dbab obj/before "
             "obj/after/a.d; touch db/dba/x ini/a.ini ini/a.ini2; cd obj/before; touch a a.o '*'; "
             "cd ../after; touch a a.x.y ab.o .a.o .h.o .ho '*.o' a.d/x; ln -sfn ../../../../o "
             "a.link; cd ../../../..; find T o | LC_ALL=C sort >before");
         testing::internal::CaptureStderr();
-        DeleteInstInfoFromLLTTEMP(symbol);
-        EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), !erased.empty()); // refused
+        DeleteInstInfoFromLLTTEMP(row.symbol);
+        EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), !row.erased.empty());
         EXPECT_EQ(answer("find T o | LC_ALL=C sort | comm -3 before - | sed s,^T/codemeasure/,, | "
                          "paste -sd' '"),
-                  erased + "\n")
-            << symbol;
+                  row.erased + "\n");
     }
 }

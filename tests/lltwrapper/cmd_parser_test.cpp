@@ -1,24 +1,22 @@
 #include "lltwrapper/cmd_parser.h"
 #include "lltwrapper/wrapper_state.h"
 #include "tests/fixture.h"
+#include "tests/lltwrapper/words.h"
 
-#include <wordexp.h>
+using CommandParser = TestDir;
 
-TEST_F(TestDir, OptionsAreRecordedAndTakenOut)
+TEST_F(CommandParser, OptionsAreRecordedAndTakenOut)
 {
     const char* command =
         "lltwrapper gcc -objsuffix '.o||.obj' '' -binsuffix .so -objsuffix '.lo|' -artool /b/ar "
         "-arsuffix .a -c -m32 -mshort-load-bytes -m64 -artool";
-    wordexp_t words;
-    ASSERT_EQ(::wordexp(command, &words, 0), 0);
-    parser(static_cast<int>(words.we_wordc), words.we_wordv);
-    ::wordfree(&words);
+    with_words(command, [](int argc, char** argv) { parser(argc, argv); });
     EXPECT_EQ(vtor_objtypes, (std::set<std::string>{"", ".lo", ".o", ".obj"}));
     EXPECT_EQ(strObjSuffix + strBinSuffix + " " + strArTools + strArSuffix, ".lo|.so ar.a");
     EXPECT_EQ(pOriginalCmd + g_str_m32m64, "gcc  -c -m32 "); // the empty word leaves its blank
 }
 
-TEST_F(TestDir, StrReplaceAppendsAndTouchesNothingElse)
+TEST_F(CommandParser, StrReplaceAppendsAndTouchesNothingElse)
 {
     char text[] = "ab\0..........";
     StrReplace("c(\"", text);

@@ -2,7 +2,9 @@
 #include "lltwrapper/wrapper_state.h"
 #include "tests/fixture.h"
 
-TEST_F(TestDir, EachCallAppendsTheWordSizeAndTellsTheTool)
+using WordSize = TestDir;
+
+TEST_F(WordSize, EachCallAppendsTheWordSizeAndTellsTheTool)
 {
     ::setenv("TUSK_ENABLE_m32m64", "64", 1);
     strLinkName = "app";

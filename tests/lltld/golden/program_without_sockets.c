@@ -1,0 +1,69 @@
+// archive=0 mode=1 LLT_DISABLE_SOCKET=1x
+/*********************************************************
+覆盖率工具自动生成的代码
+*********************************************************/
+
+#include <stdio.h> 
+#include <stdlib.h> 
+#include <errno.h> 
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+extern void* QMR_CreateCoverageListExt(const char *pModName, const char* covdbpath,
+    unsigned long iCount, int iClass);
+extern int QMR_AddCoverageBuf(void *pMod, unsigned int iFileId, char *pFileName,
+    unsigned int *pCovBuf, unsigned int iBufSize, unsigned int iInstSize);
+extern void QMR_DumpModuleCovdata(char* modulename); 
+extern void TUSK_CovSetTimerPolicy(int time_interval);    
+extern void TUSK_CovSetSignalPolicy(int signal_no);   
+extern void TUSK_CovSetlltcovRootpath(const char* rootpath);   
+extern void TUSK_CovSetSupportVbsFlag(unsigned int uiFlag);   
+extern void TUSK_CovSetCompilePolicy(int overlappedCompile);   
+extern int  QMRGetTargetState();
+extern void QMRSetTargetState(int state);
+extern int  QMRInit(int iType, char *pProjName);
+extern int  ZKT_ServerInit(unsigned int iHostPort);
+
+extern void TUSK_UserAgentConfig();
+
+void ZJ_Start_my_mod_1()
+{
+    TUSK_CovSetCompilePolicy(1);
+    TUSK_CovSetSupportVbsFlag(1);
+    void *pMod = QMR_CreateCoverageListExt("my-mod-1", "w", 0, 2);
+    if(NULL == pMod)
+    {
+      return;
+    }
+
+		if(!QMRInit(0, (char*)"{\"projectname\":\"demo\",\"buid\":\"B\"}"))
+		{
+			printf("Call QMRInit failed!");
+			return;
+		}
+
+	if(!QMRGetTargetState())
+	{
+		TUSK_UserAgentConfig();
+		QMRSetTargetState(1);
+	}
+
+    return ;
+}
+#ifdef __cplusplus
+}
+#endif
+
+
+__attribute ((constructor)) void tusk_init_my_mod_1(void)
+{
+    ZJ_Start_my_mod_1();
+    errno = 0;
+}
+__attribute ((destructor)) void tusk_fini_my_mod_1(void)
+{
+    QMR_DumpModuleCovdata((char*)"my_mod_1");
+    errno = 0;
+}
