@@ -1,7 +1,7 @@
 #!/bin/bash
 # What lltcc makes of one compile: the options it passes, who defines the array, which headers it
 # counts; and how the stubs of an archive and of a link align their arrays.
-# usage: lltcc_driver_test.sh PROGRAMS [GCC]     PROGRAMS: the folder of lltwrapper and lltcc
+# usage: lltcc_compile_test.sh PROGRAMS [GCC]     PROGRAMS: the folder of lltwrapper and lltcc
 set -uo pipefail
 unset CDPATH CPATH C_INCLUDE_PATH CPLUS_INCLUDE_PATH "${!qmr_@}" "${!llt@}" "${!LLT@}" TimerPolicy SignalPolicy
 export LC_ALL=C CCACHE_DISABLE=1

@@ -1,7 +1,7 @@
 #!/bin/bash
 # lltcov doctor and lltcov clean on a small project that is built through shims: a sound project is
 # called so, each fault is found alone, and clean removes what the build and the runs left.
-# usage: lltcov_doctor.sh LLTCOV TUSK_INIT.SH
+# usage: doctor_and_clean_test.sh LLTCOV TUSK_INIT.SH
 set -eu
 lltcov=$1 init=$2
 tmp=$(mktemp -d)

@@ -1,5 +1,5 @@
 #!/bin/sh
-# usage: lltld_init_test.sh TUSK_INIT.SH
+# usage: settings_file_test.sh TUSK_INIT.SH
 # The settings file in every shell that is here, also in its strict mode and sourced twice.
 set -u
 init=$1 passed=0 failed=0

@@ -1,5 +1,5 @@
 #!/bin/bash
-# usage: runtime_pool_test.sh RUNTIME_SOURCE_DIR RUNTIME_BINARY_DIR
+# usage: runtime_sharing_test.sh RUNTIME_SOURCE_DIR RUNTIME_BINARY_DIR
 # The files that many processes share: at once, while some are killed or stopped, and damaged ones.
 set -u
 # shellcheck source=runtime_fixture.sh

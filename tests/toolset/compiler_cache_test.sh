@@ -3,7 +3,7 @@
 # cache and has its records and its report; a cache under the compiler's own name serves plain and
 # covered builds in turn; a lost record comes back;
 # an object of the same tree in another folder is no hit.
-# usage: cache_test.sh PROGRAMS     the folder of lltwrapper, lltcc and lltcov
+# usage: compiler_cache_test.sh PROGRAMS     the folder of lltwrapper, lltcc and lltcov
 # Exit status 77: ccache is missing.
 set -uo pipefail
 unset CDPATH MAKEFLAGS CC CXX AR CFLAGS CXXFLAGS CPPFLAGS LDFLAGS "${!qmr_@}" "${!llt@}" "${!LLT@}" \

@@ -1,7 +1,7 @@
 #!/bin/sh
 # Programs that clang compiled, once for its own tools and once through the whole chain: every line,
 # function and branch must have the same count in both reports.
-# usage: clang_test.sh LLTCOV TUSK_INIT.SH [CLANG]
+# usage: clang_counts_test.sh LLTCOV TUSK_INIT.SH [CLANG]
 set -eu
 lltcov=$1 init=$2 clang=${3:-clang}
 # The tools of this clang are beside its program, in a folder of its version.

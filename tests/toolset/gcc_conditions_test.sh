@@ -2,7 +2,7 @@
 # Conditions: a program is run several times, once as `gcc --coverage -fcondition-coverage` built it
 # and once as the tool set did. Each decision must have the outcomes that gcov says, in JSON,
 # Cobertura and tracefile; where one process sees what another one does not, they join.
-# usage: conditions_test.sh PROGRAMS     PROGRAMS: the folder of lltwrapper, lltcc and lltcov
+# usage: gcc_conditions_test.sh PROGRAMS     PROGRAMS: the folder of lltwrapper, lltcc and lltcov
 # Exit status 77: the compiler has no condition coverage, or jq is missing.
 set -uo pipefail
 unset CDPATH MAKEFLAGS CC CXX AR CFLAGS CXXFLAGS CPPFLAGS LDFLAGS "${!qmr_@}" "${!llt@}" "${!LLT@}"

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Code and compiler options on which counting stumbles easily: each row is built and run with
 # `gcc --coverage` and through the tool set, and gcov and lltcov have to say the same of it.
-# usage: lltcc_cases_test.sh PROGRAMS [NAME]     PROGRAMS: the folder of lltwrapper, lltcc and lltcov
+# usage: gcc_counts_test.sh PROGRAMS [NAME]     PROGRAMS: the folder of lltwrapper, lltcc and lltcov
 # Exit status 77: jq is missing.
 set -uo pipefail
 unset CDPATH MAKEFLAGS CC CXX AR CFLAGS CXXFLAGS CPPFLAGS LDFLAGS "${!qmr_@}" "${!llt@}" "${!LLT@}"

@@ -1,5 +1,5 @@
 #!/bin/sh
-# usage: lltld_test.sh LINK_DRIVER LLTWRAPPER RUNTIME_ARCHIVE
+# usage: link_driver_test.sh LINK_DRIVER LLTWRAPPER RUNTIME_ARCHIVE
 # Every kind of link that builds make, run and its counts compared.
 set -u
 PROJECT=$(mktemp -d)
@@ -8,8 +8,8 @@ mkdir "$PROJECT/bin"
 cp "$1" "$PROJECT/bin/lltld"
 DRIVER=$PROJECT/bin/lltld WRAPPER=$2
 export LLTCOV_RUNTIME="$3"
-# shellcheck source=lltld_fixture.sh
-. "$(dirname "$0")/lltld_fixture.sh"
+# shellcheck source=link_driver_fixture.sh
+. "$(dirname "$0")/link_driver_fixture.sh"
 cd "$PROJECT" || exit 2
 
 source_of main <<'C'
