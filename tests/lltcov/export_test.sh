@@ -1,24 +1,9 @@
-#!/bin/sh
-# usage: export_test.sh TOOLS_DIRECTORY TUSK_INIT.SH
+#!/bin/bash
 # A library and a program built through the wrapper and the tool set, run, exported; then what
 # happens to a project while it is worked on: edits, rebuilds, renamed and removed modules.
-set -u
-PATH=$1:$PATH init=$2 failures=0 cases=0
-work=$(cd "$(mktemp -d)" && pwd -P)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 2
-export qmr_current_prj_path="$work" LC_ALL=C
-unset lltcovRootpath LLTCOV_ROOT LLT_PROJECT PRODUCT_VERSION
-# shellcheck source=/dev/null
-. "$init"
-
-# expect WHAT EXPECTED ACTUAL
-expect() {
-    cases=$((cases + 1))
-    [ "$2" = "$3" ] && return
-    failures=$((failures + 1))
-    printf 'FAILED %s\nexpected: %s\nactual:   %s\n' "$1" "$2" "$3"
-}
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+enter_project "$work"
 
 # expect_export WHAT STATUS SUMMARY [PATTERN]: the end of the closing line, and what else is said
 expect_export() {
@@ -200,5 +185,4 @@ lltcov export --lcov --project empty -o none.info 2> said
 expect 'a project without modules' '1 holds no module' "$? $(grep -o 'holds no module' said)"
 expect 'and no report of it' '' "$(ls none.info 2> /dev/null)"
 
-echo "$cases cases, $failures failed"
-[ "$failures" -eq 0 ]
+finish

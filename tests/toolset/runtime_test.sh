@@ -1,8 +1,6 @@
 #!/bin/bash
-# usage: runtime_test.sh RUNTIME_SOURCE_DIR RUNTIME_BINARY_DIR
 # Programs that end in every way, and what their dump files add up to.
-set -u
-# shellcheck source=runtime_fixture.sh
+# shellcheck source=tests/toolset/runtime_fixture.sh
 . "$(dirname "$0")/runtime_fixture.sh"
 build static "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
 build static_norelro "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread -Wl,-z,norelro
@@ -99,7 +97,7 @@ int main(int n, char** v)
     return execle("", "", (char*)0, v);
 }
 C
-${CC:-cc} -fprofile-arcs -c replaced.c -o replaced.o
+$compiler -fprofile-arcs -c replaced.c -o replaced.o
 nm "$binaries/liblltcov_rt.a" 2> /dev/null | sed -n 's/.* W \(__gcov_.*\)/\1/p' | sort > ours
 if nm replaced.o | grep -q ' U __gcov_fork'; then # not every compiler replaces all
     nm replaced.o | sed -n 's/.* U \(__gcov_\(fork\|exec.*\)\)$/\1/p' | sort > theirs
