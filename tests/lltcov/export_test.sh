@@ -156,6 +156,14 @@ rm llt_result/*
 ./prog
 expect_export 'and run' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 branches, in 2 sources'
 
+# Who writes a dump holds a lock of it.
+dump=$(echo llt_result/prog_exe.*)
+cp "$dump" whole
+(flock 9 && : >"$dump" && : >held && sleep 0.3 && cat whole >"$dump") 9<"$dump" &
+until [ -e held ]; do sleep 0.01; done
+expect_export 'beside a writer' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 branches, in 2 sources'
+wait
+
 sed -i '1i\/* edited */' lib.c
 expect_export 'edited, not built' 1 '5 of 5 lines hit (100.0 %), 1 of 1 functions, 2 of 2 branches, in 1 sources' \
     "lib.c' has changed since"

@@ -106,6 +106,9 @@ check_row two_forms "" "1*3 0*37" "gcc plain.o -Lsub -L. -lbeta -Wl,-rpath,sub -
 expect "a library of both forms is the shared one" "no" "$([ -d two_forms_exe ] && echo yes || echo no)"
 expect "work areas of one stem" "libbeta libbeta_so" "$(echo libbeta libbeta_so/codemeasure/..* | sed 's|/.*||')"
 
+link libversion gcc -shared beta.o -o libversion.so.1.2
+expect "a library with a version" libversion_so "$(ls -d libversion_*)"
+
 # ld itself, as a compiler driver would call it
 file_of() { gcc -print-file-name="$1"; }
 check_row by_ld "1 0" "1*3 0*37" "ld -static -o by_ld $(file_of crt1.o) $(file_of crti.o) \

@@ -52,10 +52,11 @@ TimerPolicy=1 1
 SignalPolicy=1 1
 END
 
-# --- the array: stub mode, its type in the object
+# --- the array: stub mode, its type in the object; sizes have other units, so each mode has its own symbol
 while read -r mode type; do
     compile "$mode" -I "$work/user"
     expect "mode $mode" "$type" "$(nm "$work/a.o" | awk '/ g_QMRCovData_/ { print $(NF - 1) }')"
+    nm "$work/a.o" | grep -o 'g_QMRCovData_.*' >>symbols
 done <<'END'
 0 U
 1 U
@@ -65,6 +66,7 @@ done <<'END'
 8 C
 9 C
 END
+expect 'symbols of 7 modes' 7 "$(sort -u symbols | wc -l)"
 
 # --- headers: the compiler's own are not counted, the user's are, wherever the compiler is told of them
 for option in -I -iquote -isystem; do

@@ -49,7 +49,8 @@ of 0|0||_exit
 0=2 of 2|0||vfork_exec
 0=1 2=50 3=1600 of 1|0||threads
 0=1 of 1|0||closed
-0=1 6=1 of 1|0|TEST_TIMER=1|wait
+0=1 6=1 of 1|0|TEST_TIMER=1,60|wait
+0=1 6=1 of 1|0|TEST_TIMER=60,1|wait
 0=1 6=1 of 2|0|TEST_TIMER=1|wait daemon
 of 0|0|TEST_TIMER=0|wait
 0=1 of 1|0|TEST_SIGNAL=10|raise 10
