@@ -1,14 +1,14 @@
 # shellcheck shell=bash
-# shellcheck disable=SC2154 # work and toolset are those of the sourcing script
+# shellcheck disable=SC2154 # work is that of the sourcing script
 # Builds a program with `gcc --coverage` and through lltwrapper and the tool set, and compares what
-# gcov and lltcov say of it. To be sourced, with `work` set to a temporary folder, `toolset` to
-# toolset and the programs first on PATH.
+# gcov and lltcov say of it. To be sourced after common.sh.
 # Verdicts are sorted rows. Fields are separated by tabs; files are those below the project's folder,
 # relative to it:
 #     line FILE LINE COUNT            added up over functions and objects
 #     start FILE FUNCTION LINE        assembler name
 #     function FILE FUNCTION COUNT
 #     branches FILE LINE COUNT...     a row for each function that has branches in the line
+set -o pipefail
 
 # logged COMMAND...: quiet while all is well
 logged() {
@@ -38,9 +38,7 @@ with_gcov() {
 with_lltcov() {
     fresh_tree "$1"
     (
-        export LLT_PROJECT=$work/tree
-        # shellcheck source=toolset/TUSK_INIT.SH
-        . "$toolset/TUSK_INIT.SH"
+        enter_project "$work/tree"
         CC="lltwrapper ${3:-}gcc ${4:-}" CXX="lltwrapper ${3:-}g++ ${4:-}" \
             AR="lltwrapper -artool ${3:-}ar -arsuffix .a ${3:-}ar" logged bash -ec "$2" &&
             logged lltcov export --lcov -o "$work/report.info"

@@ -7,26 +7,17 @@
 # usage: compare_gcov.sh PROGRAMS PROJECT [FLAGS]     PROGRAMS: the folder of lltwrapper and lltcov;
 #        PROJECT: a row of examples/projects.sh; FLAGS: CFLAGS and CXXFLAGS, else the project's own
 # Exit status 77: jq is missing or the project cannot be fetched.
-set -euo pipefail
-unset CDPATH MAKEFLAGS CC CXX AR CFLAGS CXXFLAGS CPPFLAGS LDFLAGS "${!qmr_@}" "${!llt@}" "${!LLT@}"
-export LC_ALL=C CCACHE_DISABLE=1
-
-programs=$1 project=$2
-if [ $# -gt 2 ]; then
-    export CFLAGS=$3 CXXFLAGS=$3
-fi
-tests=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-work=$(mktemp -d /tmp/compare_gcov.XXXXXX)
-trap 'rm -rf "$work"' EXIT
-# shellcheck source=examples/projects.sh
-. "$tests/../../examples/projects.sh"
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+set -e
 # shellcheck source=tests/toolset/against_gcov.sh
-. "$tests/against_gcov.sh"
-
-skip() {
-    echo "skipped: $*"
-    exit 77
-}
+. "$root/tests/toolset/against_gcov.sh"
+# shellcheck source=examples/projects.sh
+. "$root/examples/projects.sh"
+project=$1
+if [ $# -gt 1 ]; then
+    export CFLAGS=$2 CXXFLAGS=$2
+fi
 
 # Compilers that measure coverage while LLT_WRAP is on, as the shims of lltcov do.
 gcov_shims() {
@@ -53,8 +44,9 @@ build() {
 # move the arguments of programs.
 run_tests() {
     cd "$work/tree"
+    # shellcheck disable=SC2016 # arguments of the inner shell
     PATH=$work/shims:$PATH LLT_WRAP=1 LD_PRELOAD=$work/steady.so logged setarch -R bash -ec \
-        '. "$1" && test_project "$2"' run "$tests/../../examples/projects.sh" "$project"
+        '. "$1" && test_project "$2"' run "$root/examples/projects.sh" "$project"
 }
 
 # ask_gcov NAME: NAME.rows
@@ -78,18 +70,16 @@ compare() {
 }
 
 shopt -s nullglob
-command -v jq >/dev/null || skip 'jq is missing'
+needs jq
 get_project "$project" "$work/source" || skip "no sources of $project"
-gcc -O1 -fPIC -shared -o "$work/steady.so" "$tests/steady.c"
-export LLT_PROJECT=$work/project
-# shellcheck source=toolset/TUSK_INIT.SH
-. "$tests/../../toolset/TUSK_INIT.SH"
+gcc -O1 -fPIC -shared -o "$work/steady.so" "$root/tests/toolset/steady.c"
+enter_project "$work/project"
 
 ask_gcov gcov
-logged "$programs/lltcov" shims "$work/shims"
+logged lltcov shims "$work/shims"
 build
 run_tests
-logged "$programs/lltcov" export --lcov -o "$work/report.info"
+logged lltcov export --lcov -o "$work/report.info"
 tracefile_verdicts "$work/tree" <"$work/report.info" >"$work/lltcov.rows"
 for bytes in 1 2 3; do
     if compare; then break; fi
@@ -97,4 +87,4 @@ for bytes in 1 2 3; do
 done
 compare && status=0 || status=1
 sed "\$s/^/$project ${CFLAGS:-}: /" "$work/result"
-exit $status
+exit "$status"

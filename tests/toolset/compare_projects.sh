@@ -7,7 +7,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 programs=$1
 shift
 if [ $# = 0 ]; then
-    # shellcheck source=../../examples/projects.sh
+    # shellcheck source=examples/projects.sh
     . "$here/../../examples/projects.sh"
     mapfile -t names < <(projects | cut -d ' ' -f 1)
     set -- "${names[@]}"

@@ -1,18 +1,13 @@
-#!/bin/sh
+#!/bin/bash
 # A project through the whole chain, built again after one change at a time: what the report shows
 # then must be the sources as they are, with the counts of runs of this build alone.
-# usage: rebuild_test.sh LLTCOV TUSK_INIT.SH
-set -eu
-lltcov=$1 init=$2
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cases=0 failures=0
-unset CC CFLAGS MAKEFLAGS LLT_PROJECT LLTCOV_ROOT
-mkdir "$work/project"
-cd "$work/project"
-PATH=${lltcov%/*}:$PATH
-# shellcheck source=toolset/TUSK_INIT.SH
-. "$init"
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+set -e
+said=$work/err
+mkdir project
+cd project
+enter_project "$PWD"
 lltcov shims "$work/shims" >"$work/log"
 PATH=$work/shims:$PATH
 export LLT_WRAP=1
@@ -35,14 +30,8 @@ shown() {
         END { for (name in lines) print name lines[name] }' "$work/info" | sort
 }
 
-# expect WHAT ACTUAL EXPECTED
-expect() {
-    cases=$((cases + 1))
-    [ "$2" = "$3" ] && return
-    failures=$((failures + 1))
-    printf 'FAILED %s\n  expected:\n%s\n  actual:\n%s\n' "$1" "$3" "$2"
-    cat "$work/err"
-}
+# shows WHAT EXPECTED
+shows() { expect "$1" "$2" "$(shown)"; }
 
 cat >shape.h <<'C'
 static inline int twice(int x)
@@ -98,51 +87,51 @@ shape.h 1:0 3:0
 volume.c 2:0 4:0 6:0 8:0'
 
 build
-expect 'a build that never ran' "$(shown)" "$never_run"
+shows 'a build that never ran' "$never_run"
 run
-expect 'a build and two runs' "$(shown)" "$area
+shows 'a build and two runs' "$area
 $others"
 build
-expect 'nothing to do' "$(shown)" "$area
+shows 'nothing to do' "$area
 $others"
 
 rm libshape.a prog
 sleep 1 # a build id holds the time in seconds
 build
-expect 'the library made again of the same objects' "$(shown)" "$never_run"
+shows 'the library made again of the same objects' "$never_run"
 run
-expect 'and run, beside the dumps of the build before' "$(shown)" "$area
+shows 'and run, beside the dumps of the build before' "$area
 $others"
-expect 'which are refused' "$(grep -c 'refused dumps\| of build' "$work/err")" 2
+expect 'which are refused' 2 "$(grep -c 'refused dumps\| of build' "$work/err")"
 lltcov clean >/dev/null
 
 printf '/* A rectangle. */\nint area(int w, int h)\n{\n    return w * h;\n}\n' >area.c
-expect 'an edited source before the build' "$(shown)" "$(echo "$never_run" | grep -v area)"
+shows 'an edited source before the build' "$(echo "$never_run" | grep -v area)"
 build
 run
-expect 'and after it: no line of the old text' "$(shown)" "area.c 2:2 4:2
+shows 'and after it: no line of the old text' "area.c 2:2 4:2
 $others"
-expect 'without a complaint' "$(lltcov status >"$work/err" 2>&1; echo $?)" 0
+expect 'without a complaint' 0 "$(lltcov status >"$work/err" 2>&1; echo $?)"
 
 lltcov clean >/dev/null
 touch shape.h
 build
 run
-expect 'a touched header' "$(shown)" "area.c 2:2 4:2
+shows 'a touched header' "area.c 2:2 4:2
 $others"
 
 lltcov clean >/dev/null
 mv area.c region.c
 build
 run
-expect 'a renamed source' "$(shown)" "$(echo "$others" | sed '1a region.c 2:2 4:2')"
+shows 'a renamed source' "$(echo "$others" | sed '1a region.c 2:2 4:2')"
 
 lltcov clean >/dev/null
 touch ./*.c
 build -B
 build
 run
-expect 'everything compiled again' "$(shown)" "$(echo "$others" | sed '1a region.c 2:2 4:2')"
+shows 'everything compiled again' "$(echo "$others" | sed '1a region.c 2:2 4:2')"
 
 # One library built in two folders, by two options: both share one work area, the second one has it.
 lltcov clean --all >/dev/null
@@ -178,16 +167,15 @@ one/prog && one/prog
 two/prog && exit 1
 both='main.c 2:3
 region.c 1:3 4:1 6:3 8:0 10:0'
-expect 'a library built in two folders' "$(shown)" "$both"
-expect 'each of them in the table' "$(lltcov status | grep -c '/libshape.a$')" 2
+shows 'a library built in two folders' "$both"
+expect 'each of them in the table' 2 "$(lltcov status | grep -c '/libshape.a$')"
 rm one/libshape.a one/prog
 sleep 1
 build one/prog
-expect 'the first one made again' "$(shown)" 'main.c 2:1
+shows 'the first one made again' 'main.c 2:1
 region.c 1:1 4:1 6:1 8:0 10:0'
 one/prog
-expect 'and run' "$(shown)" 'main.c 2:2
+shows 'and run' 'main.c 2:2
 region.c 1:2 4:1 6:2 8:0 10:0'
 
-echo "$((cases - failures)) passed, $failures failed"
-[ $failures = 0 ]
+finish

@@ -49,7 +49,7 @@ void by_exec(char** argv)
         __gcov_execl(self, LIST);
     } else if (strcmp(how, "lp") == 0) {
         __gcov_execlp(self, LIST);
-    } else if (__gcov_execl("/nowhere", self, (char*)NULL) == -1 && errno == ENOENT) {
+    } else if (__gcov_execl("./nowhere", self, (char*)NULL) == -1 && errno == ENOENT) {
         hit(2); /* and the program goes on */
     }
 }

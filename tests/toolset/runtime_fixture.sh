@@ -1,18 +1,14 @@
 # shellcheck shell=bash
-# Programs that count, and what their dump files add up to. $1 and $2 are the folders of the
-# runtime's sources and libraries; what follows happens in a fresh directory.
-sources=$1
-export binaries=$2
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-work=$(mktemp -d)
-trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
-cd "$work" || exit 2
-passed=0 failed=0
+# Programs that count, and what their dump files add up to. To be sourced.
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+sources=$root/toolset/runtime
+export binaries=$programs/lib/lltcov here=$root/tests/toolset
 
 build() { # build OUTPUT OPTION...
     output=$1
     shift
-    ${CC:-cc} -std=gnu99 -O1 -Wall -Wextra -Wno-unused-parameter -I"$sources" \
+    $compiler -std=gnu99 -O1 -Wall -Wextra -Wno-unused-parameter -I"$sources" \
         "$here/runtime_program.c" "$@" -o "$output" || exit 2
 }
 export exec_part=$here/runtime_exec.c
@@ -37,20 +33,7 @@ sums() {
             print "of " runs + 0 }'
 }
 
+# shellcheck disable=SC2120 # arguments are optional
 files() { # files [PATTERN]
     find root -type f -name "${1:-*.lltcov}" | wc -l
-}
-
-expect() { # expect WHAT EXPECTED ACTUAL
-    if [ "$2" = "$3" ]; then
-        passed=$((passed + 1))
-    else
-        failed=$((failed + 1))
-        printf 'FAILED %s\n  expected: %s\n  actual:   %s\n' "$1" "$2" "$3"
-    fi
-}
-
-finish() {
-    printf '%d passed, %d failed\n' "$passed" "$failed"
-    exit $((failed > 0))
 }

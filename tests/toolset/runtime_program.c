@@ -44,7 +44,9 @@ __attribute__((constructor)) static void start(void)
     const char* value = getenv("TEST_TIMER");
     TUSK_CovSetCompilePolicy(0);
     if (value != NULL) {
+        const char* other = strchr(value, ',');
         TUSK_CovSetTimerPolicy(atoi(value));
+        TUSK_CovSetTimerPolicy(other != NULL ? atoi(other + 1) : 0);
     }
     if ((value = getenv("TEST_SIGNAL")) != NULL) {
         TUSK_CovSetSignalPolicy(atoi(value));

@@ -1,8 +1,6 @@
 #!/bin/bash
-# usage: runtime_test.sh RUNTIME_SOURCE_DIR RUNTIME_BINARY_DIR
 # Programs that end in every way, and what their dump files add up to.
-set -u
-# shellcheck source=runtime_fixture.sh
+# shellcheck source=tests/toolset/runtime_fixture.sh
 . "$(dirname "$0")/runtime_fixture.sh"
 build static "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
 build static_norelro "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread -Wl,-z,norelro
@@ -51,7 +49,8 @@ of 0|0||_exit
 0=2 of 2|0||vfork_exec
 0=1 2=50 3=1600 of 1|0||threads
 0=1 of 1|0||closed
-0=1 6=1 of 1|0|TEST_TIMER=1|wait
+0=1 6=1 of 1|0|TEST_TIMER=1,60|wait
+0=1 6=1 of 1|0|TEST_TIMER=60,1|wait
 0=1 6=1 of 2|0|TEST_TIMER=1|wait daemon
 of 0|0|TEST_TIMER=0|wait
 0=1 of 1|0|TEST_SIGNAL=10|raise 10
@@ -99,7 +98,7 @@ int main(int n, char** v)
     return execle("", "", (char*)0, v);
 }
 C
-${CC:-cc} -fprofile-arcs -c replaced.c -o replaced.o
+$compiler -fprofile-arcs -c replaced.c -o replaced.o
 nm "$binaries/liblltcov_rt.a" 2> /dev/null | sed -n 's/.* W \(__gcov_.*\)/\1/p' | sort > ours
 if nm replaced.o | grep -q ' U __gcov_fork'; then # not every compiler replaces all
     nm replaced.o | sed -n 's/.* U \(__gcov_\(fork\|exec.*\)\)$/\1/p' | sort > theirs

@@ -1,29 +1,23 @@
 #!/bin/bash
 # lltcov doctor and lltcov clean on a small project that is built through shims: a sound project is
 # called so, each fault is found alone, and clean removes what the build and the runs left.
-# usage: lltcov_doctor.sh LLTCOV TUSK_INIT.SH
-set -eu
-lltcov=$1 init=$2
-tmp=$(mktemp -d)
-trap 'rm -rf "$tmp"' EXIT
-cd "$tmp"
-unset LLT_PROJECT LLT_TOOLSET LLTCOV_ROOT qmr_current_prj_path lltcovRootpath LLT_WRAP
-failures=0
+# shellcheck disable=SC2016 # texts that are evaluated later
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+set -e
+said=$work/out
 
-fail() {
-    echo "FAILED: $*" >&2
-    cat "$tmp/out" >&2
-    failures=$((failures + 1))
-}
+# status COMMAND...: its exit status; what it says is in $said
+status() { "$@" >"$said" 2>&1 && echo 0 || echo $?; }
 
 # finds TEXT BREAK [MEND]: after BREAK, the doctor's only findings have TEXT (a pattern)
 finds() {
     eval "$2" # variables that it sets are the test's own again after MEND
-    if "$lltcov" doctor >"$tmp/out" 2>&1; then fail "'$2' is not found"; fi
-    grep -q -e "$1" "$tmp/out" || fail "'$2' does not give '$1'"
-    if grep -v -e "$1" "$tmp/out"; then fail "'$2' gives other findings too"; fi
+    expect "'$2' is found" 1 "$(status lltcov doctor)"
+    expect "'$2' gives '$1'" yes "$(grep -q -e "$1" "$said" && echo yes)"
+    expect "'$2' gives nothing else" '' "$(grep -v -e "$1" "$said")"
     eval "${3:-}"
-    "$lltcov" doctor >"$tmp/out" 2>&1 || fail "'${3:-}' does not mend '$2'"
+    expect "'${3:-}' mends '$2'" 0 "$(status lltcov doctor)"
 }
 
 # sets TEXT NAME VALUE: the same for a variable
@@ -35,19 +29,18 @@ cd project
 echo 'int twice(int a) { return a + a; }' >twice.c
 echo 'int twice(int); int main(void) { return twice(21) != 42; }' >main.c
 export lltwrapper_cfg=0
-# shellcheck disable=SC1090
-. "$init"
-"$lltcov" shims "$tmp/shims" >"$tmp/out"
-PATH=$tmp/shims:$PATH
+enter_project "$PWD"
+lltcov shims "$work/shims" >"$said"
+PATH=$work/shims:$PATH
 export LLT_WRAP=1
 build() {
     rm -f libtwice.a llt_result/*
-    { gcc -c twice.c && ar rcs libtwice.a twice.o && gcc -o main main.c libtwice.a; } >"$tmp/out" 2>&1
+    { gcc -c twice.c && ar rcs libtwice.a twice.o && gcc -o main main.c libtwice.a; } >"$said" 2>&1
     ./main
 }
-build || fail 'the project is not built'
-"$lltcov" doctor >"$tmp/out" 2>&1 || fail 'a sound project has findings'
-grep -q '^nothing found: 2 modules' "$tmp/out" || fail 'a sound project is not called so'
+build
+expect 'a sound project' 0 "$(status lltcov doctor)"
+expect 'is called so' 'nothing found: 2 modules' "$(grep -o '^nothing found: 2 modules' "$said")"
 
 # --- settings
 finds 'TimerPolicy is not set; source' 'unset TimerPolicy' 'export TimerPolicy=0'
@@ -60,23 +53,23 @@ finds "SignalNUM is '65'" 'SignalPolicy=1 SignalNUM=65' 'SignalPolicy=0 SignalNU
 sets "settings: lltwrapper_cfg is '5'" lltwrapper_cfg 5
 sets "settings: LLTCOV_COUNT is 'all'; set it to one of lines branches conditions" LLTCOV_COUNT all
 sets "project path: qmr_current_prj_path '.' is relative" qmr_current_prj_path .
-ln -s "$tmp/project" "$tmp/a b"
-sets 'project path: .* has a blank' qmr_current_prj_path "'$tmp/a b'"
-sets "project path: .*gone' does not exist" qmr_current_prj_path "$tmp/gone"
+ln -s "$work/project" "$work/a b"
+sets 'project path: .* has a blank' qmr_current_prj_path "'$work/a b'"
+sets "project path: .*gone' does not exist" qmr_current_prj_path "$work/gone"
 finds 'sockets: .*g_TUSKSockBindPort for the stub of libtwice' 'LLT_DISABLE_SOCKET=0' \
     'LLT_DISABLE_SOCKET=1'
-finds "places: '.*nowhere', where programs write" 'lltcovRootpath=$tmp/nowhere' \
+finds "places: '.*nowhere', where programs write" 'lltcovRootpath=$work/nowhere' \
     'lltcovRootpath=$PWD/llt_result'
 
 # --- tools
 finds "shims: '.*shims' is on PATH, but LLT_WRAP is off" 'LLT_WRAP=0' 'LLT_WRAP=1'
-finds "shims: '/[^']*gcc' stands before its shim" 'was=$PATH && PATH=$tmp/other:$PATH &&
-    ln -s "$(sed -n "s/^real=\([^ ]*\) .*/\1/p" "$tmp/shims/gcc")" "$tmp/other/gcc"' 'PATH=$was'
+finds "shims: '/[^']*gcc' stands before its shim" 'was=$PATH && PATH=$work/other:$PATH &&
+    ln -s "$(sed -n "s/^real=\([^ ]*\) .*/\1/p" "$work/shims/gcc")" "$work/other/gcc"' 'PATH=$was && rm "$work/other/gcc"'
 finds "shims: '.*odd-elf-gnu-gcc' stands for .*'/nowhere/gcc', which is gone" \
-    'sed "s|^# Shim of lltcov: [^,]*|# Shim of lltcov: /nowhere/gcc|" "$tmp/shims/gcc" \
-        >"$tmp/shims/odd-elf-gnu-gcc"' 'rm "$tmp/shims/odd-elf-gnu-gcc"'
-finds "programs: '.*other/lltcc' is used, not" 'was=$PATH && PATH=$PATH:$tmp/other &&
-    cp "$tmp/shims/gcc" "$tmp/other/lltcc"' 'PATH=$was'
+    'sed "s|^# Shim of lltcov: [^,]*|# Shim of lltcov: /nowhere/gcc|" "$work/shims/gcc" \
+        >"$work/shims/odd-elf-gnu-gcc"' 'rm "$work/shims/odd-elf-gnu-gcc"'
+finds "programs: '.*other/lltcc' is used, not" 'was=$PATH && PATH=$work/other:$PATH &&
+    cp "$work/shims/gcc" "$work/other/lltcc"' 'PATH=$was'
 finds "programs: LLTCOV_RUNTIME names '/nowhere'" 'export LLTCOV_RUNTIME=/nowhere' \
     'unset LLTCOV_RUNTIME'
 
@@ -109,39 +102,37 @@ finds "leftovers: '.*/.lltwrapper-aB3dE6'" 'mkdir sub.d && touch -d "1 hour ago"
 # cleans WORDS TEXT: lltcov clean WORDS prints TEXT last
 cleans() {
     # shellcheck disable=SC2086
-    "$lltcov" clean $1 >"$tmp/out" 2>&1 || fail "clean $1"
-    [ "$(tail -n 1 "$tmp/out")" = "$2" ] || fail "clean $1 does not say '$2'"
+    expect "clean $1" 0 "$(status lltcov clean $1)"
+    expect "clean $1 says" "$2" "$(tail -n 1 "$said")"
 }
 
 lists() { find . -type f | sort; }
 
-root=$PWD
+project=$PWD
 sed "s|^area .*|area /elsewhere/libtwice/codemeasure|" "$dump" >llt_result/foreign.1.0.lltcov
-cp "$dump" "$tmp/target" && ln -s "$tmp/target" llt_result/link.1.0.lltcov
+cp "$dump" "$work/target" && ln -s "$work/target" llt_result/link.1.0.lltcov
 echo 'cut' >llt_result/cut.1.0.lltcov
 : >llt_result/.libtwice.Q1121104110.1a2b.2.lltcov.tmp
 : >llt_result/notes.txt
 mkdir -p linked/codemeasure real && cp libtwice/codemeasure/.prj linked/codemeasure
-mv linked "$tmp/linked" && ln -s "$tmp/linked" linked
+mv linked "$work/linked" && ln -s "$work/linked" linked
 : >libtwice/mine.c
-lists >"$tmp/before"
+lists >"$work/before"
 mkdir -p plain/codemeasure/db && mv main main.saved
-cleans '--dry-run --gone' "would remove 1 dumps, 1 work areas of '$root'"
+cleans '--dry-run --gone' "would remove 1 dumps, 1 work areas of '$project'"
 mv main.saved main
-cleans --gone "removed 0 dumps of '$root'"
-lists | cmp - "$tmp/before" || fail 'clean --gone removes what is there'
-cleans '--dry-run --all' "would remove 3 dumps, 3 work areas, LLTTEMP of '$root'"
-lists | cmp - "$tmp/before" || fail 'a dry run changes files'
-cleans '' "removed 3 dumps of '$root'"
-[ "$(ls -A llt_result | tr '\n' ' ')" = 'foreign.1.0.lltcov link.1.0.lltcov notes.txt ' ] ||
-    fail "clean leaves $(ls -A llt_result)"
-[ -d "$records" ] || fail 'clean removes LLTTEMP'
-cleans --all "removed 0 dumps, 3 work areas, LLTTEMP of '$root'"
-[ -e libtwice/mine.c ] && [ -e "$tmp/linked/codemeasure/.prj" ] && [ -e "$tmp/target" ] ||
-    fail 'clean removes what is not its own'
-[ ! -e libtwice/codemeasure ] && [ ! -e main_exe ] && [ ! -e plain ] && [ ! -e LLTTEMP ] || fail 'clean leaves areas'
+cleans --gone "removed 0 dumps of '$project'"
+expect 'clean --gone leaves what is there' "$(cat "$work/before")" "$(lists)"
+cleans '--dry-run --all' "would remove 3 dumps, 3 work areas, LLTTEMP of '$project'"
+expect 'a dry run changes no file' "$(cat "$work/before")" "$(lists)"
+cleans '' "removed 3 dumps of '$project'"
+expect 'clean leaves' 'foreign.1.0.lltcov link.1.0.lltcov notes.txt' "$(find llt_result -type f -o -type l | sed "s|.*/||" | sort | xargs)"
+expect 'and LLTTEMP' "$records" "$(ls -d "$records")"
+cleans --all "removed 0 dumps, 3 work areas, LLTTEMP of '$project'"
+expect 'clean --all leaves what is not its own' "libtwice/mine.c $work/linked/codemeasure/.prj $work/target" \
+    "$(echo libtwice/* "$work"/linked/*/.prj "$work"/targe*)"
+expect 'and no areas' '' "$(ls -d libtwice/codemeasure main_exe plain LLTTEMP 2>/dev/null)"
 rm linked
-if "$lltcov" clean --all >"$tmp/out" 2>&1; then fail 'clean of what is no project'; fi
-grep -q 'is no project' "$tmp/out" || fail 'no word about what is no project'
-
-[ "$failures" = 0 ] || exit 1
+expect 'clean of what is no project' 1 "$(status lltcov clean --all)"
+expect 'is said' 'is no project' "$(grep -o 'is no project' "$said")"
+finish

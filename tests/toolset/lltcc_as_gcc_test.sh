@@ -1,13 +1,9 @@
-#!/bin/sh
-# lltcc LLTCC [COMPILER]: each command of the table runs plainly and through lltcc, in two copies of
-# one directory. Exit status, names of the files left, dependency files and diagnostics have to be
-# the same; the first column says how many sources have to be instrumented.
-set -u
-lltcc=$1
-compiler=${2:-gcc}
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-export LC_ALL=C
+#!/bin/bash
+# Each command of the table runs plainly and through lltcc, in two copies of one directory. Exit
+# status, names of the files left, dependency files and diagnostics have to be the same; the first
+# column says how many sources have to be instrumented.
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
 
 make_sources() {
     mkdir -p "$1/sub/out" && cd "$1" || exit 1
@@ -30,12 +26,6 @@ printf '#!/bin/sh\nexec "$@"\n' >"$work/bin/ccache"
 chmod +x "$work/bin/ccache"
 PATH=$work/bin:$PATH
 
-failures=0
-fail() {
-    failures=$((failures + 1))
-    echo "FAILED: $*"
-}
-
 # Of the diagnostics only names of temporary files may differ.
 diagnostics() {
     sed -e '/^lltcc: /d' -e 's,/tmp/[^ :]*\.s:,TEMP:,' -e 's,{standard input}:,TEMP:,' \
@@ -50,24 +40,23 @@ check() {
     (make_sources "$work/cover")
     (cd "$work/plain" && eval "$compiler $*" 2>"$work/plain.err")
     plain=$?
-    (cd "$work/cover" && eval "'$lltcc' -qmr_current_prj_path '$work/project' -projectname LLTTEMP \
+    (cd "$work/cover" && eval "lltcc -qmr_current_prj_path '$work/project' -projectname LLTTEMP \
         -qmr_coverage_stub_mold 1 $compiler $*" 2>"$work/cover.err")
     cover=$?
-    [ "$plain" = "$cover" ] || fail "$*: status $cover, not $plain"
+    expect "$*: status" "$plain" "$cover"
     for side in plain cover; do
         (cd "$work/$side" && find . -type f | sort) >"$work/$side.files"
         (cd "$work/$side" && find . -name '*.d' -o -name '*.dep' | sort | xargs -r cat) >"$work/$side.deps"
         diagnostics "$work/$side.err" >"$work/$side.said"
     done
     for what in files deps said; do
-        diff "$work/plain.$what" "$work/cover.$what" || fail "$*: other $what"
+        expect "$*: $what" "$(cat "$work/plain.$what")" "$(cat "$work/cover.$what")"
     done
-    found=$(ls "$work/project/LLTTEMP/codemeasure/ini" 2>/dev/null | wc -l)
-    [ "$found" = "$records" ] || fail "$*: $found sources instrumented, not $records"
+    found=$(find "$work/project/LLTTEMP/codemeasure/ini" -type f 2>/dev/null | wc -l)
+    expect "$*: instrumented sources" "$records" "$found"
     symbols=$(cd "$work/cover" && find . -name '*.o' -exec nm {} + 2>/dev/null | grep -c g_QMRCovData_)
-    [ "$symbols" = "$records" ] || fail "$*: $symbols counter arrays, not $records"
-    said=$(grep -c '^lltcc: ' "$work/cover.err")
-    [ "$said" -le 1 ] || fail "$*: $said notices"
+    expect "$*: counter arrays" "$records" "$symbols"
+    expect "$*: notices after the first" '' "$(grep '^lltcc: ' "$work/cover.err" | sed 1d)"
 }
 
 while read -r records command; do
@@ -114,5 +103,4 @@ END
 compiler="ccache $compiler"
 check 1 '-c -O2 a.c'
 check 0 '-c s.s'
-echo "$failures failures"
-[ "$failures" = 0 ]
+finish

@@ -2,19 +2,14 @@
 # The tool set on the compiler's targets, by cross compilers and emulators: examples/hello has to
 # have the lines, functions, branches and counts that gcov of the same compiler reports of the same
 # tests, and without optimisation the lines that ran of the machine itself.
-# usage: targets_test.sh PROGRAMS [TARGET...]     PROGRAMS: the folder of lltwrapper, lltcc and
+# usage: compare_targets.sh PROGRAMS [TARGET...]     PROGRAMS: the folder of lltwrapper, lltcc and
 #        lltcov; a target without its compiler is skipped, with STRICT=1 it fails
-set -euo pipefail
-unset CDPATH MAKEFLAGS CC CXX AR CFLAGS CXXFLAGS CPPFLAGS LDFLAGS "${!qmr_@}" "${!llt@}" "${!LLT@}"
-export LC_ALL=C CCACHE_DISABLE=1
-tests=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-toolset=$tests/../../toolset
-work=$(mktemp -d /tmp/targets.XXXXXX)
-trap 'rm -rf "$work"' EXIT
-PATH=$(cd "$1" && pwd):$PATH
-shift
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+set -e
 # shellcheck source=tests/toolset/against_gcov.sh
-. "$tests/against_gcov.sh"
+. "$root/tests/toolset/against_gcov.sh"
+toolset=$root/toolset
 
 # name, prefix of the tools, program that runs the code, stub modes, options
 targets() {

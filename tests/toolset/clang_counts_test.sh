@@ -1,22 +1,18 @@
-#!/bin/sh
+#!/bin/bash
 # Programs that clang compiled, once for its own tools and once through the whole chain: every line,
 # function and branch must have the same count in both reports.
-# usage: clang_test.sh LLTCOV TUSK_INIT.SH [CLANG]
-set -eu
-lltcov=$1 init=$2 clang=${3:-clang}
+# usage: clang_counts_test.sh PROGRAMS [CLANG]
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+set -e
+clang=${1:-clang} said=$work/err
+needs "$clang"
 # The tools of this clang are beside its program, in a folder of its version.
-command -v "$clang" >/dev/null || exit 77
 tools=$(dirname "$(readlink -f "$(command -v "$clang")")")
-[ -x "$tools/llvm-profdata" ] && [ -x "$tools/llvm-cov" ] || exit 77
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cases=0 failures=0
-unset CC CXX CFLAGS CXXFLAGS MAKEFLAGS LLT_PROJECT LLTCOV_ROOT
-mkdir "$work/project" "$work/native"
-cd "$work/project"
-PATH=${lltcov%/*}:$PATH
-# shellcheck source=toolset/TUSK_INIT.SH
-. "$init"
+needs "$tools/llvm-profdata" "$tools/llvm-cov"
+mkdir project native
+cd project
+enter_project "$PWD"
 
 cat >sum.h <<'C'
 #define TWICE(x) ((x) + (x))
@@ -185,21 +181,18 @@ counts() {
         $1 == "BRDA" { print name, "branch", $2, first, $5; first = "" }' "$1" | sort
 }
 
-# expect WHAT: of the report in "$work/info" what is in "$work/expected"
-expect() {
+# is_expected WHAT: of the report in "$work/info" what is in "$work/expected"
+is_expected() {
     counts "$work/info" >"$work/actual"
-    cases=$((cases + 1))
-    [ -s "$work/expected" ] && diff "$work/expected" "$work/actual" >"$work/differences" && return
-    failures=$((failures + 1))
-    echo "FAILED $1 (< clang's own tools)"
-    cat "$work/differences" "$work/err"
+    expect_file "$1" "$work/expected" "$work/actual"
 }
 
 # compare WHAT [FLAG...]: the driver leaves link-time optimisation out, so clang's own build has none
 compare() {
     what=$1
     shift
-    native=$(echo "$*" | sed 's/-flto//')
+    native="$*"
+    native=${native/-flto/}
     build "$native -fprofile-instr-generate -fcoverage-mapping" "CC=$clang" "CXX=$clang++" AR=ar \
         LINK="$native -fprofile-instr-generate"
     rm -f "$work"/native/*
@@ -212,7 +205,7 @@ compare() {
     run
     lltcov export --lcov -o "$work/info" 2>"$work/err" || true
     counts "$work/native/info" >"$work/expected"
-    expect "$what"
+    is_expected "$what"
 }
 
 compare 'as it is' -O0
@@ -224,12 +217,11 @@ compare 'for link-time optimisation' -O2 -flto
 
 LLTCOV_COUNT=lines lltcov export --lcov -o "$work/info" 2>"$work/err" || true
 sed -i '/ branch /d' "$work/expected"
-expect 'without branches'
+is_expected 'without branches'
 
 touch sum.h
 lltcov export --lcov -o "$work/info" 2>"$work/err" || true
 counts "$work/native/info" | sed '/^sum.h /d' >"$work/expected"
-expect 'a changed header, whose lines are left out'
+is_expected 'a changed header, whose lines are left out'
 
-echo "$((cases - failures)) passed, $failures failed"
-[ $failures = 0 ]
+finish

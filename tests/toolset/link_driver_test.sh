@@ -1,16 +1,13 @@
-#!/bin/sh
-# usage: lltld_test.sh LINK_DRIVER LLTWRAPPER RUNTIME_ARCHIVE
+#!/bin/bash
 # Every kind of link that builds make, run and its counts compared.
-set -u
-PROJECT=$(mktemp -d)
-trap 'rm -rf "$PROJECT"' EXIT
-mkdir "$PROJECT/bin"
-cp "$1" "$PROJECT/bin/lltld"
-DRIVER=$PROJECT/bin/lltld WRAPPER=$2
-export LLTCOV_RUNTIME="$3"
-# shellcheck source=lltld_fixture.sh
-. "$(dirname "$0")/lltld_fixture.sh"
-cd "$PROJECT" || exit 2
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+mkdir bin
+cp "$programs/lltld" bin
+driver=$work/bin/lltld said=$work/link.err
+export LLTCOV_RUNTIME=$programs/lib/lltcov/liblltcov_rt.a
+# shellcheck source=tests/toolset/link_driver_fixture.sh
+. "$root/tests/toolset/link_driver_fixture.sh"
 
 source_of main <<'C'
 int beta(int);
@@ -42,7 +39,7 @@ gcc -c format.c
 instrumented main 2
 instrumented beta 40 -O2
 
-wrapped_ar() { "$WRAPPER" -artool ar -arsuffix .a ar "$@" > /dev/null 2>&1; }
+wrapped_ar() { lltwrapper -artool ar -arsuffix .a ar "$@" > /dev/null 2>&1; }
 wrapped_ar rcs libbeta.a beta.o
 mkdir sub twin raw conv
 wrapped_ar rcs conv/libconv.a beta.o other.o
@@ -108,6 +105,9 @@ expect "a plain program reports the library's counts" "1*3 0*37" "$(counts libbe
 check_row two_forms "" "1*3 0*37" "gcc plain.o -Lsub -L. -lbeta -Wl,-rpath,sub -o two_forms"
 expect "a library of both forms is the shared one" "no" "$([ -d two_forms_exe ] && echo yes || echo no)"
 expect "work areas of one stem" "libbeta libbeta_so" "$(echo libbeta libbeta_so/codemeasure/..* | sed 's|/.*||')"
+
+link libversion gcc -shared beta.o -o libversion.so.1.2
+expect "a library with a version" libversion_so "$(ls -d libversion_*)"
 
 # ld itself, as a compiler driver would call it
 file_of() { gcc -print-file-name="$1"; }
@@ -207,7 +207,7 @@ link no_stub gcc main.o beta.o -o no_stub
 expect "a stub that does not compile" "no coverage" "$(grep -o 'no coverage' link.err)"
 printf 'gcc -g' > "$area/db/dbmain/CompileCmd.txt"
 
-qmr_current_prj_path='' "$DRIVER" -qmr_current_prj_path -projectname lost \
+qmr_current_prj_path='' "$driver" -qmr_current_prj_path -projectname lost \
     -qmr_coverage_stub_mold 1 gcc plain.o beta.o -o lost > link.out 2> link.err
 expect "no project: the linker's status" 1 $?
 expect "no project: says so" 1 "$(grep -c 'project is not known' link.err)"
@@ -244,18 +244,17 @@ main.o -Wl,-r -o y.o
 ROWS
 LLTLD_RUNS=1 link nested bin/tool main.o beta.o -o nested
 expect "a nested call" "[main.o][beta.o][-o][nested]" "$(cat link.out)"
-"$DRIVER" -qmr_current_prj_path -projectname x -qmr_coverage_stub_mold bin/tool q > link.out 2>&1
+"$driver" -qmr_current_prj_path -projectname x -qmr_coverage_stub_mold bin/tool q > link.out 2>&1
 expect "unset project and mode" "[q]" "$(cat link.out)"
 
 # sources in a link go through the compiler driver beside the link driver
 cat > bin/lltcc <<'LLTCC'
-#!/bin/sh
+#!/bin/bash
 [ "$1 $3 $4" = "-qmr_current_prj_path -projectname LLTTEMP" ] || exit 9
 shift 6
 echo "$*" >> "$qmr_current_prj_path/lltcc.log"
 case "$*" in *beta.c*) cp beta.o "${!#}" ;; *) exit 1 ;; esac
 LLTCC
-sed -i '1s/sh/bash/' bin/lltcc
 chmod +x bin/lltcc
 check_row compiled "" "1*3 0*37" "gcc plain.o -O1 beta.c -DHIT\(i\)= -o compiled -lm"
 expect "its call" "gcc -O1 -DHIT(i)= -c beta.c" "$(sed 's/ -o .*//' lltcc.log)"

@@ -2,31 +2,13 @@
 # Conditions: a program is run several times, once as `gcc --coverage -fcondition-coverage` built it
 # and once as the tool set did. Each decision must have the outcomes that gcov says, in JSON,
 # Cobertura and tracefile; where one process sees what another one does not, they join.
-# usage: conditions_test.sh PROGRAMS     PROGRAMS: the folder of lltwrapper, lltcc and lltcov
-# Exit status 77: the compiler has no condition coverage, or jq is missing.
-set -uo pipefail
-unset CDPATH MAKEFLAGS CC CXX AR CFLAGS CXXFLAGS CPPFLAGS LDFLAGS "${!qmr_@}" "${!llt@}" "${!LLT@}"
-export LC_ALL=C CCACHE_DISABLE=1
-tests=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-# shellcheck disable=SC2034 # for against_gcov.sh
-toolset=$tests/../../toolset
-work=$(mktemp -d /tmp/conditions.XXXXXX)
-trap 'rm -rf "$work"' EXIT
-PATH=$(cd "$1" && pwd):$PATH
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
 # shellcheck source=tests/toolset/against_gcov.sh
-. "$tests/against_gcov.sh"
-command -v jq >/dev/null || exit 77
-gcc -fcondition-coverage -x c -S -o /dev/null /dev/null 2>"$work/why" || exit 77
-cases=0 failures=0
-
-# same WHAT EXPECTED ACTUAL: two files, which must not be empty
-same() {
-    cases=$((cases + 1))
-    [ -s "$2" ] && diff "$2" "$3" >"$work/differences" && return
-    failures=$((failures + 1))
-    echo "FAILED $1 (< expected, > actual)"
-    cat "$work/differences"
-}
+. "$root/tests/toolset/against_gcov.sh"
+needs jq
+said=$work/result
+gcc -fcondition-coverage -x c -S -o /dev/null /dev/null 2>why || skip "$(cat why)"
 
 make_c_sources() {
     cat >range.h <<'C'
@@ -140,6 +122,7 @@ LLTCOV_TEST=one ./prog 4 0 3
 
 # Rows FILE LINE FUNCTION CONDITION COUNT COVERED NOT_TRUE NOT_FALSE of objects with "terms", lists
 # of [true, false]; objects of one file, line and function are joined.
+# shellcheck disable=SC2016 # variables of jq
 rows='group_by([.file, .line, .function])[] | .[0] as $place |
     [[.[].conditions] | transpose[] | [transpose[] | [transpose[] | any]]] | to_entries[] |
     [$place.file, $place.line, $place.function, .key, (.value | length * 2),
@@ -202,17 +185,13 @@ percents_of_rows() { awk -F '\t' -v OFS='\t' '{ print $1, $2, int($6 * 100 / $5)
 # A genhtml that knows conditions has to see all of them.
 read_by_genhtml() { # read_by_genhtml WHAT
     genhtml --mcdc-coverage --version >"$work/said" 2>&1 || return
-    cases=$((cases + 1))
     # It always misses the last lines of functions, which older releases would not read.
-    if ! genhtml --mcdc-coverage --branch-coverage -o "$work/html" "$work/info" >"$work/said" 2>&1 ||
-        grep -E 'WARNING|ERROR' "$work/said" | grep -v derive_function_end_line; then
-        failures=$((failures + 1))
-        echo "FAILED $1: genhtml"
-        cat "$work/said"
-    fi
+    genhtml --mcdc-coverage --branch-coverage -o "$work/html" "$work/info" >"$work/said" 2>&1
+    expect "$1: genhtml" '0 ' \
+        "$? $(grep -E 'WARNING|ERROR' "$work/said" | grep -v derive_function_end_line)"
     tail -n 1 "$work/sums" | awk '{ print "(" $2 " of " $3 }' >"$work/expected"
     sed -n '/MC\/DC/s/.*\((.* of [0-9]*\).*/\1/p' "$work/said" >"$work/actual"
-    same "$1: what genhtml sees" "$work/expected" "$work/actual"
+    expect_file "$1: what genhtml sees" "$work/expected" "$work/actual"
 }
 
 # compare MODE FLAGS
@@ -225,19 +204,16 @@ compare() {
     LLT_PROJECT=$work/tree lltcov export --json -o "$work/json" 2>"$work/err"
     LLT_PROJECT=$work/tree lltcov export --cobertura -o "$work/xml" 2>"$work/err"
     LLT_PROJECT=$work/tree lltcov export --lcov -o "$work/info" 2>"$work/err"
-    differing "$work/gcov.rows" "$work/lltcov.rows" >"$work/result" || {
-        failures=$((failures + 1))
-        echo "FAILED $what"
-        cat "$work/result"
-    }
+    differing "$work/gcov.rows" "$work/lltcov.rows" >"$said"
+    expect "$what" 0 $?
     json_rows "$work/json" >"$work/conditions"
-    same "$what: JSON" "$work/gcov.conditions" "$work/conditions"
+    expect_file "$what: JSON" "$work/gcov.conditions" "$work/conditions"
     outcomes_of_rows "$work/gcov.conditions" >"$work/sums"
     outcomes_of_tracefile "$work/info" >"$work/actual"
-    same "$what: tracefile" "$work/sums" "$work/actual"
+    expect_file "$what: tracefile" "$work/sums" "$work/actual"
     percents_of_rows "$work/gcov.conditions" >"$work/expected"
     percents_of_cobertura "$work/xml" >"$work/actual"
-    same "$what: Cobertura" "$work/expected" "$work/actual"
+    expect_file "$what: Cobertura" "$work/expected" "$work/actual"
     read_by_genhtml "$what"
 }
 
@@ -254,8 +230,7 @@ both 4 4 [] []
 forks_apart 4 4 [] []
 never 4 0 [0 1] [0 1]
 END
-same 'what is clear by hand' "$work/expected" "$work/actual"
+expect_file 'what is clear by hand' "$work/expected" "$work/actual"
 compare 8 '-O2 -g'
 
-echo "$((cases - failures)) passed, $failures failed"
-[ $failures = 0 ]
+finish

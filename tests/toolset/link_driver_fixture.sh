@@ -1,14 +1,13 @@
-# shellcheck shell=sh
+# shellcheck shell=bash
+# shellcheck disable=SC2154 # work is that of the sourcing script
 # A project with objects as the instrumenting compiler driver leaves them, without that driver.
-# Needs PROJECT (a fresh directory) and DRIVER (the link driver).
+# To be sourced after common.sh; needs `driver`, the link driver.
 
-export qmr_current_prj_path="$PROJECT" qmr_coverage_stub_mold=1 isOverlappedCompile=0
-export TimerPolicy=0 SignalPolicy=0 lltcovRootpath="$PROJECT/llt_result"
+export qmr_current_prj_path="$work" qmr_coverage_stub_mold=1 isOverlappedCompile=0
+export TimerPolicy=0 SignalPolicy=0 lltcovRootpath="$work/llt_result"
 export LLT_DISABLE_SOCKET=1 LLT_DISABLE_USRCFG=1
 
-area=$PROJECT/LLTTEMP/codemeasure
-failures=0
-cases=0
+area=$work/LLTTEMP/codemeasure
 
 # le32 NUMBER: the number as four bytes, the least significant first
 le32() {
@@ -36,28 +35,28 @@ instrumented() {
     symbol=$1 counters=$2
     shift 2
     gcc -fPIC "$@" -DHIT\(i\)="(++((unsigned long long *)g_QMRCovData_$symbol)[i])" \
-        -include "$PROJECT/$symbol.h" -c "$symbol.c" -o "$symbol.o"
+        -include "$work/$symbol.h" -c "$symbol.c" -o "$symbol.o"
     records "$symbol" "$counters" "$PWD/$symbol.c" "$PWD/$symbol.o"
 }
 
 # source SYMBOL: SYMBOL.c from standard input
 source_of() {
     cat > "$1.c"
-    echo "extern unsigned int g_QMRCovData_$1[];" > "$PROJECT/$1.h"
+    echo "extern unsigned int g_QMRCovData_$1[];" > "$work/$1.h"
 }
 
 # link NAME COMMAND...: as lltwrapper calls the driver
 link() {
     target=$1
     shift
-    "$DRIVER" -qmr_current_prj_path "$PROJECT" -projectname "$target" -qmr_coverage_stub_mold 1 \
-        "$@" > "$PROJECT/link.out" 2> "$PROJECT/link.err"
+    "$driver" -qmr_current_prj_path "$work" -projectname "$target" -qmr_coverage_stub_mold 1 \
+        "$@" > "$work/link.out" 2> "$work/link.err"
 }
 
 # counts MODULE SYMBOL: the counts in every dump file of the module, one line per file, sorted;
 # N*TIMES stands for equal counts
 counts() {
-    find "$PROJECT/llt_result" -name "$1.*.lltcov" 2> /dev/null | while read -r file; do
+    find "$work/llt_result" -name "$1.*.lltcov" 2> /dev/null | while read -r file; do
         place=$(sed '/^counts /q' "$file" | awk -v "symbol=$2.c" '
             { header += length($0) + 1 }
             $1 == "file" && $3 == symbol { start = bytes; size = $4 }
@@ -68,19 +67,4 @@ counts() {
             { last = $1; ++times }
             END { if (NR > 0) print last (times > 1 ? "*" times : "") }'
     done | sort
-}
-
-# expect WHAT EXPECTED ACTUAL
-expect() {
-    cases=$((cases + 1))
-    if [ "$2" != "$3" ]; then
-        failures=$((failures + 1))
-        printf 'FAILED %s\n  expected: %s\n  actual:   %s\n' "$1" "$2" "$3"
-        cat "$PROJECT/link.err" 2> /dev/null
-    fi
-}
-
-finish() {
-    printf '%d passed, %d failed\n' $((cases - failures)) "$failures"
-    exit $((failures > 0))
 }

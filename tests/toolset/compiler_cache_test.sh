@@ -3,34 +3,11 @@
 # cache and has its records and its report; a cache under the compiler's own name serves plain and
 # covered builds in turn; a lost record comes back;
 # an object of the same tree in another folder is no hit.
-# usage: cache_test.sh PROGRAMS     the folder of lltwrapper, lltcc and lltcov
-# Exit status 77: ccache is missing.
-set -uo pipefail
-unset CDPATH MAKEFLAGS CC CXX AR CFLAGS CXXFLAGS CPPFLAGS LDFLAGS "${!qmr_@}" "${!llt@}" "${!LLT@}" \
-    "${!CCACHE_@}"
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-work=$(mktemp -d /tmp/cache.XXXXXX)
-trap 'rm -rf "$work"' EXIT
-PATH=$(cd "$1" && pwd):$PATH
-export LC_ALL=C CCACHE_DIR=$work/cache
-command -v ccache >/dev/null || exit 77
-cases=0 failures=0
-
-# expect WHAT EXPECTED ACTUAL
-expect() {
-    cases=$((cases + 1))
-    [ "$2" = "$3" ] && return
-    failures=$((failures + 1))
-    printf 'FAILED %s\n  expected: %s\n  actual:   %s\n' "$1" "$2" "$3"
-}
-
-# enter PROJECT: a folder of records of its own, for the same sources
-enter() {
-    unset lltcovRootpath qmr_current_prj_path
-    LLT_PROJECT=$work/$1
-    # shellcheck source=toolset/TUSK_INIT.SH
-    . "$root/toolset/TUSK_INIT.SH"
-}
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+unset CCACHE_DISABLE
+export CCACHE_DIR=$work/cache
+needs ccache
 
 # A library in C++ that is worth a cache, and a program.
 make_tree() {
@@ -78,14 +55,14 @@ report() { (./prog && lltcov export --lcov -o "$work/$1.info") >"$work/log" 2>&1
 
 make_tree
 sources=$(find . -name '*.cpp' | wc -l)
-enter first
+enter_project "$work/first"
 build ccache
 first=$took
 report first
 expect 'lines that ran' yes "$(grep -q '^DA:.*,[1-9]' "$work/first.info" && echo yes)"
 expect 'sources in the report' "$sources" "$(grep -c '^SF:.*\.cpp$' "$work/first.info")"
 stats cache_miss >/dev/null
-enter second
+enter_project "$work/second"
 build ccache
 second=$took
 expect 'the second build comes from the cache' "$sources" \
@@ -117,7 +94,7 @@ report third
 expect 'and the report with it' same "$(cmp "$work/first.info" "$work/third.info" && echo same)"
 
 # --- the same tree in another folder: without -g nothing that the compiler sees differs
-enter folders
+enter_project "$work/folders"
 for folder in one two; do
     mkdir -p "$work/$folder/sub"
     cd "$work/$folder" || exit
@@ -155,7 +132,7 @@ for order in 'plain covered plain covered' 'covered plain covered plain'; do
             expect "$order: plain" '0 0 0' "$(small)"
         else
             rm -rf "$work/small_covered"
-            enter small_covered
+            enter_project "$work/small_covered"
             expect "$order: covered" '0 0 2' "$(small lltwrapper)"
             lltcov export --lcov >"$work/small.info" 2>"$work/log"
             expect "$order: lines" 'DA:1,1 DA:2,1 DA:3,1 DA:4,1' \
@@ -163,5 +140,4 @@ for order in 'plain covered plain covered' 'covered plain covered plain'; do
         fi
     done
 done
-echo "$cases cases, $failures failed"
-[ $failures = 0 ]
+finish

@@ -1,10 +1,8 @@
-#!/bin/sh
-# usage: lltld_init_test.sh TUSK_INIT.SH
+#!/bin/bash
 # The settings file in every shell that is here, also in its strict mode and sourced twice.
-set -u
-init=$1 passed=0 failed=0
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+init=$root/toolset/TUSK_INIT.SH
 for shell in sh dash bash ksh mksh zsh 'zsh --emulate sh' 'busybox sh'; do
     command -v "${shell%% *}" > /dev/null || continue
     while IFS='|' read -r before expected; do
@@ -21,12 +19,7 @@ for shell in sh dash bash ksh mksh zsh 'zsh --emulate sh' 'busybox sh'; do
             [ -f on ] || echo a subshell ended
             [ -d \"\$lltcovRootpath\" ] && [ -d $work/p/LLTTEMP/codemeasure/obj/after ] || echo missing
             echo \$qmr_current_prj_path \$lltcovRootpath \$TimerPolicy" 2>&1)
-        if [ "$actual" = "$(eval "echo $expected")" ]; then
-            passed=$((passed + 1))
-        else
-            failed=$((failed + 1))
-            printf 'FAILED %s: %s\n%s\n' "$shell" "$before" "$actual"
-        fi
+        expect "$shell: $before" "$(eval "echo $expected")" "$actual"
     done <<'ROWS'
 :|$work/p $work/p/llt_result 0
 LLT_PROJECT=../p/x.prj|$work/p/../p/x.prj $work/p/../p/llt_result 0
@@ -34,5 +27,4 @@ LLT_PROJECT=$PWD; export qmr_current_prj_path=/old lltcovRootpath=/old/llt_resul
 export TimerPolicy=1 lltcovRootpath=$PWD/r|$work/p $work/p/r 1
 ROWS
 done
-printf '%d passed, %d failed\n' "$passed" "$failed"
-exit $((failed > 0))
+finish
