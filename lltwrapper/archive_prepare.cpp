@@ -50,7 +50,7 @@ bool load_archive_settings()
     Caddis_LD_Initial();
     if (strLinkName.empty()) {
         // Kept: the archive sequence then runs with an empty module name.
-        std::puts("lltwrapper error, null projectname.");
+        say("lltwrapper error, null projectname.\n");
         std::fflush(stdout);
         return false;
     }
@@ -99,7 +99,7 @@ void prepare_archive(int argc, char** argv)
             return;
         }
     } catch (const std::bad_alloc&) {
-        std::puts("[lltwrapper]:Allocate memory failed!");
+        say("[lltwrapper]:Allocate memory failed!\n");
         return;
     }
     ar_flag = 0;

@@ -72,7 +72,7 @@ void drop_project_path(Walk& walk)
     const char* next = walk.behind(2);
     const bool named = next != nullptr && std::strcmp(next, "-projectname") == 0;
     if (!named) {
-        std::puts("error \"projectname\". \r");
+        say("error \"projectname\". \r\n");
     }
     drop_own_option(walk);
     if (named) {
@@ -97,7 +97,7 @@ void keep_rpath_origin(Walk& walk)
     // Kept: the character at index 11, which is the "$" only when the argument begins with the
     // option; a "$ORIGIN" anywhere else stays bare.
     pOriginalCmd += std::string(walk.argument()).replace(11, 1, "\\$") + "  ";
-    std::printf("cmd:: %s\n", pOriginalCmd.c_str());
+    say("cmd:: %s\n", pOriginalCmd.c_str());
     std::fflush(stdout);
     walk.use(1);
 }

@@ -40,11 +40,11 @@ constexpr std::size_t TARGET_NAME_LENGTH = 255;
 std::string choose_target_name()
 {
     if (!strLinkNameUser.empty()) {
-        std::printf("TUSK-NAME_BY_USER_KRNL:: %s\n", strLinkNameUser.c_str());
+        say("TUSK-NAME_BY_USER_KRNL:: %s\n", strLinkNameUser.c_str());
         return strLinkNameUser;
     }
     if (!strLinkNameUserKo.empty()) {
-        std::printf("TUSK-NAME_BY_USER_KO:: %s\n", strLinkNameUserKo.c_str());
+        say("TUSK-NAME_BY_USER_KO:: %s\n", strLinkNameUserKo.c_str());
         ::setenv("lltwrapper_cfg_inner", "1", 1);
         return strLinkNameUserKo;
     }
@@ -69,7 +69,7 @@ void GenerateCMD2LLTCC()
 void GenerateCMD2LLTLD()
 {
     if (strLinkName.empty() && strLinkNameUser.empty() && strLinkNameUserKo.empty()) {
-        std::puts("lltwrapper error, NULL projectname");
+        say("lltwrapper error, NULL projectname\n");
         std::fflush(stdout);
         return;
     }

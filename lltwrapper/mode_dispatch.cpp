@@ -16,7 +16,6 @@
 #include "lltwrapper/version.h"
 #include "lltwrapper/wrapper_state.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -67,7 +66,7 @@ int run_command(const std::string& command, Flush flush, Status kind)
 int run_special()
 {
     append_image_stub();
-    std::printf("special_cmd:: %s\n", pOriginalCmd.c_str());
+    say("special_cmd:: %s\n", pOriginalCmd.c_str());
     // Kept: not flushed, so in a pipe this line comes after the tool's.
     return run_command(pOriginalCmd, Flush::none, Status::raw);
 }
@@ -75,7 +74,7 @@ int run_special()
 int run_unchanged()
 {
     // Kept: the command is printed as a format, so "%%" shows as "%"; what runs is the command.
-    std::fputs(squeeze_percent_pairs(pOriginalCmd).c_str(), stdout);
+    say("%s", squeeze_percent_pairs(pOriginalCmd).c_str());
     return run_command(pOriginalCmd, Flush::out, Status::raw);
 }
 
@@ -93,7 +92,7 @@ int run_compile()
     warn_if_unset("qmr_current_prj_path");
     warn_if_unset("qmr_coverage_stub_mold");
     GenerateCMD2LLTCC();
-    std::printf("lltcc cmd:\n %s \n", strLLTCC.c_str());
+    say("lltcc cmd:\n %s \n", strLLTCC.c_str());
     return run_command(strLLTCC, Flush::both, Status::zero_or_one);
 }
 
@@ -108,7 +107,7 @@ int run_link()
              strLinkName.empty() ? "no target name" : "no link driver",
              beginning_of(pOriginalCmd).c_str(), iToken_wrapper);
     }
-    std::printf("lltld cmd:\n %s \n", strLLTLD.c_str());
+    say("lltld cmd:\n %s \n", strLLTLD.c_str());
     return run_command(strLLTLD, Flush::both, Status::zero_or_one);
 }
 
@@ -121,7 +120,7 @@ int run_archive()
              log.c_str());
         return 1;
     }
-    std::printf("lltar cmd:\n %s \n", strLLTAR.c_str());
+    say("lltar cmd:\n %s \n", strLLTAR.c_str());
     if (stub_object_path().size() > STUB_PATH_LENGTH) {
         return 1; // the command holds a cut path
     }
@@ -134,7 +133,7 @@ bool answer_without_command(int argc, char** argv)
 {
     if (argc <= 1) {
         // Kept: a usage error is no failure.
-        std::puts("error usage");
+        say("error usage\n");
         warn("put it in front of a tool's command, for example: lltwrapper gcc -c a.c");
         warn("'lltwrapper --help' shows the options");
         return true;
@@ -144,7 +143,7 @@ bool answer_without_command(int argc, char** argv)
         return true;
     }
     if (std::strcmp(argv[1], "--help") == 0) {
-        std::fputs(HELP, stdout);
+        say("%s", HELP);
         return true;
     }
     return false;

@@ -3,10 +3,10 @@
 #include "lltcov/explain/explain_step.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/response_file.h"
 #include "commonfunc/text.h"
-#include "lltcov/explain/output_capture.h"
 #include "lltld/work_area.h"
 #include "lltwrapper/archive_prepare.h"
 #include "lltwrapper/cmd_parser.h"
@@ -16,7 +16,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <unistd.h>
 
 namespace
 {
@@ -140,19 +139,6 @@ void take_the_road(int argc, char** argv, ExplainedStep& step)
     step.forwarded = forwarded_command(step);
 }
 
-/// The wrapper's own lines on standard error, without the program's name before each.
-std::vector<std::string> own_lines(const std::string& text)
-{
-    std::vector<std::string> lines;
-    strsplit_v(text.c_str(), '\n', lines);
-    lines.pop_back(); // behind the last line end
-    for (std::string& line : lines) {
-        const std::size_t colon = line.find(": ");
-        line.erase(0, colon == line.npos ? 0 : colon + 2);
-    }
-    return lines;
-}
-
 } // namespace
 
 bool is_own_option(const std::string& argument)
@@ -175,11 +161,12 @@ ExplainedStep explain_step(const std::vector<std::string>& command)
     step.arguments = command;
     step.command = without_own_options(command);
     ArgumentVector arguments(command);
-    OutputCapture out(STDOUT_FILENO);
-    OutputCapture err(STDERR_FILENO);
-    take_the_road(arguments.argc(), arguments.argv(), step);
-    step.said = own_lines(err.finish());
-    step.prints = out.finish();
+    {
+        HeldMessages messages;
+        take_the_road(arguments.argc(), arguments.argv(), step);
+        step.prints = messages.output;
+        step.said = messages.warnings;
+    }
     step.shell = split_for_shell(step.forwarded);
     if (step.mode == Mode::compile || (step.mode == Mode::link && !step.forwarded.empty())) {
         const std::size_t driver_part = step.forwarded.size() - step.rebuilt.size();
