@@ -11,7 +11,7 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
-#include "lltwrapper/classify.h"
+#include "lltwrapper/step_plan.h"
 #include "lltwrapper/word_size.h"
 #include "lltwrapper/wrapper_state.h"
 
@@ -26,16 +26,18 @@ namespace
 
 /// The place of the walk in the argument vector.
 struct Walk {
-    int argc;
-    char** argv;
-    int at;
+    const std::vector<std::string>& arguments;
+    std::size_t at = 0;
 
-    const char* argument() const { return argv[at]; }
+    const char* argument() const { return arguments[at].c_str(); }
 
     /// The n-th argument behind the current one; null when the command ends before it.
-    const char* behind(int n) const { return at + n < argc ? argv[at + n] : nullptr; }
+    const char* behind(std::size_t n) const
+    {
+        return at + n < arguments.size() ? arguments[at + n].c_str() : nullptr;
+    }
 
-    void use(int arguments) { at += arguments; }
+    void use(std::size_t count) { at += count; }
 
     /// Uses up the current argument and its value, or the argument alone when it stands last.
     const char* use_with_value()
@@ -223,10 +225,10 @@ constexpr Row ROWS[] = {
 
 } // namespace
 
-void rebuild_command(int argc, char** argv)
+void rebuild_command(const std::vector<std::string>& arguments)
 {
-    Walk walk{argc, argv, 1};
-    while (walk.at < argc) {
+    Walk walk{arguments};
+    while (walk.at < arguments.size()) {
         for (const Row& row : ROWS) {
             if (row.matches(walk.argument(), row.text)) {
                 row.apply(walk);
@@ -238,7 +240,7 @@ void rebuild_command(int argc, char** argv)
 
 void parser(int argc, char** argv)
 {
-    rebuild_command(argc, argv);
+    rebuild_command({argv + 1, argv + argc});
     checkstate(argc, argv);
 }
 

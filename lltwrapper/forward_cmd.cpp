@@ -51,6 +51,14 @@ std::string choose_target_name()
     return TUSK_LINUXCADDIS_GET3264STR();
 }
 
+void append_image_stub()
+{
+    if (!env_is_filled("LLT_TargetName")) {
+        pOriginalCmd +=
+            lltdbRootpath + "/tmp_vmlinux1/codemeasure/obj/__code_measure_stub_lib_tmp_vmlinux1.o";
+    }
+}
+
 } // namespace
 
 const char* link_driver(int token)
@@ -83,14 +91,6 @@ void GenerateCMD2LLTLD()
     }
 }
 
-void append_image_stub()
-{
-    if (!env_is_filled("LLT_TargetName")) {
-        pOriginalCmd +=
-            lltdbRootpath + "/tmp_vmlinux1/codemeasure/obj/__code_measure_stub_lib_tmp_vmlinux1.o";
-    }
-}
-
 void GenerateCMD2AR()
 {
     char stub[STUB_PATH_LENGTH + 1];
@@ -111,4 +111,25 @@ void GenerateCMD2AR()
     strLLTAR = pOriginalCmd;
     const std::size_t at = std::min(behind_name, strLLTAR.size());
     strLLTAR.insert(at, std::string(stub) + " ");
+}
+
+const std::string& build_command(Mode mode)
+{
+    switch (mode) {
+    case Mode::compile:
+        GenerateCMD2LLTCC();
+        return strLLTCC;
+    case Mode::link:
+        GenerateCMD2LLTLD();
+        return strLLTLD;
+    case Mode::archive:
+        GenerateCMD2AR();
+        return strLLTAR;
+    case Mode::kernel_image:
+        append_image_stub();
+        break;
+    case Mode::unchanged:
+        break;
+    }
+    return pOriginalCmd;
 }

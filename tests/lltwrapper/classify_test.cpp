@@ -1,5 +1,5 @@
 #include "commonfunc/Caddis_func.h"
-#include "lltwrapper/classify.h"
+#include "lltwrapper/step_plan.h"
 #include "lltwrapper/wrapper_state.h"
 #include "tests/fixture.h"
 
