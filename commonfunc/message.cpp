@@ -16,26 +16,47 @@
 namespace
 {
 
-__attribute__((format(printf, 2, 0))) void print_coloured(const char* start, const char* format,
-                                                          va_list args)
-{
-    std::fputs(start, stdout);
-    std::vprintf(format, args);
-    std::fputs("\033[m", stdout);
-}
-
+HeldMessages* held = nullptr;
 const char* warning_name = "lltwrapper";
 int saved_output = -1; ///< while the log takes its place
 
+__attribute__((format(printf, 1, 0))) std::string formatted(const char* format, va_list args)
+{
+    va_list again;
+    va_copy(again, args);
+    const int length = std::vsnprintf(nullptr, 0, format, again);
+    va_end(again);
+    std::string text(static_cast<std::size_t>(std::max(length, 0)), '\0');
+    std::vsnprintf(&text[0], text.size() + 1, format, args);
+    return text;
+}
+
+void put(const std::string& text)
+{
+    if (held != nullptr) {
+        held->output += text;
+    } else {
+        std::fwrite(text.data(), 1, text.size(), stdout);
+    }
+}
+
 } // namespace
+
+void say(const char* format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    put(formatted(format, args));
+    va_end(args);
+}
 
 void TUSKLog(unsigned char component, unsigned char module, unsigned char level, unsigned int code,
              const char* format, ...)
 {
-    std::printf("[TUSK-0x%02X%02X%X%03X]: ", component, module, level & 0xFU, code & 0xFFFU);
+    say("[TUSK-0x%02X%02X%X%03X]: ", component, module, level & 0xFU, code & 0xFFFU);
     va_list args;
     va_start(args, format);
-    std::vprintf(format, args);
+    put(formatted(format, args));
     va_end(args);
     flush_output();
 }
@@ -44,7 +65,7 @@ void print_info(const char* format, ...)
 {
     va_list args;
     va_start(args, format);
-    print_coloured("\033[0;32;34mTUSK_INFO:", format, args);
+    put("\033[0;32;34mTUSK_INFO:" + formatted(format, args) + "\033[m");
     va_end(args);
 }
 
@@ -52,7 +73,7 @@ void print_fatal(const char* format, ...)
 {
     va_list args;
     va_start(args, format);
-    print_coloured("\033[0;32;31mTUSK_FATAL:", format, args);
+    put("\033[0;32;31mTUSK_FATAL:" + formatted(format, args) + "\033[m");
     va_end(args);
     flush_output();
 }
@@ -66,20 +87,26 @@ void warn(const char* format, ...)
 {
     va_list args;
     va_start(args, format);
-    va_list again;
-    va_copy(again, args);
-    const int length = std::vsnprintf(nullptr, 0, format, args);
+    std::string text = formatted(format, args);
     va_end(args);
-    if (length >= 0) {
-        std::string text(static_cast<std::size_t>(length) + 1, '\0');
-        std::vsnprintf(&text[0], text.size(), format, again);
-        text.pop_back();
-        const auto is_control = [](unsigned char c) { return c < 32 || c == 127; };
-        std::replace_if(text.begin(), text.end(), is_control, ' '); // stays one line
-        text = std::string(warning_name) + ": " + text + "\n";
-        std::fwrite(text.data(), 1, text.size(), stderr);
+    const auto is_control = [](unsigned char c) { return c < 32 || c == 127; };
+    std::replace_if(text.begin(), text.end(), is_control, ' '); // stays one line
+    if (held != nullptr) {
+        held->warnings.push_back(text);
+        return;
     }
-    va_end(again);
+    text = std::string(warning_name) + ": " + text + "\n";
+    std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+HeldMessages::HeldMessages()
+{
+    held = this;
+}
+
+HeldMessages::~HeldMessages()
+{
+    held = nullptr;
 }
 
 void log_output()

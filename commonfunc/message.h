@@ -2,6 +2,9 @@
 // one-line diagnostics on standard error.
 #pragma once
 
+#include <string>
+#include <vector>
+
 /// Component number of this program in a `TUSKLog` tag.
 constexpr unsigned char LOG_COMPONENT = 11;
 /// Module number of the build wrapper and its libraries in a `TUSKLog` tag.
@@ -9,6 +12,9 @@ constexpr unsigned char LOG_MODULE = 7;
 /// Levels of a `TUSKLog` tag.
 constexpr unsigned char LOG_WARNING = 3;
 constexpr unsigned char LOG_ERROR = 4;
+
+/// Prints the formatted text on standard output, without a line end of its own.
+void say(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 /// Prints the tag "[TUSK-0x%02X%02X%X%03X]: " (component, module, the low 4 bits of `level`, the
 /// low 12 bits of `code`) and the formatted message on standard output, then flushes both output
@@ -30,6 +36,20 @@ void set_warning_name(const char* program);
 /// Prints the program's name, ": ", the formatted text and a line end on standard error, as one
 /// write. For what the build engineer should know: what, where, what to do.
 void warn(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+/// While it lives, what the functions above would print is kept here: to know what an operation
+/// says without saying it. One at a time.
+class HeldMessages
+{
+public:
+    HeldMessages();
+    ~HeldMessages();
+    HeldMessages(const HeldMessages&) = delete;
+    HeldMessages& operator=(const HeldMessages&) = delete;
+
+    std::string output;                ///< for standard output
+    std::vector<std::string> warnings; ///< of `warn`, without the program's name and the line end
+};
 
 /// From now on standard output goes to the end of the file that "LLTWRAPPER_LOG" names, when that
 /// variable is filled: builds that read what their tools print shall not read the program's lines.

@@ -11,7 +11,6 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -79,15 +78,15 @@ bool read_policies(LinuxPrjItem& prj)
 
 void report_policies(const LinuxPrjItem& prj)
 {
-    std::puts("pls chk TUSK_init.sh cfg.   ");
-    std::printf("isOverlappedCompile:%d\n", prj.isOverlappedCompile);
-    std::printf("PlatformToken:      %s\n", prj.platformToken.c_str());
-    std::printf("PlatformName:       %s\n", prj.platformName.c_str());
-    std::printf("TimerPolicy:        %d\n", prj.TimerPolicy);
-    std::printf("TimeInterval:       %d\n", prj.TimeInterval);
-    std::printf("SignalPolicy:       %d\n", prj.SignalPolicy);
-    std::printf("SignalNUM:          %d\n", prj.SignalNUM);
-    std::printf("lltcovRootpath:     %s\n", prj.lltcovRootpath.c_str());
+    say("pls chk TUSK_init.sh cfg.   \n");
+    say("isOverlappedCompile:%d\n", prj.isOverlappedCompile);
+    say("PlatformToken:      %s\n", prj.platformToken.c_str());
+    say("PlatformName:       %s\n", prj.platformName.c_str());
+    say("TimerPolicy:        %d\n", prj.TimerPolicy);
+    say("TimeInterval:       %d\n", prj.TimeInterval);
+    say("SignalPolicy:       %d\n", prj.SignalPolicy);
+    say("SignalNUM:          %d\n", prj.SignalNUM);
+    say("lltcovRootpath:     %s\n", prj.lltcovRootpath.c_str());
     TUSKLog(LOG_COMPONENT, LOG_MODULE, LOG_ERROR, CODE_ENVIRONMENT_ERROR,
             "env error, please source TUSK_INIT.SH!\n");
 }
@@ -155,7 +154,7 @@ int Caddis_LD_GetCovDictPath()
 {
     LinuxPrjItem& prj = *g_lxprj;
     if (std::getenv("qmr_current_prj_path") == nullptr) {
-        std::puts("[lltld]:Cannot get the environment variable 'qmr_current_prj_path'!");
+        say("[lltld]:Cannot get the environment variable 'qmr_current_prj_path'!\n");
         TUSKLog(LOG_COMPONENT, LOG_MODULE, LOG_ERROR, CODE_NO_PROJECT_PATH,
                 "Cannot get the environment variable 'qmr_current_prj_path'!\n");
         return 0;
@@ -174,7 +173,7 @@ int Caddis_LD_GetCovDictPath()
 
 int Caddis_LD_Initial()
 {
-    std::puts("\n>>>>>>>>>>>>>       link    >>>>>>>>>>>>>>>>>>>>>>");
+    say("\n>>>>>>>>>>>>>       link    >>>>>>>>>>>>>>>>>>>>>>\n");
     init_lltld();
     return Caddis_LD_GetCovDictPath() >= 1 ? 1 : 0;
 }

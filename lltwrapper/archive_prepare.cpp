@@ -8,14 +8,12 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/response_file.h"
 #include "commonfunc/text.h"
-#include "lltld/module_compile.h"
 #include "lltld/prj_settings.h"
 #include "lltld/work_area.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <new>
 #include <utility>
 
 namespace
@@ -43,14 +41,12 @@ bool is_suffix_option(const std::string& argument)
     return std::find(std::begin(options), std::end(options), argument) != std::end(options);
 }
 
-} // namespace
-
-bool load_archive_settings()
+/// Names the module by the archive's stem; false after a message when there is none.
+bool name_module()
 {
-    Caddis_LD_Initial();
     if (strLinkName.empty()) {
         // Kept: the archive sequence then runs with an empty module name.
-        std::puts("lltwrapper error, null projectname.");
+        say("lltwrapper error, null projectname.\n");
         std::fflush(stdout);
         return false;
     }
@@ -59,6 +55,8 @@ bool load_archive_settings()
     return true;
 }
 
+/// Two archives of the same stem take turns in a work area, and each build throws away the other's
+/// coverage.
 void warn_if_work_area_is_shared()
 {
     const LinuxPrjItem& prj = *g_lxprj;
@@ -85,23 +83,16 @@ std::vector<ScannedObject> members_with_coverage(const std::vector<std::string>&
     return members;
 }
 
-void prepare_archive(int argc, char** argv)
+} // namespace
+
+ArchivePlan plan_archive(const std::vector<std::string>& arguments, EnterWorkArea enter)
 {
-    if (!load_archive_settings()) {
-        return;
+    Caddis_LD_Initial();
+    if (!name_module()) {
+        return {};
     }
-    enter_work_area(g_lxprj->szCovDictPath, strLinkName);
+    enter(g_lxprj->szCovDictPath, strLinkName);
     warn_if_work_area_is_shared();
-    try {
-        const auto members = members_with_coverage(with_response_files({argv + 1, argv + argc}));
-        if (!members.empty()) {
-            register_scanned_objects(members);
-            return;
-        }
-    } catch (const std::bad_alloc&) {
-        std::puts("[lltwrapper]:Allocate memory failed!");
-        return;
-    }
-    ar_flag = 0;
-    ori_flag = 1;
+    const auto words = with_response_files(arguments);
+    return {true, words, members_with_coverage(words)};
 }

@@ -10,7 +10,6 @@
 #include "lltld/program_objects.h"
 #include "lltld/stub_source.h"
 #include "lltld/work_area.h"
-#include "lltwrapper/forward_cmd.h"
 
 #include <string>
 #include <sys/stat.h>
@@ -58,6 +57,5 @@ bool bring_archive_up_to_date()
         return false;
     }
     warn_if_stub_is_stale(Caddis_Coverage_CreateCovInitCodeFile() != 0);
-    GenerateCMD2AR();
     return true;
 }

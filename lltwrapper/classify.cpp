@@ -1,22 +1,18 @@
-// Arguments and environment in; a decision out, which sets one mode flag, the link names and
-// `arname`. To decide changes nothing, so that others can ask what the wrapper would do.
+// Arguments and environment in, a decision out. To decide changes and prints nothing.
 //
 // The scan reads the same vector as the rebuild of the command, but by rules of its own: suffix
 // options match in any case, values of other options are looked at like any argument, and "-S" or
 // "-E" anywhere decides at once.
 #include "lltwrapper/classify.h"
 
-#include "commonfunc/Caddis_func.h"
 #include "commonfunc/env.h"
-#include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 #include "lltld/program_objects.h"
-#include "lltwrapper/archive_prepare.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
 #include <map>
 
 namespace
@@ -35,44 +31,44 @@ struct Scan {
     std::string archive;     ///< first archive named behind the archiver
 };
 
-bool is_suffix_option(const char* argument)
+bool is_suffix_option(const std::string& argument)
 {
     const char* const options[] = {"-objsuffix", "-binsuffix", "-artool", "-arsuffix"};
     return std::any_of(std::begin(options), std::end(options),
-                       [&](const char* option) { return equals_nocase(argument, option); });
+                       [&](const char* option) { return equals_nocase(argument.c_str(), option); });
 }
 
-bool is_archiver(const char* argument)
+bool is_archiver(const std::string& argument)
 {
     return !strArTools.empty() && equals_nocase(base_name(argument).c_str(), strArTools.c_str());
 }
 
 /// The suffix is everything from the last dot of the whole argument, directories included.
-bool has_archive_suffix(const char* argument)
+bool has_archive_suffix(const std::string& argument)
 {
-    const char* dot = std::strrchr(argument, '.');
-    return dot != nullptr && equals_nocase(dot, strArSuffix.c_str());
+    const std::size_t dot = argument.rfind('.');
+    return dot != argument.npos && equals_nocase(&argument[dot], strArSuffix.c_str());
 }
 
-Scan scan_arguments(int argc, char** argv)
+Scan scan_arguments(const std::vector<std::string>& arguments)
 {
     Scan scan;
-    for (int i = 1; i < argc && !scan.run_as_is; ++i) {
-        const std::string argument = argv[i];
+    for (std::size_t i = 0; i < arguments.size() && !scan.run_as_is; ++i) {
+        const std::string& argument = arguments[i];
         if (argument == "-c") {
             scan.compile = true;
         } else if (argument == "-o") {
             // A last "-o" has no value: the tool reports that. The value is scanned as well.
-            scan.has_output = scan.has_output || i + 1 < argc;
-            scan.output = i + 1 < argc ? argv[i + 1] : scan.output;
+            scan.has_output = scan.has_output || i + 1 < arguments.size();
+            scan.output = i + 1 < arguments.size() ? arguments[i + 1] : scan.output;
         } else if (argument == "-S" || argument == "-E") {
             scan.run_as_is = true; // Kept: also as the value of another option
-        } else if (is_suffix_option(argv[i])) {
+        } else if (is_suffix_option(argument)) {
             ++i;
-        } else if (is_archiver(argv[i])) {
+        } else if (is_archiver(argument)) {
             scan.archiver = true;
-        } else if (scan.archiver && scan.archive.empty() && has_archive_suffix(argv[i])) {
-            scan.archive = argv[i];
+        } else if (scan.archiver && scan.archive.empty() && has_archive_suffix(argument)) {
+            scan.archive = argument;
         }
     }
     return scan;
@@ -164,56 +160,11 @@ void decide_compile(Decision& decision)
     decision.reason = skipped ? Reason::module_information : Reason::compile_option;
 }
 
-void print_match(const TargetMatch& match, const char* kind, const std::string& path)
-{
-    if (!match.name.empty()) {
-        print_info("\nitor_temp->first:: %s\n", match.key.c_str());
-        print_info("\nlinkage-target-meet-%s:: %s\n", kind, path.c_str());
-    }
-}
-
-/// Names a target as the lists do, and tells which entries matched.
-void apply_lists(const Decision& decision)
-{
-    const std::string& path = decision.output_path;
-    print_info("\nlinkage-target:: %s\n", path.c_str());
-    print_match(decision.builtin, "krnl", path);
-    print_match(decision.module, "ko", path);
-    strLinkNameUser = decision.builtin.name;
-    strLinkNameUserKo = decision.module.name;
-    if (decision.reason == Reason::no_kernel_target) {
-        print_info("\nlinkage-target-omitted:: %s\n", path.c_str());
-    }
-}
-
-void set_mode_flag(Mode mode)
-{
-    switch (mode) {
-    case Mode::unchanged:
-        lltcc_flag = lltld_flag = 0;
-        ori_flag = 1;
-        break;
-    case Mode::compile:
-        lltcc_flag = 1;
-        break;
-    case Mode::link:
-        lltld_flag = 1;
-        break;
-    case Mode::kernel_image:
-        lltld_flag = 0;
-        special_flag = 1;
-        break;
-    case Mode::archive:
-        ar_flag = 1;
-        break;
-    }
-}
-
 } // namespace
 
-Decision decide(int argc, char** argv)
+Decision decide(const std::vector<std::string>& arguments)
 {
-    const Scan scan = scan_arguments(argc, argv);
+    const Scan scan = scan_arguments(arguments);
     Decision decision;
     decision.has_archiver = scan.archiver;
     decision.archive = scan.archive;
@@ -238,27 +189,4 @@ Decision decide(int argc, char** argv)
         decision.reason = Reason::archiver;
     }
     return decision;
-}
-
-void apply_decision(const Decision& decision)
-{
-    if (!decision.archive.empty()) {
-        arname = decision.archive;
-        copy_bounded(g_lxprj->szObjFile, decision.archive_path);
-    }
-    strLinkName = decision.link_name;
-    iToken_wrapper = decision.token;
-    if (decision.reason == Reason::kernel_target || decision.reason == Reason::no_kernel_target) {
-        apply_lists(decision);
-    }
-    set_mode_flag(decision.mode);
-}
-
-void checkstate(int argc, char** argv)
-{
-    const Decision decision = decide(argc, argv);
-    apply_decision(decision);
-    if (decision.mode == Mode::archive) {
-        prepare_archive(argc, argv);
-    }
 }

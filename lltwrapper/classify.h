@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 /// What the wrapper does with a command.
 enum class Mode {
@@ -9,7 +10,7 @@ enum class Mode {
     compile,
     link,
     kernel_image, ///< the final link of a kernel image: unchanged, with the image's stub appended
-    archive,      ///< runs unchanged when `members_with_coverage` then finds none
+    archive,      ///< runs unchanged when no member has coverage
 };
 
 /// What decided.
@@ -48,14 +49,6 @@ struct Decision {
     int token = 0;             ///< for `iToken_wrapper`
 };
 
-/// Scans the wrapped command's arguments (argument 1 is the tool) and decides. Reads the options
-/// that `rebuild_command` recorded and the environment; changes and prints nothing.
-Decision decide(int argc, char** argv);
-
-/// Sets exactly one of the mode flags, the names and the token as decided. Prints decisions about
-/// kernel targets.
-void apply_decision(const Decision& decision);
-
-/// Decides, applies the decision and prepares an archive step. `parser` calls it once, after the
-/// command has been rebuilt.
-void checkstate(int argc, char** argv);
+/// Scans the arguments of the wrapper and decides. Reads the options that `rebuild_command`
+/// recorded and the environment; changes and prints nothing.
+Decision decide(const std::vector<std::string>& arguments);

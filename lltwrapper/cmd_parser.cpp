@@ -11,7 +11,7 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
-#include "lltwrapper/classify.h"
+#include "lltwrapper/step_plan.h"
 #include "lltwrapper/word_size.h"
 #include "lltwrapper/wrapper_state.h"
 
@@ -26,16 +26,18 @@ namespace
 
 /// The place of the walk in the argument vector.
 struct Walk {
-    int argc;
-    char** argv;
-    int at;
+    const std::vector<std::string>& arguments;
+    std::size_t at = 0;
 
-    const char* argument() const { return argv[at]; }
+    const char* argument() const { return arguments[at].c_str(); }
 
     /// The n-th argument behind the current one; null when the command ends before it.
-    const char* behind(int n) const { return at + n < argc ? argv[at + n] : nullptr; }
+    const char* behind(std::size_t n) const
+    {
+        return at + n < arguments.size() ? arguments[at + n].c_str() : nullptr;
+    }
 
-    void use(int arguments) { at += arguments; }
+    void use(std::size_t count) { at += count; }
 
     /// Uses up the current argument and its value, or the argument alone when it stands last.
     const char* use_with_value()
@@ -72,7 +74,7 @@ void drop_project_path(Walk& walk)
     const char* next = walk.behind(2);
     const bool named = next != nullptr && std::strcmp(next, "-projectname") == 0;
     if (!named) {
-        std::puts("error \"projectname\". \r");
+        say("error \"projectname\". \r\n");
     }
     drop_own_option(walk);
     if (named) {
@@ -97,7 +99,7 @@ void keep_rpath_origin(Walk& walk)
     // Kept: the character at index 11, which is the "$" only when the argument begins with the
     // option; a "$ORIGIN" anywhere else stays bare.
     pOriginalCmd += std::string(walk.argument()).replace(11, 1, "\\$") + "  ";
-    std::printf("cmd:: %s\n", pOriginalCmd.c_str());
+    say("cmd:: %s\n", pOriginalCmd.c_str());
     std::fflush(stdout);
     walk.use(1);
 }
@@ -223,10 +225,10 @@ constexpr Row ROWS[] = {
 
 } // namespace
 
-void rebuild_command(int argc, char** argv)
+void rebuild_command(const std::vector<std::string>& arguments)
 {
-    Walk walk{argc, argv, 1};
-    while (walk.at < argc) {
+    Walk walk{arguments};
+    while (walk.at < arguments.size()) {
         for (const Row& row : ROWS) {
             if (row.matches(walk.argument(), row.text)) {
                 row.apply(walk);
@@ -238,7 +240,7 @@ void rebuild_command(int argc, char** argv)
 
 void parser(int argc, char** argv)
 {
-    rebuild_command(argc, argv);
+    rebuild_command({argv + 1, argv + argc});
     checkstate(argc, argv);
 }
 

@@ -2,12 +2,13 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
-/// Rebuilds `pOriginalCmd` from argument 1 to the last: takes out and records the wrapper's own
+/// Rebuilds `pOriginalCmd` from the arguments of the wrapper: takes out and records its own
 /// options, rewrites a few compiler options, escapes paths for the shell.
-void rebuild_command(int argc, char** argv);
+void rebuild_command(const std::vector<std::string>& arguments);
 
-/// `rebuild_command`, then `checkstate` with the unchanged vector.
+/// `rebuild_command` with argument 1 to the last, then `checkstate` with the unchanged vector.
 void parser(int argc, char** argv);
 
 /// The text with a backslash before each double quote, blank, "(", ")", "<" and ">".

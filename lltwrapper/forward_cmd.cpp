@@ -40,15 +40,23 @@ constexpr std::size_t TARGET_NAME_LENGTH = 255;
 std::string choose_target_name()
 {
     if (!strLinkNameUser.empty()) {
-        std::printf("TUSK-NAME_BY_USER_KRNL:: %s\n", strLinkNameUser.c_str());
+        say("TUSK-NAME_BY_USER_KRNL:: %s\n", strLinkNameUser.c_str());
         return strLinkNameUser;
     }
     if (!strLinkNameUserKo.empty()) {
-        std::printf("TUSK-NAME_BY_USER_KO:: %s\n", strLinkNameUserKo.c_str());
+        say("TUSK-NAME_BY_USER_KO:: %s\n", strLinkNameUserKo.c_str());
         ::setenv("lltwrapper_cfg_inner", "1", 1);
         return strLinkNameUserKo;
     }
     return TUSK_LINUXCADDIS_GET3264STR();
+}
+
+void append_image_stub()
+{
+    if (!env_is_filled("LLT_TargetName")) {
+        pOriginalCmd +=
+            lltdbRootpath + "/tmp_vmlinux1/codemeasure/obj/__code_measure_stub_lib_tmp_vmlinux1.o";
+    }
 }
 
 } // namespace
@@ -69,7 +77,7 @@ void GenerateCMD2LLTCC()
 void GenerateCMD2LLTLD()
 {
     if (strLinkName.empty() && strLinkNameUser.empty() && strLinkNameUserKo.empty()) {
-        std::puts("lltwrapper error, NULL projectname");
+        say("lltwrapper error, NULL projectname\n");
         std::fflush(stdout);
         return;
     }
@@ -80,14 +88,6 @@ void GenerateCMD2LLTLD()
         strLLTLD = std::string(driver) + " -qmr_current_prj_path " + lltdbRootpath +
                    " -projectname " + strLinkName + " -qmr_coverage_stub_mold " + lltcovmode + " " +
                    pOriginalCmd;
-    }
-}
-
-void append_image_stub()
-{
-    if (!env_is_filled("LLT_TargetName")) {
-        pOriginalCmd +=
-            lltdbRootpath + "/tmp_vmlinux1/codemeasure/obj/__code_measure_stub_lib_tmp_vmlinux1.o";
     }
 }
 
@@ -111,4 +111,25 @@ void GenerateCMD2AR()
     strLLTAR = pOriginalCmd;
     const std::size_t at = std::min(behind_name, strLLTAR.size());
     strLLTAR.insert(at, std::string(stub) + " ");
+}
+
+const std::string& build_command(Mode mode)
+{
+    switch (mode) {
+    case Mode::compile:
+        GenerateCMD2LLTCC();
+        return strLLTCC;
+    case Mode::link:
+        GenerateCMD2LLTLD();
+        return strLLTLD;
+    case Mode::archive:
+        GenerateCMD2AR();
+        return strLLTAR;
+    case Mode::kernel_image:
+        append_image_stub();
+        break;
+    case Mode::unchanged:
+        break;
+    }
+    return pOriginalCmd;
 }

@@ -2,7 +2,10 @@
 // the archiver with the coverage stub inserted.
 #pragma once
 
+#include "lltwrapper/classify.h"
+
 #include <cstddef>
+#include <string>
 
 /// Bytes of the stub object's path that `GenerateCMD2AR` puts into the command.
 constexpr std::size_t STUB_PATH_LENGTH = 511;
@@ -19,11 +22,11 @@ void GenerateCMD2LLTCC();
 /// as it was.
 void GenerateCMD2LLTLD();
 
-/// Appends the stub object of the kernel image to `pOriginalCmd`, for its final link; unless the
-/// user names the targets ("LLT_TargetName").
-void append_image_stub();
-
 /// Sets `strLLTAR`: the command with the module's stub object behind the first occurrence of the
 /// archive name. A stub path that does not fit is cut, with a warning: the command must not run
 /// then.
 void GenerateCMD2AR();
+
+/// Builds the command that runs in this mode. The final link of a kernel image gets the image's
+/// stub object appended to `pOriginalCmd`, unless the user names the targets ("LLT_TargetName").
+const std::string& build_command(Mode mode);

@@ -6,14 +6,16 @@
 #include "lltwrapper/mode_dispatch.h"
 #include "lltwrapper/process_setup.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <string>
 
 int main(int argc, char** argv)
 {
     try {
         prepare_process();
-        if (answer_without_command(argc, argv)) {
+        if (answer_without_command({argv + std::min(argc, 1), argv + argc})) {
             return 0;
         }
         log_output();

@@ -16,10 +16,9 @@
 #include "lltwrapper/version.h"
 #include "lltwrapper/wrapper_state.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -39,12 +38,6 @@ Example: make CC="lltwrapper gcc"
 The environment comes from the project's TUSK_INIT.SH; see lltwrapper(1).
 )";
 
-/// What a mode makes of a wait status.
-enum class Status {
-    raw,         ///< handed on; the parent sees its low eight bits. Kept: 512 becomes 0
-    zero_or_one, ///< 0 for success, else 1
-};
-
 /// Runs the command and makes the exit status of the process from its wait status.
 int run_command(const std::string& command, Flush flush, Status kind)
 {
@@ -63,22 +56,6 @@ int run_command(const std::string& command, Flush flush, Status kind)
     return status;
 }
 
-/// The final kernel image: linked by its own command with the image's stub object appended.
-int run_special()
-{
-    append_image_stub();
-    std::printf("special_cmd:: %s\n", pOriginalCmd.c_str());
-    // Kept: not flushed, so in a pipe this line comes after the tool's.
-    return run_command(pOriginalCmd, Flush::none, Status::raw);
-}
-
-int run_unchanged()
-{
-    // Kept: the command is printed as a format, so "%%" shows as "%"; what runs is the command.
-    std::fputs(squeeze_percent_pairs(pOriginalCmd).c_str(), stdout);
-    return run_command(pOriginalCmd, Flush::out, Status::raw);
-}
-
 void warn_if_unset(const char* name)
 {
     if (std::getenv(name) == nullptr) {
@@ -88,63 +65,90 @@ void warn_if_unset(const char* name)
     }
 }
 
-int run_compile()
+/// What a mode needs done before its command is built; false when the command must not run.
+bool prepare(Mode mode)
 {
-    warn_if_unset("qmr_current_prj_path");
-    warn_if_unset("qmr_coverage_stub_mold");
-    GenerateCMD2LLTCC();
-    std::printf("lltcc cmd:\n %s \n", strLLTCC.c_str());
-    return run_command(strLLTCC, Flush::both, Status::zero_or_one);
-}
-
-int run_link()
-{
-    warn_if_unset("qmr_current_prj_path");
-    warn_if_unset("qmr_coverage_stub_mold");
-    GenerateCMD2LLTLD();
-    if (strLLTLD.empty()) {
-        // Kept: the empty command runs and succeeds.
-        warn("nothing is run for this link, exit status 0: %s for '%s' (lltwrapper_cfg is %d)",
-             strLinkName.empty() ? "no target name" : "no link driver",
-             beginning_of(pOriginalCmd).c_str(), iToken_wrapper);
+    if (mode == Mode::compile || mode == Mode::link) {
+        warn_if_unset("qmr_current_prj_path");
+        warn_if_unset("qmr_coverage_stub_mold");
     }
-    std::printf("lltld cmd:\n %s \n", strLLTLD.c_str());
-    return run_command(strLLTLD, Flush::both, Status::zero_or_one);
-}
-
-int run_archive()
-{
-    if (!bring_archive_up_to_date()) {
+    if (mode == Mode::archive && !bring_archive_up_to_date()) {
         const std::string log = env_text("LLTWRAPPER_LOG");
         warn("nothing is archived, the coverage work failed: %s (%s%s tells why)",
              beginning_of(pOriginalCmd).c_str(), log.empty() ? "standard output" : "the log ",
              log.c_str());
+        return false;
+    }
+    return true;
+}
+
+/// Tells what runs.
+void announce(Mode mode, const std::string& command)
+{
+    switch (mode) {
+    case Mode::unchanged:
+        // Kept: the command is printed as a format, so "%%" shows as "%"; what runs is the command.
+        say("%s", squeeze_percent_pairs(command).c_str());
+        break;
+    case Mode::compile:
+        say("lltcc cmd:\n %s \n", command.c_str());
+        break;
+    case Mode::link:
+        if (command.empty()) {
+            // Kept: the empty command runs and succeeds.
+            warn("nothing is run for this link, exit status 0: %s for '%s' (lltwrapper_cfg is %d)",
+                 strLinkName.empty() ? "no target name" : "no link driver",
+                 beginning_of(pOriginalCmd).c_str(), iToken_wrapper);
+        }
+        say("lltld cmd:\n %s \n", command.c_str());
+        break;
+    case Mode::kernel_image:
+        say("special_cmd:: %s\n", command.c_str());
+        break;
+    case Mode::archive:
+        say("lltar cmd:\n %s \n", command.c_str());
+        break;
+    }
+}
+
+/// The streams that are flushed before the command runs. Kept: none for a kernel image, so in a
+/// pipe its line comes after the tool's.
+Flush flush_of(Mode mode)
+{
+    return mode == Mode::kernel_image ? Flush::none
+                                      : (mode == Mode::unchanged ? Flush::out : Flush::both);
+}
+
+int run_mode(Mode mode)
+{
+    if (!prepare(mode)) {
         return 1;
     }
-    std::printf("lltar cmd:\n %s \n", strLLTAR.c_str());
-    if (stub_object_path().size() > STUB_PATH_LENGTH) {
+    const std::string& command = build_command(mode);
+    announce(mode, command);
+    if (mode == Mode::archive && stub_object_path().size() > STUB_PATH_LENGTH) {
         return 1; // the command holds a cut path
     }
-    return run_command(strLLTAR, Flush::both, Status::raw);
+    return run_command(command, flush_of(mode), status_of(mode));
 }
 
 } // namespace
 
-bool answer_without_command(int argc, char** argv)
+bool answer_without_command(const std::vector<std::string>& arguments)
 {
-    if (argc <= 1) {
+    if (arguments.empty()) {
         // Kept: a usage error is no failure.
-        std::puts("error usage");
+        say("error usage\n");
         warn("put it in front of a tool's command, for example: lltwrapper gcc -c a.c");
         warn("'lltwrapper --help' shows the options");
         return true;
     }
-    if (equals_nocase(argv[1], "-v") || std::strcmp(argv[1], "--version") == 0) {
+    if (equals_nocase(arguments[0].c_str(), "-v") || arguments[0] == "--version") {
         ShowVersion();
         return true;
     }
-    if (std::strcmp(argv[1], "--help") == 0) {
-        std::fputs(HELP, stdout);
+    if (arguments[0] == "--help") {
+        say("%s", HELP);
         return true;
     }
     return false;
@@ -157,22 +161,22 @@ void read_project()
     lltcovmode = env_text("qmr_coverage_stub_mold");
 }
 
+Status status_of(Mode mode)
+{
+    return mode == Mode::compile || mode == Mode::link ? Status::zero_or_one : Status::raw;
+}
+
 int dispatch_mode()
 {
-    if (special_flag == 1) {
-        return run_special();
-    }
-    if (ori_flag == 1) {
-        return run_unchanged();
-    }
-    if (lltcc_flag == 1) {
-        return run_compile();
-    }
-    if (lltld_flag == 1) {
-        return run_link();
-    }
-    if (ar_flag == 1) {
-        return run_archive();
+    const std::pair<int, Mode> flags[] = {{special_flag, Mode::kernel_image},
+                                          {ori_flag, Mode::unchanged},
+                                          {lltcc_flag, Mode::compile},
+                                          {lltld_flag, Mode::link},
+                                          {ar_flag, Mode::archive}};
+    for (const auto& [flag, mode] : flags) {
+        if (flag == 1) {
+            return run_mode(mode);
+        }
     }
     return run_command(pOriginalCmd, Flush::both, Status::raw);
 }

@@ -1,9 +1,8 @@
 // The only file with build-time macros, so that nothing else changes from build to build.
 #include "lltwrapper/version.h"
 
+#include "commonfunc/message.h"
 #include "commonfunc/text.h"
-
-#include <cstdio>
 
 namespace
 {
@@ -18,5 +17,5 @@ void ShowVersion()
     char banner[320];
     format_bounded(banner, "[TUSK LINUX CADDIS]\nVersion: %s\nBuild at: %s %s", VERSION, __TIME__,
                    __DATE__);
-    std::printf("%s\n", banner);
+    say("%s\n", banner);
 }

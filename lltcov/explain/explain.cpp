@@ -9,6 +9,7 @@
 #include "lltcov/explain/explain_step.h"
 #include "lltcov/explain/explain_words.h"
 #include "lltwrapper/classify.h"
+#include "lltwrapper/mode_dispatch.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
@@ -90,8 +91,8 @@ std::string archiver_reason(const ExplainedStep& step)
     if (step.decision.archive.empty()) {
         return archiver + "no archive";
     }
-    const std::size_t named = step.members.named.size();
-    const std::size_t counted = named - step.members.plain.size();
+    const std::size_t named = step.named.size();
+    const std::size_t counted = named - step.plain.size();
     return archiver + "archive " + quoted(step.decision.archive) + ", " + std::to_string(counted) +
            " of " + std::to_string(named) + (named == 1 ? " member" : " members") + " instrumented";
 }
@@ -142,7 +143,7 @@ const char* status_text(const ExplainedStep& step)
     if (env_text("LLTWRAPPER_EXACT_STATUS") == "1") {
         return "the command's own";
     }
-    if (step.mode == Mode::compile || step.mode == Mode::link) {
+    if (status_of(step.mode) == Status::zero_or_one) {
         return "0, or 1 when the command fails";
     }
     return "0, also when the command fails (LLTWRAPPER_EXACT_STATUS=1 gives its own)";

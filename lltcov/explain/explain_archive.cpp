@@ -13,6 +13,7 @@
 #include "lltld/cov_paths.h"
 #include "lltld/object_scan.h"
 #include "lltld/prj_settings.h"
+#include "lltwrapper/archive_prepare.h"
 #include "lltwrapper/classify.h"
 #include "lltwrapper/wrapper_state.h"
 
@@ -65,7 +66,7 @@ void advise_on_operation(const ExplainedStep& step, Advice& advice)
 void advise_on_plain_members(const ExplainedStep& step, Advice& advice)
 {
     constexpr std::size_t SHOWN = 5;
-    const auto& plain = step.members.plain;
+    const auto& plain = step.plain;
     std::string names;
     for (std::size_t i = 0; i < std::min(SHOWN, plain.size()); ++i) {
         names += (i == 0 ? "" : ", ") + quoted(plain[i]) +
@@ -171,7 +172,7 @@ void advise_on_stub(const ExplainedStep& step, const std::vector<Symbol>& symbol
 /// A library is what one command makes of it: database and stub know the members of the last one.
 void advise_on_kept_members(const ExplainedStep& step, Advice& advice)
 {
-    const auto& counted = step.members.with_coverage;
+    const auto& counted = step.archive.members;
     const bool counts_itself =
         std::any_of(counted.begin(), counted.end(), [&](const ScannedObject& object) {
             return object.path == step.decision.archive_path;
@@ -182,7 +183,7 @@ void advise_on_kept_members(const ExplainedStep& step, Advice& advice)
     }
     for (const ArchiveMember& member : read_archive_file(text).members) {
         const std::string kept(member.name);
-        const auto& named = step.members.named;
+        const auto& named = step.named;
         const bool replaced = std::any_of(named.begin(), named.end(), [&](const std::string& path) {
             return base_name(path) == kept;
         });
@@ -208,7 +209,7 @@ void advise_on_archive(const ExplainedStep& step, Advice& advice)
     advise_on_plain_members(step, advice);
     if (step.mode == Mode::archive && !g_lxprj->isCovDictPathCut &&
         env_is_filled("qmr_current_prj_path")) {
-        const auto symbols = symbols_of(step.members.with_coverage);
+        const auto symbols = symbols_of(step.archive.members);
         advise_on_symbols(symbols, advice);
         advise_on_stub(step, symbols, advice);
         advise_on_kept_members(step, advice);

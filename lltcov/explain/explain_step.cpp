@@ -3,12 +3,13 @@
 #include "lltcov/explain/explain_step.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
-#include "commonfunc/response_file.h"
 #include "commonfunc/text.h"
-#include "lltcov/explain/output_capture.h"
+#include "lltld/object_scan.h"
 #include "lltld/work_area.h"
 #include "lltwrapper/archive_prepare.h"
+#include "lltwrapper/classify.h"
 #include "lltwrapper/cmd_parser.h"
 #include "lltwrapper/forward_cmd.h"
 #include "lltwrapper/mode_dispatch.h"
@@ -16,31 +17,9 @@
 
 #include <algorithm>
 #include <iterator>
-#include <unistd.h>
 
 namespace
 {
-
-/// An argument vector as `main` gets it.
-class ArgumentVector
-{
-public:
-    explicit ArgumentVector(const std::vector<std::string>& command) : words_(command)
-    {
-        words_.insert(words_.begin(), "lltwrapper");
-        for (std::string& word : words_) {
-            pointers_.push_back(&word[0]);
-        }
-        pointers_.push_back(nullptr);
-    }
-
-    int argc() const { return static_cast<int>(words_.size()); }
-    char** argv() { return pointers_.data(); }
-
-private:
-    std::vector<std::string> words_;
-    std::vector<char*> pointers_;
-};
 
 /// The arguments without the wrapper's own options and their values.
 std::vector<std::string> without_own_options(const std::vector<std::string>& arguments)
@@ -68,89 +47,48 @@ std::vector<std::string> named_members(const std::vector<std::string>& command,
     return members;
 }
 
-void look_at_members(int argc, char** argv, ExplainedStep& step)
+/// Finds the members that the archive step named, and those without coverage.
+void look_at_members(ExplainedStep& step)
 {
-    const auto arguments = with_response_files({argv + 1, argv + argc});
-    step.members.with_coverage = members_with_coverage(arguments);
-    step.members.named = named_members(without_own_options(arguments), step.decision.archive);
-    for (const std::string& member : step.members.named) {
-        const std::string path = absolute_path(member);
-        const auto& counted = step.members.with_coverage;
-        if (std::none_of(counted.begin(), counted.end(),
-                         [&](const ScannedObject& object) { return object.path == path; })) {
-            step.members.plain.push_back(member);
-        }
-    }
+    step.named = named_members(without_own_options(step.archive.arguments), step.decision.archive);
+    const auto& counted = step.archive.members;
+    std::copy_if(step.named.begin(), step.named.end(), std::back_inserter(step.plain),
+                 [&](const std::string& member) {
+                     const std::string path = absolute_path(member);
+                     return std::none_of(
+                         counted.begin(), counted.end(),
+                         [&](const ScannedObject& object) { return object.path == path; });
+                 });
 }
 
-void prepare_archive_step(int argc, char** argv, ExplainedStep& step)
+/// Names the work area and the temporary area that an archive step would enter.
+bool name_areas(const std::string& root, const std::string& module)
 {
-    if (!load_archive_settings()) {
-        return; // the archive step goes on, with a work area that is none
-    }
-    const std::string root = g_lxprj->szCovDictPath;
-    name_work_area(root, strLinkName);
-    copy_bounded(g_lxprj->szLLTTEMP, absolute_path(root) + "/LLTTEMP");
-    warn_if_work_area_is_shared();
-    step.name = strLinkName;
-    step.work_area = g_lxprj->szCovDictPath;
-    look_at_members(argc, argv, step);
-    step.mode = step.members.with_coverage.empty() ? Mode::unchanged : Mode::archive;
+    name_work_area(root, module);
+    return copy_bounded(g_lxprj->szLLTTEMP, absolute_path(root) + "/LLTTEMP");
 }
 
-/// The command that runs in this mode.
-std::string forwarded_command(ExplainedStep& step)
+void take_the_road(ExplainedStep& step)
 {
-    switch (step.mode) {
-    case Mode::compile:
-        GenerateCMD2LLTCC();
-        step.name = "LLTTEMP";
-        return strLLTCC;
-    case Mode::link:
-        GenerateCMD2LLTLD();
-        step.name = strLinkName;
-        return strLLTLD;
-    case Mode::kernel_image:
-        append_image_stub();
-        break;
-    case Mode::archive:
-        GenerateCMD2AR();
-        return strLLTAR;
-    case Mode::unchanged:
-        break;
-    }
-    return pOriginalCmd;
-}
-
-void take_the_road(int argc, char** argv, ExplainedStep& step)
-{
-    step.answered = answer_without_command(argc, argv);
+    step.answered = answer_without_command(step.arguments);
     if (step.answered) {
         return;
     }
-    rebuild_command(argc, argv);
+    rebuild_command(step.arguments);
     step.rebuilt = pOriginalCmd;
-    step.decision = decide(argc, argv);
-    step.mode = step.decision.mode;
-    apply_decision(step.decision);
+    Plan& plan = step;
+    plan = plan_step(step.arguments, name_areas);
     read_project();
-    if (step.mode == Mode::archive) {
-        prepare_archive_step(argc, argv, step);
+    step.forwarded = build_command(step.mode);
+    if (step.archive.is_named) {
+        step.work_area = g_lxprj->szCovDictPath;
+        look_at_members(step);
     }
-    step.forwarded = forwarded_command(step);
-}
-
-/// The wrapper's own lines on standard error, without the program's name before each.
-std::vector<std::string> own_lines(const std::string& text)
-{
-    std::vector<std::string> lines;
-    strsplit_v(text.c_str(), '\n', lines);
-    lines.pop_back(); // behind the last line end
-    for (std::string& line : lines) {
-        const std::size_t colon = line.find(": ");
-        line.erase(0, colon == line.npos ? 0 : colon + 2);
+    if (step.mode == Mode::compile) {
+        step.name = "LLTTEMP";
+    } else if (step.mode == Mode::link || step.archive.is_named) {
+        step.name = strLinkName;
     }
-    return lines;
 }
 
 } // namespace
@@ -174,12 +112,12 @@ ExplainedStep explain_step(const std::vector<std::string>& command)
     ExplainedStep step;
     step.arguments = command;
     step.command = without_own_options(command);
-    ArgumentVector arguments(command);
-    OutputCapture out(STDOUT_FILENO);
-    OutputCapture err(STDERR_FILENO);
-    take_the_road(arguments.argc(), arguments.argv(), step);
-    step.said = own_lines(err.finish());
-    step.prints = out.finish();
+    {
+        HeldMessages messages;
+        take_the_road(step);
+        step.prints = messages.output;
+        step.said = messages.warnings;
+    }
     step.shell = split_for_shell(step.forwarded);
     if (step.mode == Mode::compile || (step.mode == Mode::link && !step.forwarded.empty())) {
         const std::size_t driver_part = step.forwarded.size() - step.rebuilt.size();

@@ -3,36 +3,27 @@
 #pragma once
 
 #include "lltcov/explain/explain_words.h"
-#include "lltld/object_scan.h"
-#include "lltwrapper/classify.h"
+#include "lltwrapper/step_plan.h"
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
-/// What an archive step finds when it looks at its arguments.
-struct ArchiveMembers {
-    std::vector<std::string> named;           ///< behind the archive, also in response files
-    std::vector<std::string> plain;           ///< those of them without coverage symbols
-    std::vector<ScannedObject> with_coverage; ///< every argument that counts, in order
-};
-
 /// A command explained.
-struct ExplainedStep {
+struct ExplainedStep : Plan {
     std::vector<std::string> arguments; ///< of the wrapper
     std::vector<std::string> command;   ///< those of them that are not its own, the tool first
     bool answered = false;              ///< the wrapper answers itself: version, help, usage
-    Decision decision;
-    Mode mode = Mode::unchanged;   ///< as decided, but `unchanged` for an archive without coverage
-    ArchiveMembers members;        ///< in archive steps
-    std::string name;              ///< module or target; empty where there is none
-    std::string work_area;         ///< in archive steps with a named archive
-    std::string rebuilt;           ///< the rebuilt command
-    std::string forwarded;         ///< what runs; empty when nothing does
-    ShellWords shell;              ///< the words of `forwarded`
-    std::size_t driver_words = 0;  ///< how many of them come before the rebuilt command
-    std::string prints;            ///< what the wrapper prints until then
-    std::vector<std::string> said; ///< its lines on standard error, without its name
+    std::vector<std::string> named;     ///< members behind the archive, also in response files
+    std::vector<std::string> plain;     ///< those of them without coverage symbols
+    std::string name;                   ///< module or target; empty where there is none
+    std::string work_area;              ///< in archive steps with a named archive
+    std::string rebuilt;                ///< the rebuilt command
+    std::string forwarded;              ///< what runs; empty when nothing does
+    ShellWords shell;                   ///< the words of `forwarded`
+    std::size_t driver_words = 0;       ///< how many of them come before the rebuilt command
+    std::string prints;                 ///< what the wrapper prints until then
+    std::vector<std::string> said;      ///< its lines on standard error, without its name
 };
 
 /// True for the wrapper's own options, all of which have a value, in any case of letters.

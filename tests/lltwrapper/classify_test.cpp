@@ -1,6 +1,5 @@
-#include "lltwrapper/classify.h"
-
 #include "commonfunc/Caddis_func.h"
+#include "lltwrapper/step_plan.h"
 #include "lltwrapper/wrapper_state.h"
 #include "tests/fixture.h"
 #include "tests/lltwrapper/words.h"

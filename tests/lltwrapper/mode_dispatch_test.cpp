@@ -6,9 +6,8 @@ using ModeDispatch = TestDir;
 
 TEST_F(ModeDispatch, AnEmptyVectorIsAUsageError)
 {
-    char* argv[] = {nullptr};
     testing::internal::CaptureStdout();
-    EXPECT_TRUE(answer_without_command(0, argv));
+    EXPECT_TRUE(answer_without_command({}));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "error usage\n");
 }
 
