@@ -2,6 +2,7 @@
 #include "contract/record.h"
 
 #include "commonfunc/text_lines.h"
+#include "contract/stub_modes.h"
 
 #include <cstddef>
 #include <sstream>
@@ -64,7 +65,7 @@ private:
         } else if (key == "object") {
             record_.object = lines_.rest_of_line();
         } else if (key == "mode") {
-            record_.stub_mode = static_cast<int>(number("stub mode", 9));
+            record_.stub_mode = static_cast<int>(number("stub mode", LAST_STUB_MODE));
         } else if (key == "command") {
             record_.compile_command = lines_.rest_of_line();
         } else if (key == "map") {

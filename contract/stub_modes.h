@@ -7,6 +7,9 @@
 
 #include <stdint.h>
 
+/* They are numbered from 0. */
+enum { LAST_STUB_MODE = 9 };
+
 /* What a point of an array takes. */
 enum PointWidth {
     POINT_IS_BIT, /* of 32-bit words */
@@ -36,7 +39,7 @@ struct CounterMode {
  */
 static inline struct CounterMode counter_mode(int stub_mode)
 {
-    static const struct CounterMode MODES[] = {
+    static const struct CounterMode MODES[LAST_STUB_MODE + 1] = {
         /* point       owner              rounds bytes recorded */
         {POINT_IS_BIT, ARRAYS_OF_STUB, 1, 0, 0},     /* 0 */
         {POINT_IS_WORD, ARRAYS_OF_STUB, 0, 4, 1},    /* 1 */
@@ -50,7 +53,7 @@ static inline struct CounterMode counter_mode(int stub_mode)
         {POINT_IS_BYTE, ARRAYS_OF_OBJECTS, 0, 4, 2}, /* 9: 2, defined elsewhere */
     };
     struct CounterMode mode = {POINT_IS_WORD, ARRAYS_OF_NOBODY, 0, 4, stub_mode};
-    if (stub_mode >= 0 && stub_mode < (int)(sizeof MODES / sizeof *MODES)) {
+    if (stub_mode >= 0 && stub_mode <= LAST_STUB_MODE) {
         mode = MODES[stub_mode];
     }
     return mode;

@@ -11,8 +11,9 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstddef>
 #include <cstdlib>
+#include <string>
+#include <string_view>
 
 namespace
 {

@@ -7,6 +7,8 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
+#include "contract/names.h"
+#include "contract/places.h"
 #include "lltld/program_objects.h"
 #include "lltwrapper/word_size.h"
 #include "lltwrapper/wrapper_state.h"
@@ -70,8 +72,9 @@ const char* link_driver(int token)
 void GenerateCMD2LLTCC()
 {
     // Kept: the project name is always LLTTEMP, and two blanks follow it.
-    strLLTCC = "lltcc -qmr_current_prj_path " + lltdbRootpath + " -projectname LLTTEMP " +
-               " -qmr_coverage_stub_mold " + lltcovmode + " " + pOriginalCmd;
+    strLLTCC = "lltcc -qmr_current_prj_path " + lltdbRootpath +
+               " -projectname " TEMPORARY_NAME " " + " -qmr_coverage_stub_mold " + lltcovmode +
+               " " + pOriginalCmd;
 }
 
 void GenerateCMD2LLTLD()
@@ -94,7 +97,7 @@ void GenerateCMD2LLTLD()
 void GenerateCMD2AR()
 {
     char stub[STUB_PATH_LENGTH + 1];
-    if (!format_bounded(stub, "%s/obj/__code_measure_stub_lib_%s.o", g_lxprj->szCovDictPath,
+    if (!format_bounded(stub, "%s/obj/" STUB_PREFIX "%s.o", g_lxprj->szCovDictPath,
                         g_lxprj->modName)) {
         warn(
             "the path of the stub object is longer than %zu bytes: '%s'; use a shorter project path",

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <vector>
 
 bool fits_identifier(const std::string& name)

@@ -7,6 +7,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 #include "commonfunc/text_lines.h"
+#include "contract/names.h"
 #include "contract/object_record.h"
 #include "contract/places.h"
 #include "contract/source_ini.h"
@@ -28,6 +29,9 @@
 
 namespace
 {
+
+/// Bytes of a source's name in a symbol: "_" and 16 digits follow.
+constexpr std::size_t NAME_PART = MAX_SYMBOL - 17;
 
 [[noreturn]] void fail(const std::string& what, const std::string& path)
 {
@@ -95,7 +99,7 @@ void move_into_place(const std::string& from, const std::string& to)
 
 std::string symbol_of(const std::string& source, const std::vector<std::string>& texts)
 {
-    std::string name = base_name(source).substr(0, 14);
+    std::string name = base_name(source).substr(0, NAME_PART);
     for (char& c : name) {
         const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
         c = letter || (c >= '0' && c <= '9') ? c : '_';
@@ -103,7 +107,7 @@ std::string symbol_of(const std::string& source, const std::vector<std::string>&
     if (name.empty() || (name[0] >= '0' && name[0] <= '9')) {
         name.insert(0, 1, '_');
     }
-    return name.substr(0, 14) + "_" + hash_name(texts);
+    return name.substr(0, NAME_PART) + "_" + hash_name(texts);
 }
 
 std::vector<Record> records_of(std::string_view object)

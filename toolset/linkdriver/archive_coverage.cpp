@@ -9,7 +9,6 @@
 #include "contract/places.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstring>
 #include <string_view>
 #include <utility>

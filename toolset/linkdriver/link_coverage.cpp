@@ -5,6 +5,7 @@
 
 #include "commonfunc/path_name.h"
 #include "contract/names.h"
+#include "toolset/linkdriver/archive_coverage.h"
 
 #include <algorithm>
 #include <cctype>

@@ -3,7 +3,6 @@
 
 #include "contract/linked_libraries.h"
 #include "lltld/object_scan.h"
-#include "toolset/linkdriver/archive_coverage.h"
 #include "toolset/linkdriver/link_command.h"
 
 #include <cstddef>

@@ -4,6 +4,7 @@
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
+#include "contract/linked_libraries.h"
 #include "contract/places.h"
 #include "contract/record.h"
 #include "lltld/archive_file.h"

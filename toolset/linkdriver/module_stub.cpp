@@ -24,7 +24,6 @@
 #include "lltld/work_area.h"
 #include "toolset/common/process.h"
 #include "toolset/counters/counter_text.h"
-#include "toolset/linkdriver/archive_coverage.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -3,6 +3,7 @@
 
 #include "dump_file.h"
 #include "image.h"
+#include "registry.h"
 #include "report.h"
 
 #include <errno.h>

@@ -9,6 +9,7 @@
 #include "image.h"
 #include "out.h"
 #include "place.h"
+#include "registry.h"
 
 #include <errno.h>
 #include <fcntl.h>

@@ -4,6 +4,7 @@
 
 #include "contract/dump_format.h"
 #include "out.h"
+#include "registry.h"
 
 #include <errno.h>
 #include <stdint.h>

@@ -5,6 +5,7 @@
 
 #include "contract/names.h"
 #include "out.h"
+#include "registry.h"
 
 #include <errno.h>
 #include <fcntl.h>
