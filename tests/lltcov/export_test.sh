@@ -159,7 +159,7 @@ expect_export 'and run' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 
 # Who writes a dump holds a lock of it.
 dump=$(echo llt_result/prog_exe.*)
 cp "$dump" whole
-(flock 9 && : >"$dump" && : >held && sleep 0.3 && cat whole >"$dump") 9<"$dump" &
+(exec 9<"$dump" && flock 9 && : >"$dump" && : >held && sleep 0.3 && cat whole >"$dump") &
 until [ -e held ]; do sleep 0.01; done
 expect_export 'beside a writer' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 branches, in 2 sources'
 wait

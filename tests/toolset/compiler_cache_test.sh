@@ -76,19 +76,20 @@ expect 'at most 0.4 of the time' yes "$([ $((second * 10)) -le $((first * 4)) ] 
 
 # --- lost records
 records=$work/second/LLTTEMP/codemeasure
-lose() { rm -rf "$records"/db/dbmain_cpp_* "$records"/ini/main_cpp_*; }
-found() { find "$records/db" -path '*/dbmain_cpp_*/record' | wc -l; }
+lose() { rm -rf "$records"/db/db"$1"_cpp_* "$records/ini/$1"_cpp_*; } # lose NAME: of NAME.cpp
+found() { find "$records/db" -path "*/db$1_cpp_*/record" | wc -l; }
 rebuild() { make CXX='lltwrapper ccache g++' LINK='lltwrapper g++' >"$work/log" 2>&1 || cat "$work/log"; }
 stats cache_miss >/dev/null
-lose
+lose main
 rm main.o
 rebuild
-expect 'a record comes back with the compile' 1 "$(found)"
+expect 'a record comes back with the compile' 1 "$(found main)"
 expect 'which is a hit' 1 "$(stats direct_cache_hit preprocessed_cache_hit)"
-lose
+lose main
+lose text # of the library
 rm prog
 rebuild
-expect 'a record comes back with the link' 1 "$(found)"
+expect 'records come back with the link' '1 1' "$(found main) $(found text)"
 rm -f "$work"/second/llt_result/*
 report third
 expect 'and the report with it' same "$(cmp "$work/first.info" "$work/third.info" && echo same)"

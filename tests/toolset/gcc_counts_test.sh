@@ -36,6 +36,7 @@ sections C++        | $CXX -fdata-sections -ffunction-sections -c throws.cpp && 
 compile and link    | $CC -O2 one.c two.c -o prog && ./prog
 partial link        | $CC -c one.c && $CC -c two.c && ld -r one.o two.o -o both.o && $CC both.o -o prog && ./prog
 archive             | $CC -O2 -c one.c && $CC -O2 -c two.c && $AR rcs libtwo.a two.o && $CC one.o -L. -ltwo -o prog && ./prog
+archive, mode 8     | export qmr_coverage_stub_mold=8 && $CC -c one.c && $CC -c two.c && $AR rcs libtwo.a two.o && $CC one.o -L. -ltwo -o prog && ./prog
 shared library      | $CC -fPIC -c two.c && $CC -shared two.o -o libtwo.so && $CC -c one.c && $CC one.o -L. -ltwo -Wl,-rpath,$PWD -o prog && ./prog
 static program      | $CC -O2 -c statements.c && $CC -static statements.o -o prog && ./prog
 x86:intel syntax    | $CC -O2 -masm=intel -c statements.c && $CC statements.o -o prog && ./prog

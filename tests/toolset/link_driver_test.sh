@@ -102,7 +102,7 @@ check_row uses_so "1 0" "1*3 0*37" "gcc main.o -Lsub -lbeta '-Wl,-rpath,\$ORIGIN
 rm -rf llt_result
 gcc plain.o -Lsub -lbeta "-Wl,-rpath,$PWD/sub" -o plain_uses_so && ./plain_uses_so
 expect "a plain program reports the library's counts" "1*3 0*37" "$(counts libbeta_so beta)"
-check_row two_forms "" "1*3 0*37" "gcc plain.o -Lsub -L. -lbeta -Wl,-rpath,sub -o two_forms"
+check_row two_forms "" "1*3 0*37" "gcc plain.o -Lsub -L. -Wl,-Bstatic,-Bdynamic -lbeta -Wl,-rpath,sub -o two_forms"
 expect "a library of both forms is the shared one" "no" "$([ -d two_forms_exe ] && echo yes || echo no)"
 expect "work areas of one stem" "libbeta libbeta_so" "$(echo libbeta libbeta_so/codemeasure/..* | sed 's|/.*||')"
 

@@ -86,6 +86,8 @@ done <<'END'
 1 -c -Winvalid-pch -Werror -include p.h a.c
 0 -c data.c
 0 -c broken.c
+1 -c broken.c a.c
+0 -c --coverage a.c
 0 -c missing.c
 0 -c badasm.c
 0 -c a.c --no-such-option

@@ -74,6 +74,8 @@ for option in -I -iquote -isystem; do
     compile 1 $option "$work/user"
     expect "headers, $option" 'in_source in_user' "$(functions)"
 done
+compile 1 -fprofile-exclude-files='/user\.h$' -isystem "$work/user"
+expect 'headers that the command excludes' in_source "$(functions)"
 while read -r variable language; do
     (export "$variable=$work/user" && compile 1 -x "$language")
     expect "headers, $variable, $language" 'in_source in_user' "$(functions)"

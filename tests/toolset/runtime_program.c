@@ -21,6 +21,9 @@
 #else
 #define NAME "program"
 #endif
+#ifndef MARK
+#define MARK "-"
+#endif
 
 /* The unit of sizes: 32 bits, bytes, or bits. */
 #define UNITS(bytes) (MODE == 0 ? (bytes)*8 : MODE == 2 ? (bytes) : (bytes) / 4)
@@ -39,6 +42,12 @@ static int add(void* module, unsigned int index, const char* name, void* array, 
     return QMR_AddCoverageBuf(module, index, (char*)name, array, size, units);
 }
 
+/* A program's own, which was there before the runtime's. */
+static void own_handler(int number)
+{
+    _exit(number);
+}
+
 __attribute__((constructor)) static void start(void)
 {
     const char* value = getenv("TEST_TIMER");
@@ -48,13 +57,17 @@ __attribute__((constructor)) static void start(void)
         TUSK_CovSetTimerPolicy(atoi(value));
         TUSK_CovSetTimerPolicy(other != NULL ? atoi(other + 1) : 0);
     }
+    if ((value = getenv("TEST_HANDLER")) != NULL) {
+        signal(atoi(value), own_handler);
+    }
     if ((value = getenv("TEST_SIGNAL")) != NULL) {
         TUSK_CovSetSignalPolicy(atoi(value));
     }
     if ((value = getenv("TEST_ROOT")) != NULL) {
         TUSK_CovSetlltcovRootpath(value);
     }
-    void* module = QMR_CreateCoverageListExt(NAME "-m", "area/" NAME "/codemeasure", 3, MODE + 1);
+    void* module =
+        QMR_CreateCoverageListExt(NAME MARK "m", "area/" NAME "/codemeasure", 3, MODE + 1);
     if (!add(module, 0, "first.c", counters, sizeof counters, UNITS(320)) ||
         !add(module, 1, "second.c", second, 24, UNITS(24)) ||
         !add(module, 2, "twice.c", second, 24, UNITS(24)) ||
@@ -202,6 +215,9 @@ void* load_plugin(const char* path)
 static void unload(char** argv)
 {
     dlclose(load_plugin(argv[2]));
+    if (argv[3] != NULL) {
+        raise(atoi(argv[3]));
+    }
     lltcov_dump();
 }
 

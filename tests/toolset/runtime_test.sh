@@ -6,6 +6,7 @@ build static "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
 build static_norelro "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread -Wl,-z,norelro
 build shared "$exec_part" -L"$binaries" -Wl,-rpath,"$binaries" -llltcov_rt -ldl -pthread
 build bits -DMODE=0 "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
+build marked -DMARK='"/"' "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
 build bytes -DMODE=2 "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
 build plugin.so -DPLUGIN -fPIC -shared "$binaries/liblltcov_rt.a"
 echo '{ global: run_plugin; local: *; };' > hidden.map
@@ -55,8 +56,10 @@ of 0|0||_exit
 of 0|0|TEST_TIMER=0|wait
 0=1 of 1|0|TEST_SIGNAL=10|raise 10
 0=1 of 1|143|TEST_SIGNAL=15|raise 15
+0=1 of 1|10|TEST_SIGNAL=10 TEST_HANDLER=10|raise 10
 0=1 of 1|139|TEST_SIGNAL=11|raise 11
 0=1 of 1|0||hidden ./hidden.so
+0=1 of 1|0|TEST_SIGNAL=10|plugin ./hidden.so 10
 0=1 of 1|0||plugin ./plugin.so
 ROWS
 expect "a library's counts outlive it" "7=1 of 1" "$(sums plugin-m)"
@@ -77,6 +80,8 @@ rm -rf root
 for how in exit _exit exit vfork; do LLTCOV_ROOT=root ./static $how; done
 expect "processes add up" "0=3 2=1 of 3" "$(sums program-m)"
 expect "in one file" 1 "$(files)"
+LLTCOV_ROOT=root ./marked exit
+expect "a name that is no file name" "0=1 of 1" "$(sums program_m)"
 for program in bits bytes; do
     rm -rf root
     LLTCOV_ROOT=root ./$program fork exit
