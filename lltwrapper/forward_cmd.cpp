@@ -57,7 +57,7 @@ void append_image_stub()
 {
     if (!env_is_filled("LLT_TargetName")) {
         pOriginalCmd +=
-            lltdbRootpath + "/tmp_vmlinux1/codemeasure/obj/__code_measure_stub_lib_tmp_vmlinux1.o";
+            places::stub(places::work_area(lltdbRootpath, "tmp_vmlinux1"), "tmp_vmlinux1", ".o");
     }
 }
 

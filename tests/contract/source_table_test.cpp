@@ -18,7 +18,7 @@ std::string record_bytes()
 
 } // namespace
 
-TEST(SourceTable, ARecordHasTheSameBytesEverywhere)
+TEST(SourceTableFormat, ARecordHasTheSameBytesEverywhere)
 {
     const std::vector<_SOURCEFILE_OBJECT> records = read_source_table(record_bytes());
     ASSERT_EQ(records.size(), 1U);
@@ -33,7 +33,7 @@ TEST(SourceTable, ARecordHasTheSameBytesEverywhere)
     EXPECT_EQ(bytes_of(record), record_bytes());
 }
 
-TEST(SourceTable, OneWithAPartOfARecordIsDamaged)
+TEST(SourceTableFormat, OneWithAPartOfARecordIsDamaged)
 {
     const std::string two = record_bytes() + record_bytes();
     EXPECT_EQ(read_source_table(two).size(), 2U);
@@ -42,7 +42,7 @@ TEST(SourceTable, OneWithAPartOfARecordIsDamaged)
     }
 }
 
-TEST(SourceTable, ANameBeginsWithTheSymbolAndEndsWithWhatJoinsByOr)
+TEST(SourceTableFormat, ANameBeginsWithTheSymbolAndEndsWithWhatJoinsByOr)
 {
     EXPECT_EQ(name_in_table("a_1", "c", 0), "a_1.c");
     EXPECT_EQ(name_in_table("a_1", "cpp", 16), "a_1.cpp:16");
