@@ -69,7 +69,7 @@ test_target() {
 }
 
 failed=()
-cp -a "$toolset/../hello" "$work/source"
+cp -a "$root/examples/hello" "$work/source"
 make -s -C "$work/source" clean
 while read -r name prefix emulator modes options; do
     [ $# = 0 ] || [ "$name" = native ] || [[ " $* " = *" $name "* ]] || continue
