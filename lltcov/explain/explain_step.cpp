@@ -6,6 +6,8 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
+#include "contract/names.h"
+#include "contract/places.h"
 #include "lltld/object_scan.h"
 #include "lltld/work_area.h"
 #include "lltwrapper/archive_prepare.h"
@@ -65,7 +67,7 @@ void look_at_members(ExplainedStep& step)
 bool name_areas(const std::string& root, const std::string& module)
 {
     name_work_area(root, module);
-    return copy_bounded(g_lxprj->szLLTTEMP, absolute_path(root) + "/LLTTEMP");
+    return copy_bounded(g_lxprj->szLLTTEMP, places::temporary_folder(absolute_path(root)));
 }
 
 void take_the_road(ExplainedStep& step)
@@ -85,7 +87,7 @@ void take_the_road(ExplainedStep& step)
         look_at_members(step);
     }
     if (step.mode == Mode::compile) {
-        step.name = "LLTTEMP";
+        step.name = TEMPORARY_NAME;
     } else if (step.mode == Mode::link || step.archive.is_named) {
         step.name = strLinkName;
     }
