@@ -16,7 +16,6 @@
 #include <set>
 #include <string>
 #include <sys/stat.h>
-#include <sys/types.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>

@@ -10,7 +10,6 @@
 #include "lltld/cov_paths.h"
 #include "lltld/expired_inst.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <list>

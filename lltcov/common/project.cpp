@@ -10,9 +10,7 @@
 #include "contract/names.h"
 #include "contract/places.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <dirent.h>
 #include <fnmatch.h>
 #include <memory>
 

@@ -4,7 +4,6 @@
 #include "commonfunc/file_tree.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/path_search.h"
-#include "lltcov/common/project.h"
 #include "lltcov/common/tool_kind.h"
 #include "lltcov/doctor/doctor.h"
 #include "lltcov/shims/shim_text.h"

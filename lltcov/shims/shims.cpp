@@ -10,7 +10,6 @@
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/path_search.h"
-#include "lltcov/common/project.h"
 #include "lltcov/common/tool_kind.h"
 #include "lltcov/shims/shim_text.h"
 
