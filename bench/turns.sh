@@ -26,7 +26,7 @@ make_tree() {
     LLT_WRAP=0 logged "$1.configure" configure_project "$name"
 }
 
-# timed LIST COMMAND...: appends its milliseconds to LIST.times of the work folder
+# timed LIST COMMAND...: appends its milliseconds to LIST.times of the work directory
 timed() {
     local list=$work/$1.times began=${EPOCHREALTIME/[.,]/}
     shift

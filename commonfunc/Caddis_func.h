@@ -26,7 +26,7 @@
 class _Caddis_CoverageItem
 {
 public:
-    int gcovmode = 0;          ///< coverage-mode switch
+    int gcovmode = 0;          ///< for drivers; not used here
     int cvgflag = 0;           ///< coverage flag; not set here
     int simplemode = 0;        ///< not set here
     int stubmode = 0;          ///< stub mode, from "qmr_coverage_stub_mold"

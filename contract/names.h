@@ -16,10 +16,10 @@
  * An object that holds the text is a test loader. */
 #define TEST_LOADER_PREFIX "ZJ_Start_"
 
-/* The folder of a module, or of the temporary area, that holds everything. */
+/* The directory of a module, or of the temporary area, that holds everything. */
 #define AREA_NAME "codemeasure"
 
-/* The folder of the project that compiles of all modules share, and the project that compiler
+/* The directory of the project that compiles of all modules share, and the project that compiler
  * drivers are told. */
 #define TEMPORARY_NAME "LLTTEMP"
 
@@ -27,7 +27,7 @@
 #define DUMP_SUFFIX ".lltcov"
 #define SPARE_SUFFIX ".tmp"
 
-/* The folder for dumps of a project that names none. */
+/* The directory for dumps of a project that names none. */
 #define DUMP_FOLDER "llt_result"
 
 #endif

@@ -1,4 +1,4 @@
-// The only place where the names of folders and files are put together.
+// The only place where the names of directories and files are put together.
 #include "contract/places.h"
 
 #include "contract/names.h"
@@ -11,14 +11,14 @@ std::string area_in(const std::string& folder)
     return folder + "/" AREA_NAME;
 }
 
-std::string temporary_folder(const std::string& root)
+std::string temporary_directory(const std::string& root)
 {
     return root + "/" TEMPORARY_NAME;
 }
 
 std::string temporary_area(const std::string& root)
 {
-    return area_in(temporary_folder(root));
+    return area_in(temporary_directory(root));
 }
 
 std::string work_area(const std::string& root, const std::string& module)
@@ -26,9 +26,9 @@ std::string work_area(const std::string& root, const std::string& module)
     return area_in(root + "/" + module);
 }
 
-std::string temporary_folder_near(const std::string& area)
+std::string temporary_directory_near(const std::string& area)
 {
-    return temporary_folder(area + "/../..");
+    return temporary_directory(area + "/../..");
 }
 
 std::string db(const std::string& area)

@@ -1,6 +1,6 @@
-// Where everything of a project is: its folder ROOT holds a work area for each module, and the
+// Where everything of a project is: its directory ROOT holds a work area for each module, and the
 // temporary area, which compiles of all modules share. Both are areas of one layout: a database
-// with a folder per symbol or number (DB), an INI file and a saved object per symbol (S). Pure:
+// with a directory per symbol or number (DB), an INI file and a saved object per symbol (S). Pure:
 // paths are built whole, however long, and nothing is looked up.
 #pragma once
 
@@ -11,21 +11,21 @@ namespace places
 
 // --- areas
 
-std::string area_in(const std::string& folder);        ///< FOLDER/codemeasure
-std::string temporary_folder(const std::string& root); ///< ROOT/LLTTEMP
-std::string temporary_area(const std::string& root);   ///< ROOT/LLTTEMP/codemeasure
+std::string area_in(const std::string& folder);           ///< FOLDER/codemeasure
+std::string temporary_directory(const std::string& root); ///< ROOT/LLTTEMP
+std::string temporary_area(const std::string& root);      ///< ROOT/LLTTEMP/codemeasure
 
 /// ROOT/MODULE/codemeasure
 std::string work_area(const std::string& root, const std::string& module);
 
-/// AREA/../../LLTTEMP: the temporary folder as the archive step finds it. Where the module's folder
-/// is a link, that is beside its target.
-std::string temporary_folder_near(const std::string& area);
+/// AREA/../../LLTTEMP: the temporary directory as the archive step finds it. Where the module's
+/// directory is a link, that is beside its target.
+std::string temporary_directory_near(const std::string& area);
 
 // --- in an area
 
-/// The folders that a compile fills.
-inline constexpr const char* FILLED_FOLDERS[] = {"/db", "/ini", "/obj/before"};
+/// The directories that a compile fills.
+inline constexpr const char* FILLED_DIRECTORIES[] = {"/db", "/ini", "/obj/before"};
 
 std::string db(const std::string& area);                      ///< AREA/db
 std::string numbered_db(const std::string& area, int number); ///< AREA/db/dbN: in work areas
@@ -36,7 +36,7 @@ std::string symbol_db(const std::string& area, const std::string& symbol);
 std::string ini(const std::string& area, const std::string& symbol);          ///< AREA/ini/S.ini
 std::string saved_object(const std::string& area, const std::string& symbol); ///< AREA/obj/before/S
 
-// --- in a folder of the database
+// --- in a directory of the database
 
 std::string table(const std::string& folder); ///< DB/.tab: AREA/db has the merged table
 std::string

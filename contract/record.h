@@ -11,8 +11,8 @@
 //     command gcc -g -O2           content of "CompileCmd.txt"
 //     map REAL=RECORDED            path prefix and what the compiler was told to record for it
 //     compiler gcc                 gcc or clang: who counts, and how the rest reads
-//     reader /usr/bin/gcov-12      program that reads the notes (gcc), LLVM's tools folder (clang)
-//     array 96 16                  bytes of the counters; how many at the end join by "or"
+//     reader /usr/bin/gcov-12      program that reads the notes (gcc), LLVM's tools directory
+//     (clang) array 96 16                  bytes of the counters; how many at the end join by "or"
 //     version 1110585898 1         version word of notes and data; 1 when data have a checksum
 //     (gcc) function 70510028 1 99 f     identifier, checksums of lines and flow, name (gcc)
 //     profile 24 f                 hash of the structure, name in profiles (clang)

@@ -1,6 +1,6 @@
-// Source-file tables, ".tab": the instrumented sources of one database folder with their numbering
-// of instrumentation points. The compiler driver writes one of its source, the archive and link
-// steps merge them, lltcov reads both.
+// Source-file tables, ".tab": the instrumented sources of one database directory with their
+// numbering of instrumentation points. The compiler driver writes one of its source, the archive
+// and link steps merge them, lltcov reads both.
 //
 // A plain sequence of 280-byte records, little-endian, no header, no count. Archive steps and links
 // ignore a remainder, lltcov takes a table that has one for damaged.

@@ -18,7 +18,7 @@ die() {
     exit 1
 }
 
-# logged LOG COMMAND...: output goes to LOG.log of the project's work folder
+# logged LOG COMMAND...: output goes to LOG.log of the project's work directory
 logged() {
     local log=$work/$1.log
     shift
@@ -27,7 +27,7 @@ logged() {
     die "$* (log: $log)"
 }
 
-# fetch NAME WORK: makes an empty work folder with the project's sources in it
+# fetch NAME WORK: makes an empty work directory with the project's sources in it
 fetch() {
     rm -rf "$2"
     mkdir -p "$2"
@@ -58,7 +58,7 @@ prepare() {
 }
 
 # wrapper_environment DRIVERS: what a project that is built through lltwrapper and the drivers of
-# that folder sets up. Its compilers and archivers are shims, which do nothing special in configure
+# that directory sets up. Its compilers and archivers are shims, which do nothing special in configure
 # steps, with LLT_WRAP=0.
 wrapper_environment() {
     logged shims "$root/build/release/lltcov" shims "$place/shims"

@@ -40,7 +40,7 @@ make_report() {
     logged export lltcov export --lcov -o "$work/report.info"
     logged genhtml genhtml --title "$name" --prefix "$place/tree" --demangle-cpp --branch-coverage \
         -o "$work/html" "$work/report.info"
-    # "SOURCE LINE COUNT", the source relative to the project's folder
+    # "SOURCE LINE COUNT", the source relative to the project's directory
     sed -n -e 's/^SF://p' -e 's/^DA:/ /p' "$work/report.info" |
         awk -v skip=$((${#place} + 7)) '/^ / { sub(",", " "); print source $0; next }
             { source = substr($0, skip) }' | sort >"$work/lines"

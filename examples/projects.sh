@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # The sample projects: where their sources come from and how each is configured, built and tested,
-# as its own documentation says. To be sourced. The commands run in the project's folder and know
+# as its own documentation says. To be sourced. The commands run in the project's directory and know
 # nothing of coverage: they take CC, CXX, AR and CFLAGS from the environment when these are set
 # (for plain makefiles by make -e), else what they find on PATH.
 #

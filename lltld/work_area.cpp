@@ -70,7 +70,7 @@ bool enter_work_area(const std::string& root, const std::string& module)
     name_work_area(root, module);
     const bool created = CodeMeasure_CreateDir() != 0;
     lock_work_area(prj.szCovDictPath);
-    const std::string temp = absolute_path(places::temporary_folder_near(prj.szCovDictPath));
+    const std::string temp = absolute_path(places::temporary_directory_near(prj.szCovDictPath));
     if (!copy_bounded(prj.szLLTTEMP, temp)) {
         prj.isCovDictPathCut = true;
     }

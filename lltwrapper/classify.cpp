@@ -28,7 +28,7 @@ struct Scan {
     bool run_as_is = false;  ///< "-S" or "-E"
     bool archiver = false;   ///< the tool of "-artool"
     std::string output;      ///< value of the last "-o"
-    std::string archive;     ///< first archive named behind the archiver
+    std::string archive;     ///< first archive named after the archiver
 };
 
 bool is_suffix_option(const std::string& argument)

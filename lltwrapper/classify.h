@@ -39,7 +39,7 @@ struct Decision {
     Mode mode = Mode::unchanged;
     Reason reason = Reason::no_build_step;
     bool has_archiver = false; ///< an argument is the archiver of "-artool"
-    std::string archive;       ///< first archive named behind the archiver, as it stands; or empty
+    std::string archive;       ///< first archive named after the archiver, as it stands; or empty
     std::string archive_path;  ///< made absolute
     std::string output;        ///< value of the last "-o"
     std::string output_path;   ///< made absolute and cut, for the kernel target lists alone

@@ -31,8 +31,8 @@ struct Walk {
 
     const char* argument() const { return arguments[at].c_str(); }
 
-    /// The n-th argument behind the current one; null when the command ends before it.
-    const char* behind(std::size_t n) const
+    /// The n-th argument after the current one; null when the command ends before it.
+    const char* after(std::size_t n) const
     {
         return at + n < arguments.size() ? arguments[at + n].c_str() : nullptr;
     }
@@ -42,7 +42,7 @@ struct Walk {
     /// Uses up the current argument and its value, or the argument alone when it stands last.
     const char* use_with_value()
     {
-        const char* value = behind(1);
+        const char* value = after(1);
         use(value != nullptr ? 2 : 1);
         return value;
     }
@@ -71,7 +71,7 @@ void drop_own_option(Walk& walk)
 
 void drop_project_path(Walk& walk)
 {
-    const char* next = walk.behind(2);
+    const char* next = walk.after(2);
     const bool named = next != nullptr && std::strcmp(next, "-projectname") == 0;
     if (!named) {
         say("error \"projectname\". \r\n");

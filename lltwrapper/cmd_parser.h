@@ -14,6 +14,6 @@ void parser(int argc, char** argv);
 /// The text with a backslash before each double quote, blank, "(", ")", "<" and ">".
 std::string escape_for_shell(const std::string& text);
 
-/// Appends `escape_for_shell` of `src` behind the text in `dst`. Writes no NUL: the caller
-/// provides a buffer that is zero behind its text and large enough.
+/// Appends `escape_for_shell` of `src` after the text in `dst`. Writes no NUL: the caller
+/// provides a buffer that is zero after its text and large enough.
 void StrReplace(const char* src, char* dst);

@@ -104,15 +104,15 @@ void GenerateCMD2AR()
             STUB_PATH_LENGTH, stub);
     }
     const int found = static_cast<int>(pOriginalCmd.find(arname));
-    const std::size_t behind_name = static_cast<std::size_t>(found + 1) + arname.size();
+    const std::size_t after_name = static_cast<std::size_t>(found + 1) + arname.size();
     if (found < 0) {
         // Kept: the position -1 counts on, so the stub lands at the length of the name.
         warn(
             "the archive '%s' does not stand so in the command '%s': the stub object goes to byte %zu of it; name the archive without characters that the shell needs escaped",
-            arname.c_str(), beginning_of(pOriginalCmd).c_str(), behind_name);
+            arname.c_str(), beginning_of(pOriginalCmd).c_str(), after_name);
     }
     strLLTAR = pOriginalCmd;
-    const std::size_t at = std::min(behind_name, strLLTAR.size());
+    const std::size_t at = std::min(after_name, strLLTAR.size());
     strLLTAR.insert(at, std::string(stub) + " ");
 }
 

@@ -1,5 +1,5 @@
 // The commands that are forwarded: to the instrumenting compiler driver, to a link driver, and to
-// the archiver with the coverage stub inserted.
+// the archiver with the stub inserted.
 #pragma once
 
 #include "lltwrapper/classify.h"
@@ -22,7 +22,7 @@ void GenerateCMD2LLTCC();
 /// as it was.
 void GenerateCMD2LLTLD();
 
-/// Sets `strLLTAR`: the command with the module's stub object behind the first occurrence of the
+/// Sets `strLLTAR`: the command with the module's stub object after the first occurrence of the
 /// archive name. A stub path that does not fit is cut, with a warning: the command must not run
 /// then.
 void GenerateCMD2AR();

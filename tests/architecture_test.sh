@@ -1,12 +1,12 @@
 #!/bin/bash
 # Holds the table of ARCHITECTURE.md against the files: fails for a row that names no file, and for
-# a unit (a source and the header of its name) that no row covers. A row that names a folder covers
+# a unit (a source and the header of its name) that no row covers. A row that names a directory covers
 # all that is in it.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # places: what the rows of the table name, a path from the root in each line. A name without a slash
-# stands in the folder of the path before it.
+# stands in the directory of the path before it.
 places() {
     sed -n '/^| where |/,/^$/ { /^| `/p }' ARCHITECTURE.md | cut -d '|' -f 2 |
         awk -F '`' '{
@@ -23,7 +23,7 @@ units() {
         sed 's/^\.\///; s/\.[a-z]*$//' | sort -u
 }
 
-# covers PLACE UNIT: the place is the unit, a pattern for it, or a folder above it
+# covers PLACE UNIT: the place is the unit, a pattern for it, or a directory above it
 covers() {
     # shellcheck disable=SC2254 # a place may be a pattern
     case $2 in ${1%.[ch]*} | $1/*) return 0 ;; esac

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Fails when a unit does not include what it uses, or includes what it does not use, as
 # include-what-you-use sees it; headers are looked at with the source of their name.
-# usage: check_includes.sh BUILD      BUILD: a build folder configured for clang
+# usage: check_includes.sh BUILD      BUILD: a build directory configured for clang
 set -euo pipefail
 cd "$(dirname "$0")/.."
 rooms=(commonfunc contract lltld lltwrapper lltcov toolset)

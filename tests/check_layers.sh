@@ -26,7 +26,7 @@ END
 }
 
 # includes: "FILE:LINE ROOM INCLUDED", for each include of a file of the project; headers of the
-# file's own folder may stand without it
+# file's own directory may stand without it
 includes() {
     grep -rnE --include='*.c' --include='*.cpp' --include='*.h' '^[[:space:]]*#[[:space:]]*include[[:space:]]*"' \
         commonfunc contract lltld lltwrapper lltcov toolset |

@@ -1,11 +1,11 @@
 # shellcheck shell=bash
 # What every script test stands on, to be sourced first: a scrubbed environment with the built programs
-# first on PATH, an empty folder as the current one, one way to compare, to skip and to end.
+# first on PATH, an empty directory as the current one, one way to compare, to skip and to end.
 #
-#     NAME_test.sh PROGRAMS [ARGUMENT...]     PROGRAMS: the folder of the built programs
+#     NAME_test.sh PROGRAMS [ARGUMENT...]     PROGRAMS: the directory of the built programs
 #
-# It sets `root` (the source tree), `programs`, `work` (the folder), `compiler` (CC, else gcc), and
-# takes PROGRAMS from the arguments. The folder is removed after a success, kept and named after a failure.
+# It sets `root` (the source tree), `programs`, `work` (the directory), `compiler` (CC, else gcc), and
+# takes PROGRAMS from the arguments. The directory is removed after a success, kept and named after a failure.
 set -u
 unset CDPATH
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

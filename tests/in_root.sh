@@ -28,7 +28,7 @@ make_base() {
     touch "$base.made"
 }
 
-# Nothing is removed while the machine's own folders are mounted there.
+# Nothing is removed while the machine's own directories are mounted there.
 leave() {
     umount "$root/proc" "$root/dev" 2>/dev/null || true
     grep -q " $root/" /proc/mounts || rm -rf --one-file-system "$root"

@@ -134,7 +134,7 @@ void check_places(Examined& examined, Findings& findings)
     const std::string area = places::temporary_area(examined.data.root);
     const char* const records = "where the compiler driver leaves its records";
     check_directory(area, records, "source the project's TUSK_INIT.SH", findings);
-    for (const char* part : places::FILLED_FOLDERS) {
+    for (const char* part : places::FILLED_DIRECTORIES) {
         if (QMRPathIsDirectory(area.c_str()) != 0) {
             check_directory(area + part, records, "source the project's TUSK_INIT.SH", findings);
         }

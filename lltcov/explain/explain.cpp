@@ -21,7 +21,7 @@
 namespace
 {
 
-/// The arguments of the subcommand: what stands behind "--", or everything when the first one is no
+/// The arguments of the subcommand: what follows "--", or everything when the first one is no
 /// option. Options before it go to the command line.
 std::vector<std::string> wrapped_command(const Arguments& arguments)
 {
@@ -47,7 +47,7 @@ std::vector<std::string> wrapped_command(const Arguments& arguments)
     return command;
 }
 
-/// Prints the text behind its label, further lines below it.
+/// Prints the text after its label, further lines below it.
 void put(const char* label, const std::string& text)
 {
     std::vector<std::string> lines;

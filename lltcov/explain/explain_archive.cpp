@@ -40,7 +40,7 @@ void advise_on_missing_archive(Advice& advice)
                              : "call the archiver without lltwrapper for this"));
 }
 
-/// The letter of ar's operation, from the argument behind the archiver; NUL when that has none.
+/// The letter of ar's operation, from the argument after the archiver; NUL when that has none.
 char operation_of(const std::vector<std::string>& command)
 {
     const auto at = std::find_if(command.begin(), command.end(), [](const std::string& text) {

@@ -37,7 +37,7 @@ std::vector<std::string> without_own_options(const std::vector<std::string>& arg
     return command;
 }
 
-/// The members that an archive command names: what stands behind the archive and is no option.
+/// The members that an archive command names: what follows the archive and is no option.
 std::vector<std::string> named_members(const std::vector<std::string>& command,
                                        const std::string& archive)
 {
@@ -67,7 +67,7 @@ void look_at_members(ExplainedStep& step)
 bool name_areas(const std::string& root, const std::string& module)
 {
     name_work_area(root, module);
-    return copy_bounded(g_lxprj->szLLTTEMP, places::temporary_folder(absolute_path(root)));
+    return copy_bounded(g_lxprj->szLLTTEMP, places::temporary_directory(absolute_path(root)));
 }
 
 void take_the_road(ExplainedStep& step)

@@ -14,7 +14,7 @@ struct ExplainedStep : Plan {
     std::vector<std::string> arguments; ///< of the wrapper
     std::vector<std::string> command;   ///< those of them that are not its own, the tool first
     bool answered = false;              ///< the wrapper answers itself: version, help, usage
-    std::vector<std::string> named;     ///< members behind the archive, also in response files
+    std::vector<std::string> named;     ///< members after the archive, also in response files
     std::vector<std::string> plain;     ///< those of them without coverage symbols
     std::string name;                   ///< module or target; empty where there is none
     std::string work_area;              ///< in archive steps with a named archive
@@ -29,6 +29,6 @@ struct ExplainedStep : Plan {
 /// True for the wrapper's own options, all of which have a value, in any case of letters.
 bool is_own_option(const std::string& argument);
 
-/// Explains the command that stands behind "lltwrapper". Runs and makes nothing, but sets the
+/// Explains the command that follows "lltwrapper". Runs and makes nothing, but sets the
 /// wrapper's state and environment as the command would: to be called once in a process.
 ExplainedStep explain_step(const std::vector<std::string>& command);

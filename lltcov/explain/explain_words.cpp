@@ -88,7 +88,7 @@ void Splitter::take_comment()
 void Splitter::take_backslash()
 {
     if (at_ + 1 == in_.size()) {
-        add('\\'); // nothing behind it: it stands for itself
+        add('\\'); // nothing follows: it stands for itself
     } else if (in_[at_ + 1] != '\n') {
         add(in_[at_ + 1]);
     }

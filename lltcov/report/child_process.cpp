@@ -41,7 +41,7 @@ std::vector<char*> english_environment()
 
 } // namespace
 
-TemporaryFolder::TemporaryFolder()
+TemporaryDirectory::TemporaryDirectory()
     : path_((env_is_filled("TMPDIR") ? absolute_path(env_text("TMPDIR")) : "/tmp") +
             "/lltcov-XXXXXX")
 {
@@ -50,12 +50,12 @@ TemporaryFolder::TemporaryFolder()
     }
 }
 
-TemporaryFolder::~TemporaryFolder()
+TemporaryDirectory::~TemporaryDirectory()
 {
     remove_tree(path_);
 }
 
-void TemporaryFolder::write(const std::string& name, const std::string& bytes) const
+void TemporaryDirectory::write(const std::string& name, const std::string& bytes) const
 {
     const std::string path = path_ + "/" + name;
     File file = open_file(path, "wbe");
@@ -67,14 +67,14 @@ void TemporaryFolder::write(const std::string& name, const std::string& bytes) c
     }
 }
 
-std::string TemporaryFolder::read(const std::string& name) const
+std::string TemporaryDirectory::read(const std::string& name) const
 {
     std::string bytes;
     read_whole_file(path_ + "/" + name, bytes);
     return bytes;
 }
 
-pid_t start_program(const std::vector<std::string>& words, const TemporaryFolder& folder,
+pid_t start_program(const std::vector<std::string>& words, const TemporaryDirectory& folder,
                     const std::string& name)
 {
     constexpr int WRITING = O_WRONLY | O_CREAT | O_TRUNC;

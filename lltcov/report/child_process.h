@@ -8,14 +8,14 @@
 #include <vector>
 
 /// A directory that only its owner can enter; it is removed, with all it holds, in the end.
-class TemporaryFolder
+class TemporaryDirectory
 {
 public:
     /// Makes it below "TMPDIR", else /tmp; throws `std::runtime_error` when that fails.
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    TemporaryDirectory();
+    ~TemporaryDirectory();
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
 
     /// The directory's absolute path.
     const std::string& path() const { return path_; }
@@ -33,7 +33,7 @@ private:
 /// Starts a program, found through PATH, in the directory. Its output goes to NAME.out there, what
 /// it says on standard error, in English, to NAME.err; its input is empty. 0 when it cannot be
 /// started.
-pid_t start_program(const std::vector<std::string>& words, const TemporaryFolder& folder,
+pid_t start_program(const std::vector<std::string>& words, const TemporaryDirectory& folder,
                     const std::string& name);
 
 /// Waits for it; its exit status as a shell's `$?`, 127 for 0.

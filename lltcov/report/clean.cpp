@@ -99,7 +99,7 @@ private:
 
     void clean_temporary()
     {
-        const std::string temporary = places::temporary_folder(root_);
+        const std::string temporary = places::temporary_directory(root_);
         if (type_of(temporary) == S_IFDIR) {
             temporary_ = remove(temporary);
         } else if (type_of(temporary) != 0) {
@@ -185,7 +185,7 @@ int run_clean(const Arguments& arguments)
         throw UsageError("choose one of --gone and --all");
     }
     const std::string root = project_root(line);
-    if (type_of(places::temporary_folder(root)) == 0 && modules_of(root).empty()) {
+    if (type_of(places::temporary_directory(root)) == 0 && modules_of(root).empty()) {
         warn(
             "'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name the project with --project",
             root.c_str());

@@ -186,7 +186,7 @@ private:
     const ObjectReadings& objects_;
     Counting counting_;
     Findings& findings_;
-    TemporaryFolder folder_;
+    TemporaryDirectory folder_;
     GcovChoice choice_;
     std::vector<bool> is_read_;
     std::map<std::size_t, std::string> complaints_; ///< by index

@@ -175,7 +175,7 @@ private:
     std::vector<Part>& parts_;
     Counting counting_;
     Findings& findings_;
-    TemporaryFolder folder_;
+    TemporaryDirectory folder_;
     std::map<std::string, LlvmTools> tools_; ///< by recorded directory
     Progress progress_;
 };

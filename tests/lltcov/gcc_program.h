@@ -14,7 +14,7 @@ struct GccObject {
     std::string data; ///< content of the data file, its stamp and checksum zeroed
 };
 
-/// Compiles the source text in the current folder as FILE, runs it once, and takes what it left.
+/// Compiles the source text in the current directory as FILE, runs it once, and takes what it left.
 /// Further words go to the compiler.
 GccObject run_gcc_program(const std::string& file, const std::string& text,
                           const std::string& words = "");

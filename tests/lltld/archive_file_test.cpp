@@ -7,7 +7,7 @@
 namespace
 {
 
-/// A header of ar(5) and the content behind it.
+/// A header of ar(5) and the content after it.
 std::string member(std::string name, const std::string& content, std::size_t size)
 {
     name.resize(16, ' ');
@@ -22,7 +22,7 @@ std::string member(const std::string& name, const std::string& content)
     return member(name, content, content.size());
 }
 
-/// "NAME=CONTENT|..." of the members, and behind ":" the symbols with "," for each NUL.
+/// "NAME=CONTENT|..." of the members, and after ":" the symbols with "," for each NUL.
 std::string shown(const std::string& bytes)
 {
     const ArchiveFile archive = read_archive_file(bytes);

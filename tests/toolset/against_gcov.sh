@@ -2,7 +2,7 @@
 # shellcheck disable=SC2154 # work is that of the sourcing script
 # Builds a program with `gcc --coverage` and through lltwrapper and the tool set, and compares what
 # gcov and lltcov say of it. To be sourced after common.sh.
-# Verdicts are sorted rows. Fields are separated by tabs; files are those below the project's folder,
+# Verdicts are sorted rows. Fields are separated by tabs; files are those below the project's directory,
 # relative to it:
 #     line FILE LINE COUNT            added up over functions and objects
 #     start FILE FUNCTION LINE        assembler name
@@ -26,7 +26,7 @@ fresh_tree() {
 }
 
 # with_gcov SOURCE COMMANDS [PREFIX [OPTIONS]]: runs shell commands that build and test a copy of the
-# folder by $CC, $CXX and $AR, the compilers of that prefix with these options; leaves gcov.rows
+# directory by $CC, $CXX and $AR, the compilers of that prefix with these options; leaves gcov.rows
 with_gcov() {
     fresh_tree "$1"
     CC="${3:-}gcc --coverage ${4:-}" CXX="${3:-}g++ --coverage ${4:-}" AR=${3:-}ar \

@@ -7,7 +7,7 @@
 set -e
 clang=${1:-clang} said=$work/err
 needs "$clang"
-# The tools of this clang are beside its program, in a folder of its version.
+# The tools of this clang are beside its program, in a directory of its version.
 tools=$(dirname "$(readlink -f "$(command -v "$clang")")")
 needs "$tools/llvm-profdata" "$tools/llvm-cov"
 mkdir project native

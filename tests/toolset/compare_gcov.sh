@@ -4,7 +4,7 @@
 # counts. Where they differ, gcov is asked again, with the texts of the programs moved by one byte and
 # more: what it counts otherwise then depends on where data lie (hash functions read aligned keys by
 # words) or on the run, and is left out.
-# usage: compare_gcov.sh PROGRAMS PROJECT [FLAGS]     PROGRAMS: the folder of lltwrapper and lltcov;
+# usage: compare_gcov.sh PROGRAMS PROJECT [FLAGS]     PROGRAMS: the directory of lltwrapper and lltcov;
 #        PROJECT: a row of examples/projects.sh; FLAGS: CFLAGS and CXXFLAGS, else the project's own
 # Exit status 77: jq is missing or the project cannot be fetched.
 # shellcheck source=tests/common.sh
@@ -33,7 +33,7 @@ gcov_shims() {
     done
 }
 
-# Each time in the same folder, as paths appear in the reports.
+# Each time in the same directory, as paths appear in the reports.
 build() {
     fresh_tree "$work/source"
     PATH=$work/shims:$PATH LLT_WRAP=0 logged configure_project "$project"

@@ -2,7 +2,7 @@
 # The tool set on the compiler's targets, by cross compilers and emulators: examples/hello has to
 # have the lines, functions, branches and counts that gcov of the same compiler reports of the same
 # tests, and without optimisation the lines that ran of the machine itself.
-# usage: compare_targets.sh PROGRAMS [TARGET...]     PROGRAMS: the folder of lltwrapper, lltcc and
+# usage: compare_targets.sh PROGRAMS [TARGET...]     PROGRAMS: the directory of lltwrapper, lltcc and
 #        lltcov; a target without its compiler is skipped, with STRICT=1 it fails
 # shellcheck source=tests/common.sh
 . "$(dirname "$0")/../common.sh"

@@ -2,7 +2,7 @@
 # With a real compiler cache: a second build of the same tree, in another project, comes from the
 # cache and has its records and its report; a cache under the compiler's own name serves plain and
 # covered builds in turn; a lost record comes back;
-# an object of the same tree in another folder is no hit.
+# an object of the same tree in another directory is no hit.
 # shellcheck source=tests/common.sh
 . "$(dirname "$0")/../common.sh"
 unset CCACHE_DISABLE
@@ -94,7 +94,7 @@ rm -f "$work"/second/llt_result/*
 report third
 expect 'and the report with it' same "$(cmp "$work/first.info" "$work/third.info" && echo same)"
 
-# --- the same tree in another folder: without -g nothing that the compiler sees differs
+# --- the same tree in another directory: without -g nothing that the compiler sees differs
 enter_project "$work/folders"
 for folder in one two; do
     mkdir -p "$work/$folder/sub"

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Code and compiler options on which counting stumbles easily: each row is built and run with
 # `gcc --coverage` and through the tool set, and gcov and lltcov have to say the same of it.
-# usage: gcc_counts_test.sh PROGRAMS [NAME]     PROGRAMS: the folder of lltwrapper, lltcc and lltcov
+# usage: gcc_counts_test.sh PROGRAMS [NAME]     PROGRAMS: the directory of lltwrapper, lltcc and lltcov
 # shellcheck source=tests/common.sh
 . "$(dirname "$0")/../common.sh"
 # shellcheck source=tests/toolset/against_gcov.sh
@@ -9,7 +9,7 @@
 needs jq
 only=${1:-} said=$work/result
 
-# Name ("x86:" in front: for that machine only), commands that build and run in the folder "cases".
+# Name ("x86:" in front: for that machine only), commands that build and run in the directory "cases".
 cases() {
     cat <<'END'
 statements          | $CC -c statements.c && $CC statements.o -o prog && ./prog

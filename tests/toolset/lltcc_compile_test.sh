@@ -7,7 +7,7 @@
 real=$(command -v "${1:-gcc}")
 said=$work/log
 
-# A compiler that has a header folder of its own and notes its options.
+# A compiler that has a header directory of its own and notes its options.
 make_compiler() {
     mkdir "$work/bin" "$work/own" "$work/user"
     cat >"$work/bin/gcc" <<END

@@ -135,7 +135,7 @@ shows 'everything compiled again' "$(echo "$others" | sed '1a region.c 2:2 4:2')
 
 expect 'one work area for all links of the program' prog_exe "$(echo prog_exe*)"
 
-# One library built in two folders, by two options: both share one work area, the second one has it.
+# One library built in two directories, by two options: both share one work area, the second one has it.
 lltcov clean --all >/dev/null
 cat >Makefile <<'M'
 one/prog two/prog: %/prog: %/main.o %/libshape.a

@@ -122,7 +122,7 @@ std::vector<Record> records_of(std::string_view object)
 void leave_records(const std::string& area, const Record& record, const std::string& object,
                    SourceState state)
 {
-    for (const char* part : places::FILLED_FOLDERS) {
+    for (const char* part : places::FILLED_DIRECTORIES) {
         make_directories(area + part);
     }
     write_whole(places::saved_object(area, record.symbol), object);

@@ -103,7 +103,7 @@ private:
             add_file(argument);
         } else if (text == "-Xlinker") {
             // Its value is read next, as the linker's own word.
-            behind_xlinker_ = argument.position;
+            after_xlinker_ = argument.position;
             link_.link_only.push_back(argument.position);
         } else if (text == "-o" || text == "--output") {
             link_.output = value;
@@ -136,7 +136,7 @@ private:
 
     bool follows_xlinker(const Argument& argument) const
     {
-        return behind_xlinker_ + 1 == argument.position;
+        return after_xlinker_ + 1 == argument.position;
     }
 
     void read_flag(const std::string& text, bool for_linker)
@@ -188,7 +188,7 @@ private:
         names_c_library_ = names_c_library_ || is_c_library;
         LinkInput input{argument.text, argument.position, argument.is_word};
         if (follows_xlinker(argument)) {
-            input.position = behind_xlinker_;
+            input.position = after_xlinker_;
             input.is_word = false;
             link_.link_only.push_back(argument.position);
         }
@@ -244,7 +244,7 @@ private:
 
     LinkCommand& link_;
     std::size_t at_ = 0;
-    std::size_t behind_xlinker_ = static_cast<std::size_t>(-2);
+    std::size_t after_xlinker_ = static_cast<std::size_t>(-2);
     bool has_no_default_ = false; ///< no library is linked that is not named
     bool names_c_library_ = false;
     bool is_all_static_ = false; ///< "-static" of a compiler, wherever it stands

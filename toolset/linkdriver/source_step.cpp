@@ -76,8 +76,8 @@ LinkCommand compile_sources(const DriverCall& call, const LinkCommand& link)
             link.output.c_str());
         return link;
     }
-    const std::string directory = places::temporary_folder(g_lxprj->szCovDictPath) + "/linkobj/" +
-                                  hash_name({absolute_path(link.output)});
+    const std::string directory = places::temporary_directory(g_lxprj->szCovDictPath) +
+                                  "/linkobj/" + hash_name({absolute_path(link.output)});
     if (QMRCreateDirectory(directory.c_str()) == 0) {
         return link;
     }

@@ -11,7 +11,7 @@ static const char* const tens[] = {
     "", "", "twenty", "thirty", "forty", "fifty", "sixty", "seventy", "eighty", "ninety",
 };
 
-/* Appends a word behind the used bytes; from then on used counts it, even if it did not fit. */
+/* Appends a word after the used bytes; from then on used counts it, even if it did not fit. */
 static void append(char* text, size_t size, size_t* used, const char* word)
 {
     size_t left = *used < size ? size - *used : 0;

@@ -55,7 +55,7 @@ protected:
     }
 };
 
-/// The words in brackets, each with its live characters behind it.
+/// The words in brackets, each with its live characters after it.
 std::string split(const std::string& command)
 {
     const ShellWords shell = split_for_shell(command);
