@@ -37,7 +37,7 @@ TEST(SourceTableFormat, OneWithAPartOfARecordIsDamaged)
 {
     const std::string two = record_bytes() + record_bytes();
     EXPECT_EQ(read_source_table(two).size(), 2U);
-    for (const std::size_t size : {0, 1, 279, 281, 559}) {
+    for (const unsigned int size : {0U, 1U, 279U, 281U, 559U}) {
         EXPECT_TRUE(read_source_table(two.substr(0, size)).empty()) << size;
     }
 }
