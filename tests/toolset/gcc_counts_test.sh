@@ -27,6 +27,10 @@ precompiled -O2     | $CC -O2 -g all.h && $CC -O2 -g -include all.h -c header.c 
 precompiled C++     | $CXX -x c++-header all.h -o all.h.gch && $CXX -include all.h -c throws.cpp && $CXX throws.o -o prog && ./prog
 exceptions          | $CXX -c throws.cpp && $CXX throws.o -o prog && ./prog
 exceptions -O2      | $CXX -O2 -g -c throws.cpp && $CXX throws.o -o prog && ./prog
+C++ library         | $CXX -g -c library.cpp && $CXX library.o -o prog && ./prog
+C++ library -O1     | $CXX -O1 -c library.cpp && $CXX library.o -o prog && ./prog
+C++ library -O2     | $CXX -O2 -g -c library.cpp && $CXX library.o -o prog && ./prog
+C++ library -O3     | $CXX -O0 -O3 -c library.cpp && $CXX library.o -o prog && ./prog
 jumps               | $CC -c jumps.c && $CC jumps.o -o prog && ./prog
 jumps -O2           | $CC -O2 -c jumps.c && $CC jumps.o -o prog && ./prog
 threads             | $CC -O2 -pthread -c threads.c && $CC -pthread threads.o -o prog && ./prog

@@ -94,6 +94,9 @@ private:
             out_.has_lto = true;
         } else if (word == "-fno-lto") {
             out_.has_lto = false;
+        } else if (begins_with(word, "-O")) {
+            out_.is_optimised = word != "-O0";
+            read_code_option(word, value);
         } else if (begins_with(word, "-o")) {
             out_.output = word == "-o" ? value : word.substr(2);
         } else if (begins_with(word, EXCLUDE)) {

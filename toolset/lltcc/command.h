@@ -21,9 +21,10 @@ struct CompileCommand {
     Words words;           ///< the command with the words of its response files
     bool has_lto = false;  ///< the code is made only at the link
     std::vector<CompileInput> inputs;
-    std::string output;   ///< empty without "-o"
-    std::string excluded; ///< value of the last -fprofile-exclude-files
-    Words kept;           ///< compiler and the options that matter to a stub of the same module
+    std::string output;        ///< empty without "-o"
+    std::string excluded;      ///< value of the last -fprofile-exclude-files
+    bool is_optimised = false; ///< by the last -O
+    Words kept; ///< compiler and the options that matter to a stub of the same module
     std::vector<std::pair<std::string, std::string>> path_maps; ///< real and recorded prefix
 };
 

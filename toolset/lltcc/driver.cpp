@@ -171,11 +171,16 @@ int compile_plainly(const Words& command, const std::string& source, const std::
     return status;
 }
 
-/// What the compiler is not to count: its own headers, and what the user has named.
+/// What the compiler is not to count: what the user has named, and its own headers where that
+/// changes no count of other files. When it optimises, functions of those headers hold lines of the
+/// user's, which it has put into them before it places the counters.
 std::string uncounted(const Compilation& compilation)
 {
-    const std::string& own = compilation.command.excluded;
-    return (own.empty() ? "" : own + ";") + compilation.compiler.headers;
+    const CompileCommand& command = compilation.command;
+    if (command.is_optimised) {
+        return command.excluded;
+    }
+    return command.excluded + ";" + compilation.compiler.headers + ";^/usr/include/";
 }
 
 /// Runs the compile that counts and leaves its records; its status, and in `trouble` why it must be

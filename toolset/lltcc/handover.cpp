@@ -1,5 +1,5 @@
 // gcc.specs reads LLTCC_NOTES and LLTCC_EXCLUDE; it has to add a text to each, so that the notes
-// are a file whose number ends in 0.
+// are a file whose number ends in 0, and one more expression is excluded, which fits no source.
 #include "toolset/lltcc/handover.h"
 
 #include "commonfunc/env.h"
