@@ -2,7 +2,23 @@
 #include "lltld/inst_file_list.h"
 #include "tests/lltld/work_area.h"
 
+#include <utility>
+
 using InstFileList = WorkArea;
+
+namespace
+{
+
+/// Frees the nodes that the list holds, and begins it anew.
+void free_list()
+{
+    for (_InstFile* node = instFileList.pHead; node != nullptr;) {
+        delete std::exchange(node, node->pNext);
+    }
+    instFileList = {};
+}
+
+} // namespace
 
 TEST_F(InstFileList, AnswersAfterAnyChangeOfTheList)
 {
@@ -18,6 +34,7 @@ TEST_F(InstFileList, AnswersAfterAnyChangeOfTheList)
     EXPECT_EQ(IsFileExistInList("new"), 1);
 
     instFileList = {}; // the list is begun anew with a node that it had
+    delete recorded.pTail;
     WriteInstFileNameTolist("again", &instFileList, recorded.pHead);
     EXPECT_EQ(IsFileExistInList("new") + IsFileExistInList("b"), 0);
     EXPECT_EQ(IsFileExistInList("again"), 1);
@@ -30,5 +47,5 @@ TEST_F(InstFileList, AnswersAfterAnyChangeOfTheList)
     EXPECT_EQ(instFileList.iCount, 3);
     EXPECT_EQ(IsFileExistInList(longer.c_str()), 0);
     EXPECT_EQ(IsFileExistInList(name.c_str()), 1);
-    instFileList = {};
+    free_list();
 }
