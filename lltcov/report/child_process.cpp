@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <fcntl.h>
 #include <spawn.h>
 #include <stdexcept>
@@ -50,9 +51,15 @@ TemporaryDirectory::TemporaryDirectory()
     }
 }
 
+// Also on the way out of an exception: what cannot be removed for want of memory stays.
 TemporaryDirectory::~TemporaryDirectory()
 {
-    remove_tree(path_);
+    try {
+        remove_tree(path_);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "lltcov: the temporary directory '%s' stays: %s\n", path_.c_str(),
+                     error.what());
+    }
 }
 
 void TemporaryDirectory::write(const std::string& name, const std::string& bytes) const

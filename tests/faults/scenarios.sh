@@ -1,0 +1,104 @@
+# shellcheck shell=bash disable=SC2034 # its variables are for the tests
+# Steps of a build that can be disturbed and repeated. To be sourced by the tests of this directory.
+#
+# A scenario is a project in `$work/NAME/start` and one step in it. `begin` puts the project, as it
+# was before the step, to `$work/NAME/p`, the same path each time, as paths are in the data. What a
+# disturbed step and a step after it leave is compared with what an undisturbed one leaves.
+# Every how many-th place is disturbed, from which on. All of them: STRIDE=1 FIRST=1.
+stride=${STRIDE:-37} first=${FIRST:-5}
+# shellcheck source=tests/common.sh
+. "$(dirname "$0")/../common.sh"
+needs strace
+
+sources() { # sources N
+    local i
+    for ((i = 1; i <= $1; i++)); do
+        printf 'int f%d(int a)\n{\n    return a > %d ? a : %d;\n}\n' "$i" "$i" "$i" >"m$i.c"
+        lltwrapper gcc -c "m$i.c"
+    done
+    echo 'int f1(int); int main(void) { return f1(2) - 2; }' >main.c
+    lltwrapper gcc -c main.c
+}
+
+archive() { lltwrapper -artool ar -arsuffix .a ar rcs libx.a m*.o; }
+link() { lltwrapper gcc -Wl,--build-id=none -o prog main.o libx.a; }
+
+# What is there before the step, and the step.
+make_archive_1() { sources 1; }
+make_archive_3() { sources 3; }
+make_archive_12() { sources 12; }
+make_again_1() { sources 1 && archive && change; }
+make_again_3() { sources 3 && archive && change; }
+make_again_12() { sources 12 && archive && change; }
+make_compile() { sources 1 && echo 'int g;' >>m1.c; }
+make_link() { sources 2 && archive; }
+make_dump() { sources 2 && archive && link && ./prog; }
+make_export() { make_dump; }
+make_clean() { make_dump; }
+make_clean_all() { make_dump; }
+change() { echo 'int changed(void) { return 1; }' >>m1.c && lltwrapper gcc -c m1.c; }
+
+words_of() { # words_of SCENARIO: the step
+    case $1 in
+        archive_* | again_*) echo lltwrapper -artool ar -arsuffix .a ar rcs libx.a m*.o ;;
+        compile) echo lltcc -qmr_current_prj_path "$PWD" -projectname LLTTEMP \
+            -qmr_coverage_stub_mold 1 gcc -c m1.c ;;
+        link) echo lltld -qmr_current_prj_path "$PWD" -projectname prog_exe \
+            -qmr_coverage_stub_mold 1 gcc -Wl,--build-id=none -o prog main.o libx.a ;;
+        dump) echo ./prog ;;
+        export) echo lltcov export --lcov -o info ;;
+        clean) echo lltcov clean ;;
+        clean_all) echo lltcov clean --all ;;
+    esac
+}
+
+# prepare SCENARIO: makes the project and what an undisturbed step leaves
+prepare() {
+    scenario=$1
+    mkdir -p "$work/$scenario/p"
+    cd "$work/$scenario/p" || exit
+    enter_project "$PWD"
+    "make_$scenario" >../log 2>&1 || expect "preparation of $scenario" made "$(tail ../log)"
+    cp -a . ../start
+    read -ra step < <(words_of "$scenario")
+    [ "${step[0]}" = ./prog ] || step[0]=$(command -v "${step[0]}")
+    "${step[@]}" >../log 2>&1 || expect "undisturbed $scenario" made "$(tail ../log)"
+    tree >../undisturbed
+    "${step[@]}" >../log 2>&1
+    tree >../twice
+    disturbed -o ../calls
+    calls=$(grep -c '^[a-z]' ../calls)
+}
+
+begin() {
+    cd .. && rm -rf p && cp -a start p && cd p || exit
+}
+
+# tree: a line for each file, but for the moment of the build
+tree() {
+    find . -printf '%y %m %p %l\n' | sort
+    find . -type f | sort | while IFS= read -r file; do
+        echo "$file $(sed -E 's/Q[0-9]{10}/BUID/g; s/^(EndTime_Caddis=).*/\1/' "$file" | cksum)"
+    done
+}
+
+# disturbed OPTION...: the step under strace with these options; waits for the processes it left. Its
+# status, by a shell's rules, is in `status`, what it said in ../err.
+disturbed() {
+    begin
+    {
+        strace -qq -o ../trace "$@" "${step[@]}" 2>&1 >/dev/null
+        echo $? >../status
+    } 2>/dev/null | cat >../err
+    status=$(cat ../status)
+}
+
+# recovers WHAT: a step after it leaves what an undisturbed one leaves. Two runs of a program leave
+# other counts than one does.
+recovers() {
+    "${step[@]}" >../log 2>&1
+    local left=undisturbed
+    tree >../left
+    [ "$scenario" != dump ] || ! cmp -s ../left ../twice || left=twice
+    expect "$1" "$(cat ../$left)" "$(cat ../left)"
+}
