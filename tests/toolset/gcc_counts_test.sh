@@ -24,9 +24,9 @@ names in debug data | $CC -g -ggnu-pubnames -c statements.c && $CC statements.o 
 old debug data      | $CC -g -gdwarf-4 -fdebug-types-section -c statements.c && $CC statements.o -o prog && ./prog
 precompiled C       | $CC -x c-header all.h -o all.h.gch && $CC -include all.h -c header.c && $CC header.o -o prog && ./prog
 precompiled -O2     | $CC -O2 -g all.h && $CC -O2 -g -include all.h -c header.c && $CC header.o -o prog && ./prog
-precompiled C++     | $CXX -x c++-header all.h -o all.h.gch && $CXX -include all.h -c throws.cpp && $CXX throws.o -o prog && ./prog
-exceptions          | $CXX -c throws.cpp && $CXX throws.o -o prog && ./prog
-exceptions -O2      | $CXX -O2 -g -c throws.cpp && $CXX throws.o -o prog && ./prog
+precompiled C++     | $CXX -x c++-header all.h -o all.h.gch && $CXX -include all.h -c throws.cpp shapes.cpp && $CXX throws.o shapes.o -o prog && ./prog
+exceptions          | $CXX -c throws.cpp shapes.cpp && $CXX throws.o shapes.o -o prog && ./prog
+exceptions -O2      | $CXX -O2 -g -c throws.cpp shapes.cpp && $CXX throws.o shapes.o -o prog && ./prog
 C++ library         | $CXX -g -c library.cpp && $CXX library.o -o prog && ./prog
 C++ library -O1     | $CXX -O1 -c library.cpp && $CXX library.o -o prog && ./prog
 C++ library -O2     | $CXX -O2 -g -c library.cpp && $CXX library.o -o prog && ./prog
@@ -36,7 +36,7 @@ jumps -O2           | $CC -O2 -c jumps.c && $CC jumps.o -o prog && ./prog
 threads             | $CC -O2 -pthread -c threads.c && $CC -pthread threads.o -o prog && ./prog
 static of one name  | $CC -c one.c two.c && $CC one.o two.o -o prog && ./prog
 sections            | $CC -O2 -fdata-sections -ffunction-sections -c one.c && $CC -O2 -fdata-sections -ffunction-sections -c two.c && $CC -Wl,--gc-sections one.o two.o -o prog && ./prog
-sections C++        | $CXX -fdata-sections -ffunction-sections -c throws.cpp && $CXX -Wl,--gc-sections throws.o -o prog && ./prog
+sections C++        | $CXX -fdata-sections -ffunction-sections -c throws.cpp shapes.cpp && $CXX -Wl,--gc-sections throws.o shapes.o -o prog && ./prog
 compile and link    | $CC -O2 one.c two.c -o prog && ./prog
 partial link        | $CC -c one.c && $CC -c two.c && ld -r one.o two.o -o both.o && $CC both.o -o prog && ./prog
 archive             | $CC -O2 -c one.c && $CC -O2 -c two.c && $AR rcs libtwo.a two.o && $CC one.o -L. -ltwo -o prog && ./prog
