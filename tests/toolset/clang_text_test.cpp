@@ -1,4 +1,5 @@
 // Texts as clang writes them, cut down to what matters.
+#include "tests/refusal.h"
 #include "toolset/counters/counter_text.h"
 
 #include <gtest/gtest.h>
@@ -56,17 +57,6 @@ std::string defined(const std::string& symbol, int alignment, int size, const st
 std::string with_sum(const std::string& code)
 {
     return code + SUM_COUNTERS + SUM_TABLE + names("003", "sum");
-}
-
-/// The reason why the text is refused; empty when it is not.
-std::string refusal(const std::string& text)
-{
-    try {
-        read_clang_text(text);
-    } catch (const NotInstrumentable& error) {
-        return error.what();
-    }
-    return "";
 }
 
 } // namespace
@@ -182,7 +172,7 @@ TEST(ClangText, ATextWithoutCountersIsLeftAsItIs)
 
 TEST(ClangText, WhatIsNotUnderstoodIsRefused)
 {
-    ASSERT_EQ(refusal(with_sum(SUM_CODE)), "");
+    ASSERT_EQ(refusal(read_clang_text, with_sum(SUM_CODE)), "");
     for (const char* line :
          {"\t.set\tx, .L__profc_sum\n", "\tincq\t.L__profc_other(%rip)\n",
           "\tleaq\t.L__profd_sum(%rip), %rax\n", "\tmovq\t.L__profc_sum@GOTPCREL(%rip), %rax\n",
@@ -190,7 +180,7 @@ TEST(ClangText, WhatIsNotUnderstoodIsRefused)
           "\t.long\t.L__profc_sum(GOT_PREL)\n", "\tmovq\t__llvm_profile_counter_bias(%rip), %rax\n",
           "\tleaq\t.L__profbm_sum(%rip), %rax\n", "\tcallq\t__llvm_profile_instrument_target@PLT\n",
           "__profc_late:\n"}) {
-        EXPECT_NE(refusal(with_sum(std::string(SUM_CODE) + line)), "") << line;
+        EXPECT_NE(refusal(read_clang_text, with_sum(std::string(SUM_CODE) + line)), "") << line;
     }
 }
 
@@ -219,6 +209,6 @@ TEST(ClangText, DefinitionsThatAreNotWholeAreRefused)
                                        SUM_TABLE + names("003", "sum")},
     };
     for (const auto& one : CASES) {
-        EXPECT_NE(refusal(one.text), "") << one.what;
+        EXPECT_NE(refusal(read_clang_text, one.text), "") << one.what;
     }
 }
