@@ -1,7 +1,7 @@
 // The record of an instrumented source: as bytes, and in the section of an object.
-#include "commonfunc/text_lines.h"
 #include "contract/object_record.h"
 #include "contract/record.h"
+#include "tests/refusal.h"
 
 #include <elf.h>
 #include <gtest/gtest.h>
@@ -19,16 +19,6 @@ const std::string NOTES("\n\0x\xFF", 4);
 std::string record_of(const std::string& body)
 {
     return "lltrecord 1 " + std::to_string(body.size()) + "\n" + body;
-}
-
-std::string refusal_of(const std::string& bytes)
-{
-    try {
-        read_records(bytes);
-    } catch (const FormatError& error) {
-        return error.what();
-    }
-    return "";
 }
 
 /// An object of three sections: none, the record, and the names of all. `is_wide`: their numbers
@@ -138,12 +128,13 @@ TEST(Record, ThatIsNotSoundIsRefused)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        EXPECT_NE(refusal_of(row.bytes).find(row.says), std::string::npos) << refusal_of(row.bytes);
+        EXPECT_NE(refusal(read_records, row.bytes).find(row.says), std::string::npos)
+            << refusal(read_records, row.bytes);
     }
     const std::string sound = record_of(BODY + NOTES);
-    EXPECT_EQ(refusal_of(sound), "");
+    EXPECT_EQ(refusal(read_records, sound), "");
     for (std::size_t size = 1; size < sound.size(); ++size) {
-        EXPECT_NE(refusal_of(sound.substr(0, size)), "") << size;
+        EXPECT_NE(refusal(read_records, sound.substr(0, size)), "") << size;
     }
 }
 

@@ -1,6 +1,6 @@
 #!/bin/bash
-# A library and a program built through the wrapper and the tool set, run, exported; then what
-# happens to a project while it is worked on: edits, rebuilds, renamed and removed modules.
+# A library and a program built through the wrapper and the tool set, run, exported; runs of tests; dumps
+# of other builds, and one that is being written.
 # shellcheck source=tests/common.sh
 . "$(dirname "$0")/../common.sh"
 enter_project "$work"
@@ -53,60 +53,29 @@ expect_export 'before any run' 0 '0 of 11 lines hit (0.0 %), 0 of 3 functions, 0
     'no run of this project'
 ./prog
 ./prog 1 2
+
+# What gcov refuses is left out and named, and takes nothing else along.
+record=liblib/codemeasure/db/db0/record
+while IFS='|' read -r what change reason; do
+    cp $record sound
+    sed -Ei "$change" $record
+    expect_export "$what" 1 '5 of 5 lines hit (100.0 %), 1 of 1 functions, 2 of 2 branches, in 1 sources' \
+        "lib.o' is left out: .* cannot read its records: .*$reason"
+    mv sound $record
+done <<'ROWS'
+notes of another compile|s/^(function [0-9]+ [0-9]+ )1/\12/; t; s/^(function [0-9]+ [0-9]+ )[0-9]/\11/|mismatch
+notes that are none|s/oncg/none/|not a gcov notes file
+ROWS
+
 expect_export 'two runs' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 branches, in 2 sources'
-expect 'tracefile' "$(sed "s|@|$work|" <<'INFO'
-TN:
-SF:@/lib.c
-FN:7,never
-FN:1,twice
-FNDA:0,never
-FNDA:4,twice
-FNF:2
-FNH:1
-BRDA:3,0,0,0
-BRDA:3,0,1,4
-BRF:2
-BRH:1
-DA:1,4
-DA:3,4
-DA:4,0
-DA:5,4
-DA:7,0
-DA:9,0
-LF:6
-LH:3
-end_of_record
-TN:
-SF:@/main.c
-FN:2,main
-FNDA:2,main
-FNF:1
-FNH:1
-BRDA:5,0,0,4
-BRDA:5,0,1,2
-BRF:2
-BRH:2
-DA:2,2
-DA:4,2
-DA:5,6
-DA:6,4
-DA:7,2
-LF:5
-LH:5
-end_of_record
-INFO
-)" "$(cat report.info)"
+expect 'lines of the tracefile' 'DA:1,4 DA:3,4 DA:4,0 DA:5,4 DA:7,0 DA:9,0' \
+    "$(sed -n '/lib\.c$/,/^end/{/^DA/p}' report.info | paste -sd ' ')"
+
 if command -v genhtml > /dev/null; then
     genhtml -q -o html report.info > said 2>&1
     expect 'genhtml takes it' 0 $?
     # Releases from 2 on miss the last lines of functions, which older ones would not read.
     expect 'genhtml says' '' "$(grep -E 'ERROR|WARNING' said | grep -v derive_function_end_line)"
-fi
-if command -v xmllint > /dev/null; then
-    lltcov export --cobertura > report.xml
-    expect 'classes' 'lib.cmain.c' \
-        "$(xmllint --nonet --xpath 'string(//class[1]/@filename)' report.xml)$(
-            xmllint --nonet --xpath 'string(//class[2]/@filename)' report.xml)"
 fi
 expect 'status' 'liblib 1 1 3/6 50.0 1/2 50.0 1/2 50.0 2 liblib.a
 prog_exe 1 1 5/5 100.0 1/1 100.0 2/2 100.0 2 prog
@@ -164,30 +133,6 @@ until [ -e held ]; do sleep 0.01; done
 expect_export 'beside a writer' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 branches, in 2 sources'
 wait
 
-sed -i '1i\/* edited */' lib.c
-expect_export 'edited, not built' 1 '5 of 5 lines hit (100.0 %), 1 of 1 functions, 2 of 2 branches, in 1 sources' \
-    "lib.c' has changed since"
-rebuild
-rm llt_result/*
-./prog
-expect_export 'edited and built' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 branches, in 2 sources'
-expect 'lines of the new text' 'DA:2,1 DA:4,1 DA:5,0 DA:6,1 DA:8,0 DA:10,0' \
-    "$(grep ^DA: report.info | head -6 | paste -sd ' ')"
-
-rm -r prog_exe
-expect_export 'module removed' 1 '3 of 6 lines hit (50.0 %), 1 of 2 functions, 1 of 2 branches, in 1 sources' \
-    'where no module is left'
-rm llt_result/*
-head -c 300 build.log > llt_result/liblib.1.0.lltcov
-expect_export 'damaged dump' 1 '0 of 6 lines hit (0.0 %), 0 of 2 functions, 0 of 2 branches, in 1 sources' \
-    'liblib.1.0.lltcov:1: this is no dump file'
-
-for call in 'export' 'export --lcov --json' 'export --lcov extra' 'export --nonsense' \
-    'status extra' 'export --lcov --project /nonexistent' 'tests lib.c' 'tests --unique lib.c:1'; do
-    # shellcheck disable=SC2086
-    lltcov $call > out 2> said
-    expect "lltcov $call" 2 $?
-done
 mkdir empty
 lltcov export --lcov --project empty -o none.info 2> said
 expect 'a project without modules' '1 holds no module' "$? $(grep -o 'holds no module' said)"

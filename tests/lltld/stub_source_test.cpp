@@ -3,6 +3,7 @@
 #include "tests/lltld/work_area.h"
 
 #include <algorithm>
+#include <map>
 #include <sstream>
 
 using StubSource = WorkArea;
@@ -16,6 +17,10 @@ const std::string STUB = "w/obj/__code_measure_stub_lib_my-mod-1",
 /// environment. Sources go into the table.
 void apply(const std::string& name, const std::string& value, std::string& table)
 {
+    const std::map<std::string, int*> numbers = {{"archive", &g_iStaticLib},
+                                                 {"mode", &g_lxprj->stubmode},
+                                                 {"TimerPolicy", &g_lxprj->TimerPolicy},
+                                                 {"SignalPolicy", &g_lxprj->SignalPolicy}};
     const std::size_t points = name.find(':');
     if (points != name.npos) {
         const std::string source = name.substr(0, points);
@@ -23,18 +28,12 @@ void apply(const std::string& name, const std::string& value, std::string& table
         leave_record(source.substr(0, std::min<std::size_t>(source.rfind('.'), 31)),
                      std::stoi(name.substr(points + 1)));
         table += tab_record(static_cast<int>(table.size() / 280) * 2 + 3, source);
-    } else if (name == "archive") {
-        g_iStaticLib = std::stoi(value);
-    } else if (name == "mode") {
-        g_lxprj->stubmode = std::stoi(value);
+    } else if (numbers.count(name) != 0) {
+        *numbers.at(name) = std::stoi(value);
     } else if (name == "type") {
         copy_bounded(g_lxprj->szCov_type, value);
     } else if (name == "rootpath") {
         g_lxprj->lltcovRootpath = value;
-    } else if (name == "TimerPolicy") {
-        g_lxprj->TimerPolicy = std::stoi(value);
-    } else if (name == "SignalPolicy") {
-        g_lxprj->SignalPolicy = std::stoi(value);
     } else {
         ::setenv(name.c_str(), value.c_str(), 1);
     }
@@ -46,6 +45,8 @@ void prepare(const std::string& switches)
     g_lxprj->m_port = 61000, g_lxprj->m_uiUseVBS = 1, g_lxprj->isOverlappedCompile = 1;
     g_lxprj->TimeInterval = 5, g_lxprj->SignalNUM = 9;
     g_lxprj->TimerPolicy = g_lxprj->SignalPolicy = 0;
+    g_lxprj->lltcovRootpath = "";
+    copy_bounded(g_lxprj->szCov_type, "");
     copy_bounded(g_lxprj->szPrjName, "demo");
     copy_bounded(g_lxprj->modName, "my-mod-1");
     copy_bounded(g_szBuildID, "B");
@@ -59,37 +60,80 @@ void prepare(const std::string& switches)
     write_file("w/db/.tab", table);
 }
 
-/// The names of the golden stubs, without ".c".
-std::vector<std::string> golden_stubs()
+/// The stub that is generated with these switches.
+std::string stub_with(const std::string& switches)
 {
-    std::vector<std::string> names;
-    for (const auto& file : std::filesystem::directory_iterator(GOLDEN_STUBS)) {
-        if (file.path().extension() == ".c") {
-            names.push_back(file.path().stem());
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-class GoldenStub : public WorkArea, public testing::WithParamInterface<std::string>
-{
-};
-} // namespace
-
-TEST_P(GoldenStub, IsGeneratedByTheSwitchesOfItsFirstLine)
-{
-    const std::string golden = read_file(GOLDEN_STUBS "/" + GetParam() + ".c");
-    const std::size_t first_line = golden.find('\n');
-    ASSERT_NE(first_line, golden.npos);
-    prepare(golden.substr(0, first_line));
+    prepare(switches);
     const std::string out = printed(1, Caddis_Coverage_CreateCovInitCodeFile);
     EXPECT_NE(out.find(SINGLE), out.npos) << out;
-    EXPECT_EQ(read_file(STUB + ".c"), golden.substr(first_line + 1));
+    return read_file(STUB + ".c");
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, GoldenStub, testing::ValuesIn(golden_stubs()),
-                         [](const auto& stub) { return stub.param; });
+/// The lines that a text has instead of those of another, "-" before what goes, "+" before what
+/// comes.
+std::string changed_lines(const std::string& from, const std::string& to)
+{
+    write_file("from", from);
+    write_file("to", to);
+    return answer("diff -d --old-line-format=-%L --new-line-format=+%L --unchanged-line-format= "
+                  "from to; test $? = 1");
+}
+} // namespace
+
+TEST_F(StubSource, IsTheWholeFileAndEachSwitchChangesItsLines)
+{
+    const std::string file = read_file(GOLDEN_STUB), switches = file.substr(0, file.find('\n')),
+                      golden = file.substr(switches.size() + 1);
+    EXPECT_EQ(stub_with(switches), golden);
+
+    const std::string n(32, 'n'),
+        array = "unsigned int g_QMRCovData_", add = "    QMR_AddCoverageBuf(pMod, ",
+        cast = "(unsigned int *)g_QMRCovData_",
+        list = "    void *pMod = QMR_CreateCoverageListExt(\"my-mod-1\", \"w\", ", blank = "-\n",
+        port = "-static unsigned short g_TUSKSockBindPort   = 61000;\n",
+        agent = "-extern void TUSK_UserAgentConfig();\n",
+        setter = "void TUSK_SetSockBindPort(unsigned short usPort)\n",
+        hidden = "-__attribute__ ((visibility(\"hidden\"))) " + setter,
+        no_setter = hidden + "-{\n-\tg_TUSKSockBindPort = usPort;\n-}\n" + blank,
+        no_call = "-\t\tTUSK_UserAgentConfig();\n",
+        no_server = "-\t\tif(!ZKT_ServerInit(g_TUSKSockBindPort))\n-\t\t{\n"
+                    "-\t\t\tprintf(\"[demo]Server start failed!\\n\");\n"
+                    "-\t\t\treturn;\n-\t\t}\n";
+    const struct {
+        const char* what;
+        std::string switches, changes; ///< to the golden stub
+    } rows[] = {
+        {"a visible setter", "A.c:33 LLT_DISABLE_VISIBILITY=-1", hidden + "+" + setter},
+        {"no sockets, no sources", "LLT_DISABLE_SOCKET=1x",
+         "-" + array + "A[2] = {0};\n" + blank + port + no_setter + "-" + list + "1, 5);\n+" +
+             list + "0, 5);\n-" + add + "0, (char*)\"A.c\", " + cast + "A, \n-        132, 33);\n" +
+             no_server},
+        {"no user configuration, a type, arrays elsewhere",
+         "mode=8 type=long LLT_DISABLE_USRCFG=2 A.c:33",
+         "-" + array + "A[2] = {0};\n+extern unsigned long g_QMRCovData_A[];\n" + agent +
+             no_setter + "-" + list + "1, 5);\n+" + list + "1, 9);\n" + no_call},
+        {"an archive with sockets, policies that are not 1",
+         "archive=1 A.c:33 TimerPolicy=2 SignalPolicy=2 rootpath= LLT_DISABLE_SOCKET=2",
+         port + agent + no_setter + blank + no_call},
+        {"an archive of three sources with policies",
+         "archive=1 mode=0 A.c:33 b.x.c:1 " + n +
+             ":0 TimerPolicy=1 SignalPolicy=1 rootpath=/cov LLT_DISABLE_SOCKET=1",
+         blank + port + agent + no_setter + "+" + array + "b.x[1] = {0};\n+" + array + n.substr(1) +
+             "[1] = {0};\n" +
+             "+    TUSK_CovSetTimerPolicy(5);\n+    TUSK_CovSetSignalPolicy(9);\n" + "-" + list +
+             "1, 5);\n+    TUSK_CovSetlltcovRootpath(\"/cov\");\n+" + list +
+             "3, 1);\n-        132, 33);\n+        8, 33);\n+" + add + "1, (char*)\"b.x.c\", " +
+             cast + "b.x, \n+        4, 1);\n+" + add + "2, (char*)\"" + n + "\", " + cast + n +
+             ", \n+        0, 0);\n" + no_call + no_server},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        ::clearenv();
+        ::setenv("PATH", "/usr/bin:/bin", 1);
+        EXPECT_EQ(changed_lines(golden, stub_with("// archive=0 mode=4 " + row.switches)),
+                  row.changes);
+    }
+}
 
 TEST_F(StubSource, ThatFailedIsNotCompiled)
 {

@@ -1,4 +1,5 @@
 // Texts as clang writes them, cut down to what matters.
+#include "tests/refusal.h"
 #include "toolset/counters/counter_text.h"
 
 #include <gtest/gtest.h>
@@ -10,25 +11,6 @@ namespace
 
 const char SUM_CODE[] = "sum:\n\taddq\t$1, .L__profc_sum+8(%rip)\n\tret\n";
 
-const char SUM_COUNTERS[] = "\t.type\t.L__profc_sum,@object         # @__profc_sum\n"
-                            "\t.section\t__llvm_prf_cnts,\"aGw\",@progbits,__profc_sum\n"
-                            "\t.p2align\t3, 0x0\n"
-                            ".L__profc_sum:\n"
-                            "\t.zero\t16\n"
-                            "\t.size\t.L__profc_sum, 16\n"
-                            "\n";
-
-const char SUM_TABLE[] = "\t.type\t.L__profd_sum,@object\n"
-                         "\t.section\t__llvm_prf_data,\"aGw\",@progbits,__profc_sum\n"
-                         "\t.p2align\t3\n"
-                         ".L__profd_sum:\n"
-                         "\t.quad\t-2                      # 0xfffffffffffffffe\n"
-                         "\t.quad\t4660                    # 0x1234\n"
-                         "\t.quad\t.L__profc_sum-.L__profd_sum\n"
-                         "\t.long\t2\n"
-                         "\t.zero\t4\n"
-                         "\t.size\t.L__profd_sum, 32\n";
-
 /// The section of names, whose size is written as an octal escape.
 std::string names(const std::string& size, const std::string& list)
 {
@@ -39,34 +21,43 @@ std::string names(const std::string& size, const std::string& list)
            size + "\\000" + list + "\"\n\t.size\t.L__llvm_prf_nm, 5\n";
 }
 
-/// Counters and table of a function without code; `values` are the table's first words.
-std::string defined(const std::string& symbol, int alignment, int size, const std::string& values)
+/// Label, kind "c" or "d", of what belongs to the function of that symbol.
+std::string label(const std::string& symbol, const std::string& kind)
 {
-    const std::string counters =
-        symbol[0] == '"' ? "\".L__profc_" + symbol.substr(1) : "__profc_" + symbol;
-    const std::string table =
-        symbol[0] == '"' ? "\".L__profd_" + symbol.substr(1) : ".L__profd_" + symbol;
-    return "\t.hidden\t" + counters + "\n\t.section\t__llvm_prf_cnts,\"awG\",@progbits," +
-           counters + ",comdat\n\t.weak\t" + counters + "\n\t.p2align\t" +
-           std::to_string(alignment) + "\n" + counters + ":\n\t.space\t" + std::to_string(size) +
-           "\n\t.size\t" + counters + ", 8\n\t.section\t__llvm_prf_data,\"awG\",@progbits," +
-           counters + ",comdat\n" + table + ":\n" + values + "\t.size\t" + table + ", 8\n";
+    return symbol[0] == '"' ? "\".L__prof" + kind + "_" + symbol.substr(1)
+                            : ".L__prof" + kind + "_" + symbol;
+}
+
+std::string counters_of(const std::string& symbol, int alignment, int size)
+{
+    const std::string name = label(symbol, "c");
+    return "\t.type\t" + name + ",@object         # @__profc\n\t.hidden\t" + name +
+           "\n\t.section\t__llvm_prf_cnts,\"awG\",@progbits," + name + ",comdat\n\t.weak\t" + name +
+           "\n\t.p2align\t" + std::to_string(alignment) + ", 0x0\n" + name + ":\n\t.zero\t" +
+           std::to_string(size) + "\n\t.size\t" + name + ", 8\n\n";
+}
+
+/// `values` are the table's first words: hashes of the name and of the function's structure.
+std::string table_of(const std::string& symbol, const std::string& values)
+{
+    const std::string name = label(symbol, "d");
+    return "\t.section\t__llvm_prf_data,\"awG\",@progbits," + name + ",comdat\n\t.p2align\t3\n" +
+           name + ":\n" + values + "\t.quad\t" + label(symbol, "c") + "-" + name +
+           "\n\t.long\t2\n\t.zero\t4\n\t.size\t" + name + ", 32\n";
+}
+
+const char VALUES[] = "\t.quad\t-2                      # 0xfffffffffffffffe\n"
+                      "\t.quad\t4660                    # 0x1234\n";
+
+std::string defined(const std::string& symbol, int alignment, int size,
+                    const std::string& values = VALUES)
+{
+    return counters_of(symbol, alignment, size) + table_of(symbol, values);
 }
 
 std::string with_sum(const std::string& code)
 {
-    return code + SUM_COUNTERS + SUM_TABLE + names("003", "sum");
-}
-
-/// The reason why the text is refused; empty when it is not.
-std::string refusal(const std::string& text)
-{
-    try {
-        read_clang_text(text);
-    } catch (const NotInstrumentable& error) {
-        return error.what();
-    }
-    return "";
+    return code + defined("sum", 3, 16) + names("003", "sum");
 }
 
 } // namespace
@@ -130,8 +121,7 @@ TEST(ClangText, NamesAreThoseOfProfilesNotOfSymbols)
     for (const auto& one : CASES) {
         SCOPED_TRACE(one.symbol);
         const std::string text =
-            defined(one.symbol, 3, 8, "\t.quad\t1\n\t.quad\t0x18\n\t.quad\t0\n\t.quad\t0\n") +
-            names(one.size, one.list);
+            defined(one.symbol, 3, 8, "\t.quad\t1\n\t.quad\t0x18\n") + names(one.size, one.list);
         const Record record = read_clang_text(text).record;
         ASSERT_EQ(record.functions.size(), 1U);
         EXPECT_EQ(record.functions[0].name, one.name);
@@ -159,10 +149,9 @@ TEST(ClangText, HashesMayBeWrittenAsHalves)
 
 TEST(ClangText, EachCounterKeepsItsAlignment)
 {
-    const std::string values = "\t.quad\t1\n\t.quad\t2\n\t.quad\t0\n\t.quad\t0\n";
     const std::string text = "\tincq\t__profc_g(%rip)\n\tincq\t__profc_h(%rip)\n" +
-                             defined("f", 3, 24, values) + defined("g", 5, 8, values) +
-                             defined("h", 2, 16, values) + names("005", "f\\001g\\001h");
+                             defined("f", 3, 24) + defined("g", 5, 8) + defined("h", 2, 16) +
+                             names("005", "f\\001g\\001h");
     const CounterText read = read_clang_text(text);
     EXPECT_EQ(read.record.array_bytes, 56U);
     EXPECT_EQ(read.record.functions.at(1).counters.at(0).offset, 32U);
@@ -182,7 +171,7 @@ TEST(ClangText, ATextWithoutCountersIsLeftAsItIs)
 
 TEST(ClangText, WhatIsNotUnderstoodIsRefused)
 {
-    ASSERT_EQ(refusal(with_sum(SUM_CODE)), "");
+    ASSERT_EQ(refusal(read_clang_text, with_sum(SUM_CODE)), "");
     for (const char* line :
          {"\t.set\tx, .L__profc_sum\n", "\tincq\t.L__profc_other(%rip)\n",
           "\tleaq\t.L__profd_sum(%rip), %rax\n", "\tmovq\t.L__profc_sum@GOTPCREL(%rip), %rax\n",
@@ -190,35 +179,33 @@ TEST(ClangText, WhatIsNotUnderstoodIsRefused)
           "\t.long\t.L__profc_sum(GOT_PREL)\n", "\tmovq\t__llvm_profile_counter_bias(%rip), %rax\n",
           "\tleaq\t.L__profbm_sum(%rip), %rax\n", "\tcallq\t__llvm_profile_instrument_target@PLT\n",
           "__profc_late:\n"}) {
-        EXPECT_NE(refusal(with_sum(std::string(SUM_CODE) + line)), "") << line;
+        EXPECT_NE(refusal(read_clang_text, with_sum(std::string(SUM_CODE) + line)), "") << line;
     }
 }
 
 TEST(ClangText, DefinitionsThatAreNotWholeAreRefused)
 {
-    const std::string values = "\t.quad\t1\n\t.quad\t2\n\t.quad\t0\n\t.quad\t0\n";
     const struct {
         const char* what;
         std::string text;
     } CASES[] = {
-        {"counters without a table", SUM_COUNTERS + names("003", "sum")},
-        {"a table without counters", SUM_TABLE + names("003", "sum")},
-        {"no name", std::string(SUM_COUNTERS) + SUM_TABLE + names("003", "sun")},
-        {"names that are compressed", std::string(SUM_COUNTERS) + SUM_TABLE +
-                                          "\t.section\t__llvm_prf_names,\"a\"\n\t.ascii\t"
-                                          "\"\\003\\013sum\"\n"},
-        {"two names of one symbol",
-         defined("a.c_f_g", 3, 8, values) + names("017", "a.c:f_g\\001a.c_f:g")},
-        {"counters of one byte", defined("f", 0, 1, values) + names("001", "f")},
-        {"an alignment that no array has", defined("f", 7, 8, values) + names("001", "f")},
-        {"counters with values", std::string("\t.section\t__llvm_prf_cnts,\"aw\"\n"
-                                             ".L__profc_sum:\n\t.quad\t-1\n") +
-                                     SUM_TABLE + names("003", "sum")},
-        {"labels of another kind", std::string("\t.section\t__llvm_prf_cnts,\"aw\"\n"
-                                               "$__profc_sum:\n\t.zero\t8\n") +
-                                       SUM_TABLE + names("003", "sum")},
+        {"counters without a table", counters_of("sum", 3, 16) + names("003", "sum")},
+        {"a table without counters", table_of("sum", VALUES) + names("003", "sum")},
+        {"no name", defined("sum", 3, 16) + names("003", "sun")},
+        {"names that are compressed",
+         defined("sum", 3, 16) +
+             "\t.section\t__llvm_prf_names,\"a\"\n\t.ascii\t\"\\003\\013sum\"\n"},
+        {"two names of one symbol", defined("a.c_f_g", 3, 8) + names("017", "a.c:f_g\\001a.c_f:g")},
+        {"counters of one byte", defined("f", 0, 1) + names("001", "f")},
+        {"an alignment that no array has", defined("f", 7, 8) + names("001", "f")},
+        {"counters with values",
+         "\t.section\t__llvm_prf_cnts,\"aw\"\n.L__profc_sum:\n\t.quad\t-1\n" +
+             table_of("sum", VALUES) + names("003", "sum")},
+        {"labels of another kind",
+         "\t.section\t__llvm_prf_cnts,\"aw\"\n$__profc_sum:\n\t.zero\t8\n" +
+             table_of("sum", VALUES) + names("003", "sum")},
     };
     for (const auto& one : CASES) {
-        EXPECT_NE(refusal(one.text), "") << one.what;
+        EXPECT_NE(refusal(read_clang_text, one.text), "") << one.what;
     }
 }

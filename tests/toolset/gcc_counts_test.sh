@@ -13,30 +13,23 @@ only=${1:-} said=$work/result
 cases() {
     cat <<'END'
 statements          | $CC -c statements.c && $CC statements.o -o prog && ./prog
-statements -O1      | $CC -O1 -c statements.c && $CC statements.o -o prog && ./prog
 statements -O2      | $CC -O2 -g -c statements.c && $CC statements.o -o prog && ./prog
 statements -O3      | $CC -O3 -funroll-loops -c statements.c && $CC statements.o -o prog && ./prog
 statements -Os      | $CC -Os -fPIE -c statements.c && $CC -pie statements.o -o prog && ./prog
 split debug data    | $CC -O2 -g -gsplit-dwarf -c statements.c && $CC -g -gsplit-dwarf statements.o -o prog && ./prog
-split, no optimiser | $CC -g -gsplit-dwarf -c statements.c && $CC -gsplit-dwarf statements.o -o prog && ./prog
-strict debug data   | $CC -O2 -g -gstrict-dwarf -c statements.c && $CC statements.o -o prog && ./prog
-names in debug data | $CC -g -ggnu-pubnames -c statements.c && $CC statements.o -o prog && ./prog
 old debug data      | $CC -g -gdwarf-4 -fdebug-types-section -c statements.c && $CC statements.o -o prog && ./prog
 precompiled C       | $CC -x c-header all.h -o all.h.gch && $CC -include all.h -c header.c && $CC header.o -o prog && ./prog
 precompiled -O2     | $CC -O2 -g all.h && $CC -O2 -g -include all.h -c header.c && $CC header.o -o prog && ./prog
-precompiled C++     | $CXX -x c++-header all.h -o all.h.gch && $CXX -include all.h -c throws.cpp && $CXX throws.o -o prog && ./prog
-exceptions          | $CXX -c throws.cpp && $CXX throws.o -o prog && ./prog
-exceptions -O2      | $CXX -O2 -g -c throws.cpp && $CXX throws.o -o prog && ./prog
+precompiled C++     | $CXX -x c++-header all.h -o all.h.gch && $CXX -include all.h -c throws.cpp shapes.cpp && $CXX throws.o shapes.o -o prog && ./prog
+exceptions          | $CXX -c throws.cpp shapes.cpp && $CXX throws.o shapes.o -o prog && ./prog
 C++ library         | $CXX -g -c library.cpp && $CXX library.o -o prog && ./prog
-C++ library -O1     | $CXX -O1 -c library.cpp && $CXX library.o -o prog && ./prog
-C++ library -O2     | $CXX -O2 -g -c library.cpp && $CXX library.o -o prog && ./prog
 C++ library -O3     | $CXX -O0 -O3 -c library.cpp && $CXX library.o -o prog && ./prog
 jumps               | $CC -c jumps.c && $CC jumps.o -o prog && ./prog
 jumps -O2           | $CC -O2 -c jumps.c && $CC jumps.o -o prog && ./prog
 threads             | $CC -O2 -pthread -c threads.c && $CC -pthread threads.o -o prog && ./prog
 static of one name  | $CC -c one.c two.c && $CC one.o two.o -o prog && ./prog
 sections            | $CC -O2 -fdata-sections -ffunction-sections -c one.c && $CC -O2 -fdata-sections -ffunction-sections -c two.c && $CC -Wl,--gc-sections one.o two.o -o prog && ./prog
-sections C++        | $CXX -fdata-sections -ffunction-sections -c throws.cpp && $CXX -Wl,--gc-sections throws.o -o prog && ./prog
+sections C++        | $CXX -fdata-sections -ffunction-sections -c throws.cpp shapes.cpp && $CXX -Wl,--gc-sections throws.o shapes.o -o prog && ./prog
 compile and link    | $CC -O2 one.c two.c -o prog && ./prog
 partial link        | $CC -c one.c && $CC -c two.c && ld -r one.o two.o -o both.o && $CC both.o -o prog && ./prog
 archive             | $CC -O2 -c one.c && $CC -O2 -c two.c && $AR rcs libtwo.a two.o && $CC one.o -L. -ltwo -o prog && ./prog
@@ -47,7 +40,6 @@ x86:intel syntax    | $CC -O2 -masm=intel -c statements.c && $CC statements.o -o
 x86:large model     | $CC -O1 -mcmodel=large -c statements.c && $CC statements.o -o prog && ./prog
 x86:vectors         | $CC -O3 -mavx2 -c statements.c && $CC statements.o -o prog && ./prog
 address sanitizer   | $CC -fsanitize=address -O1 -g -c statements.c && $CC -fsanitize=address statements.o -o prog && ./prog
-pipe                | $CC -pipe -O2 -c statements.c && $CC statements.o -o prog && ./prog
 saved temporaries   | $CC -save-temps -O2 -c statements.c && $CC statements.o -o prog && ./prog
 response file       | echo -O2 -g statements.c -o s.o >args && $CC -c @args && $CC s.o -o prog && ./prog
 other folder        | mkdir out && cd out && $CC -O2 -c ../statements.c -o s.o && $CC s.o -o ../prog && ../prog

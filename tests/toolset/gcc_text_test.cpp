@@ -1,5 +1,6 @@
 // Assembly texts as gcc writes them for several machines, cut to what matters: where each counter
 // goes, what is left of the text, and what the record says of it.
+#include "tests/refusal.h"
 #include "toolset/common/records.h"
 #include "toolset/counters/counter_text.h"
 
@@ -31,16 +32,6 @@ std::string function_table(const std::string& name, const std::string& counters)
 const std::string ONE_LIST = "\t.quad\t__gcov_.f\n";
 const std::string ONE_TABLE = function_table("f", "\t.long\t2\n\t.zero\t4\n\t.quad\t__gcov0.f\n");
 const std::string ONE_COMMON = "\t.local\t__gcov0.f\n\t.comm\t__gcov0.f,16,16\n";
-
-std::string refusal_of(const std::string& text)
-{
-    try {
-        read_gcc_text(text);
-    } catch (const NotInstrumentable& why) {
-        return why.what();
-    }
-    return "";
-}
 
 } // namespace
 
@@ -170,8 +161,8 @@ TEST(GccText, AnAddressSanitizerGuardsRoomInPlaceOfWhatIsLeftOut)
 TEST(GccText, WhatIsNotUnderstoodIsRefused)
 {
     const std::string sound = tables(ONE_TABLE, ONE_LIST) + ONE_COMMON;
-    EXPECT_EQ(refusal_of(sound), "");
-    EXPECT_EQ(refusal_of("\t.text\n\tret\n"), "");
+    EXPECT_EQ(refusal(read_gcc_text, sound), "");
+    EXPECT_EQ(refusal(read_gcc_text, "\t.text\n\tret\n"), "");
     const std::pair<const char*, std::string> rows[] = {
         {"a counter without a definition", sound + "\tincq\t__gcov0.g(%rip)\n"},
         {"counters without tables", ONE_COMMON},
@@ -187,11 +178,11 @@ TEST(GccText, WhatIsNotUnderstoodIsRefused)
          tables(function_table("f", "\t.long\tx\n"), ONE_LIST) + ONE_COMMON},
     };
     for (const auto& [what, text] : rows) {
-        EXPECT_NE(refusal_of(text).find("not understood"), std::string::npos) << what;
+        EXPECT_NE(refusal(read_gcc_text, text).find("not understood"), std::string::npos) << what;
     }
     // Cut anywhere, a text is refused or read, and nothing is read beyond its end.
     for (std::size_t size = 0; size < sound.size(); ++size) {
-        refusal_of(sound.substr(0, size));
+        refusal(read_gcc_text, sound.substr(0, size));
     }
 }
 

@@ -32,7 +32,6 @@ static unsigned long long counters[40];
 static unsigned long long second[3];
 static unsigned long long flags[4]; /* the last two join by "or" */
 
-pid_t __gcov_fork(void);
 void __gcov_dump(void);
 void __gcov_reset(void);
 
@@ -122,11 +121,6 @@ static void end_child(pid_t child, const char* how)
 static void by_fork(char** argv)
 {
     end_child(fork(), argv[2]);
-}
-
-static void by_gcov_fork(char** argv)
-{
-    end_child(__gcov_fork(), argv[2]);
 }
 
 static void by_daemon(char** argv)
@@ -261,11 +255,10 @@ static const struct {
     const char* name;
     action* run;
 } ACTIONS[] = {
-    {"_exit", without_end},     {"arrived", arrived},
-    {"closed", close_all},      {"daemon", by_daemon},
-    {"dump__exit", dump_twice}, {"endless", dump_for_ever},
-    {"exec", by_exec},          {"flags", set_flags},
-    {"fork", by_fork},          {"gcov_fork", by_gcov_fork},
+    {"_exit", without_end},     {"closed", close_all},
+    {"daemon", by_daemon},      {"dump__exit", dump_twice},
+    {"endless", dump_for_ever}, {"exec", by_exec},
+    {"flags", set_flags},       {"fork", by_fork},
     {"hidden", keep_loaded},    {"hidden_exec", exec_from_loaded},
     {"plugin", unload},         {"raise", raise_signal},
     {"reopened", reopen},       {"reset", reset},

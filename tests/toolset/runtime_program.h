@@ -11,7 +11,7 @@ void hit(int counter);
 /* Loads the library and calls what counts in it. */
 void* load_plugin(const char* path);
 
-/* What becomes another program, and what it becomes. */
-action by_exec, arrived, vfork_exec, exec_from_loaded;
+/* What becomes another program. */
+action by_exec, vfork_exec, exec_from_loaded;
 
 #endif

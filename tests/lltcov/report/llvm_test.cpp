@@ -4,6 +4,7 @@
 #include "lltcov/report/lcov_reader.h"
 #include "lltcov/report/llvm_reader.h"
 #include "lltcov/report/llvm_tools.h"
+#include "lltcov/report/report_formats.h"
 #include "tests/fixture.h"
 
 #include <cstdlib>
@@ -64,40 +65,25 @@ TEST(ProfileText, HasTheCountersOfEachFunctionInItsOwnOrder)
 
 TEST(LcovReader, ReadsLinesFunctionsAndDecisions)
 {
-    const Coverage coverage = read_lcov(TRACE);
-    ASSERT_EQ(coverage.size(), 2U);
-    const SourceCoverage& source = coverage.at("/p/a.c");
-    EXPECT_EQ(source.lines, (std::map<std::uint32_t, std::uint64_t>{{2, 3}, {3, MAX_COUNT}}));
-    EXPECT_EQ(source.functions.at("a.c:help").line, 2U);
-    EXPECT_EQ(source.functions.at("a.c:help").count, 3U);
-    EXPECT_EQ(source.functions.at("_Z3runv").line, 7U);
-    EXPECT_EQ(source.functions.at("_Z3runv").count, 0U);
-    ASSERT_EQ(source.blocks.at(3).size(), 2U);
-    const auto made = source.blocks.at(3).begin();
-    EXPECT_EQ(made->second.branches.at(0).count, 0U);
-    EXPECT_EQ(made->second.branches.at(1).count, 5U);
-    EXPECT_GT(made->second.count, 0U);
-    EXPECT_EQ(std::next(made)->second.branches.size(), 2U);
-    EXPECT_EQ(std::next(made)->second.count, 0U); // the decision was never made
-    EXPECT_GT(source.blocks.at(4).begin()->second.count, 0U);
-    EXPECT_EQ(coverage.at("/p/b.h").lines.at(1), 0U);
-    const Rates rates = rates_of(coverage);
-    EXPECT_EQ(rates.branches.hit, 1U);
-    EXPECT_EQ(rates.branches.total, 6U);
+    const Report report{"/p", Counting::branches, read_lcov(TRACE), {}};
+    // A decision that was never made is known from one whose branches both have no count.
+    EXPECT_EQ(as_lcov(report),
+              "TN:\nSF:/p/a.c\nFN:7,_Z3runv\nFN:2,a.c:help\nFNDA:0,_Z3runv\nFNDA:3,a.c:help\n"
+              "FNF:2\nFNH:1\nBRDA:3,0,0,0\nBRDA:3,0,1,5\nBRDA:3,1,0,-\nBRDA:3,1,1,-\n"
+              "BRDA:4,0,0,0\nBRDA:4,0,1,0\nBRF:6\nBRH:1\nDA:2,3\nDA:3," +
+                  std::to_string(MAX_COUNT) +
+                  "\nLF:2\nLH:2\nend_of_record\n"
+                  "TN:\nSF:/p/b.h\nFNF:0\nFNH:0\nDA:1,0\nLF:1\nLH:0\nend_of_record\n");
 }
 
 TEST(LcovReader, ElevenDecisionsOfALineStayInOrder)
 {
-    std::string text = "SF:/p/a.c\n";
+    std::string decisions, end = "BRF:11\nBRH:11\nLF:0\nLH:0\nend_of_record\n";
     for (int i = 0; i < 11; ++i) {
-        text += "BRDA:1," + std::to_string(i) + ",0," + std::to_string(i + 1) + "\n";
+        decisions += "BRDA:1," + std::to_string(i) + ",0," + std::to_string(i + 1) + "\n";
     }
-    const Coverage coverage = read_lcov(text + "end_of_record\n");
-    std::uint64_t expected = 1;
-    for (const auto& block : coverage.at("/p/a.c").blocks.at(1)) {
-        EXPECT_EQ(block.second.branches.at(0).count, expected++);
-    }
-    EXPECT_EQ(expected, 12U);
+    const Report report{"/p", Counting::branches, read_lcov("SF:/p/a.c\n" + decisions + end), {}};
+    EXPECT_EQ(as_lcov(report), "TN:\nSF:/p/a.c\nFNF:0\nFNH:0\n" + decisions + end);
 }
 
 TEST(LcovReader, RefusesWhatIsCutOrDamaged)

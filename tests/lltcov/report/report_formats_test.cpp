@@ -47,24 +47,7 @@ TEST(ReportFormats, Lcov)
                                  "end_of_record\n");
 }
 
-TEST(ReportFormats, LcovHasASectionForEachTest)
-{
-    Report report{"/p", Counting::lines, {}, {}};
-    report.coverage["/a.c"].lines = {{1, 3}};
-    for (const auto& [test, count] : {std::pair{"", 0U}, {"it-works", 1U}, {"other", 2U}}) {
-        report.tests.emplace_back(test, Coverage());
-        report.tests.back().second["/a.c"].lines = {{1, count}};
-    }
-    const auto section = [](const char* test, const char* counts) {
-        return std::string("TN:") + test + "\nSF:/a.c\nFNF:0\nFNH:0\n" + counts +
-               "\nend_of_record\n";
-    };
-    EXPECT_EQ(as_lcov(report), section("", "DA:1,0\nLF:1\nLH:0") +
-                                   section("it_works", "DA:1,1\nLF:1\nLH:1") +
-                                   section("other", "DA:1,2\nLF:1\nLH:1"));
-}
-
-TEST(ReportFormats, LcovNumbersBlocksAlikeInAllSections)
+TEST(ReportFormats, LcovHasASectionForEachTestAndNumbersBlocksAlikeInAll)
 {
     Report report{"/p", Counting::conditions, {}, {}};
     SourceCoverage& whole = report.coverage["/b.h"];
@@ -78,13 +61,13 @@ TEST(ReportFormats, LcovNumbersBlocksAlikeInAllSections)
     SourceCoverage test;
     test.lines = {{4, 2}};
     test.blocks[4]["_Z1fl"] = whole.blocks[4]["_Z1fl"];
-    report.tests = {{"", {{"/b.h", others}}}, {"l", {{"/b.h", test}}}};
+    report.tests = {{"", {{"/b.h", others}}}, {"it-works", {{"/b.h", test}}}};
     EXPECT_EQ(as_lcov(report), "TN:\nSF:/b.h\nFNF:0\nFNH:0\n"
                                "BRDA:4,0,0,-\nBRDA:4,1,0,-\nBRDA:9,0,0,-\nBRF:3\nBRH:0\n"
                                "MCDC:4,2,t,0,0,0\nMCDC:4,2,f,0,0,0\n"
                                "MCDC:4,2,t,0,1,1\nMCDC:4,2,f,1,1,1\nMCF:4\nMCH:1\n"
                                "DA:4,0\nDA:9,0\nLF:2\nLH:0\nend_of_record\n"
-                               "TN:l\nSF:/b.h\nFNF:0\nFNH:0\n"
+                               "TN:it_works\nSF:/b.h\nFNF:0\nFNH:0\n"
                                "BRDA:4,0,0,-\nBRDA:4,1,0,2\nBRF:2\nBRH:1\n"
                                "DA:4,2\nLF:1\nLH:1\nend_of_record\n");
 }

@@ -3,18 +3,13 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+int area_of_larger(int x);
 namespace
 {
 struct Guard {
     int& count;
     ~Guard() { count++; }
 };
-template <typename Value> Value larger(Value a, Value b)
-{
-    if (a > b)
-        return a;
-    return b;
-}
 int parse(const std::string& text, int& guards)
 {
     Guard guard{guards};
@@ -47,6 +42,7 @@ int main()
             start += entry.second;
         return start;
     };
-    bool right = larger(1, 2) == 2 && larger(2.5, 1.5) == 2.5 && larger<long>(3, 4) == 4;
+    bool right = larger(1, 2) == 2 && larger(2.5, 1.5) == 2.5 && larger<long>(3, 4) == 4 &&
+                 area_of_larger(1) == 6;
     return right && guards == 4 && failures == 11 && sum(0) == 21 && length_of("a") == 1 ? 0 : 1;
 }

@@ -1,3 +1,4 @@
+#include "all.h"
 static int helper(int x)
 {
     if (x % 2)
@@ -10,5 +11,5 @@ int never(int x)
 }
 int other(int x)
 {
-    return helper(x);
+    return helper(x) + length_of("");
 }
