@@ -73,3 +73,11 @@ enter_project() {
     # shellcheck source=toolset/TUSK_INIT.SH
     . "$root/toolset/TUSK_INIT.SH"
 }
+
+# logged COMMAND...: quiet while all is well
+logged() {
+    "$@" >"$work/log" 2>&1 && return
+    tail -n 40 "$work/log" >&2
+    echo "FAILED: $*" >&2
+    return 1
+}

@@ -5,7 +5,8 @@
 
 #include <string>
 
-/// What the reader throws at the text, "LINE: " before it where it names one; empty when it reads it.
+/// What the reader throws at the text, "LINE: " before it where it names one; empty when it reads
+/// it.
 template <typename Read> std::string refusal(Read read, const std::string& text)
 {
     try {

@@ -58,18 +58,10 @@ TEST(ArchiveFile, HasTheMembersThatArPutIn)
              member("/9", "", 1000000),
          "sub/a.o=|/abs/b.o=|:"},
         {"name without a slash", arch + member("a.o", "x"), "a.o=x|:"},
-        {"none",
-         "\x7f"
-         "ELF" +
-             member("a.o/", "x"),
-         ":"},
+        {"none", "\177ELF" + member("a.o/", "x"), ":"},
         {"cut in the content", arch + member("a.o/", "xy", 100), "a.o=xy|:"},
         {"cut in a header", arch + member("a.o/", "xy") + "b.o/   ", "a.o=xy|:"},
-        {"index that promises too much",
-         arch + member("/", std::string("\xff\xff\xff\xff"
-                                        "f\0",
-                                        6)),
-         ":"},
+        {"index that promises too much", arch + member("/", {"\377\377\377\377f\0", 6}), ":"},
         {"long name out of range", arch + member("//", names) + member("/999", "x"), "=x|:"},
         {"no size", arch + member("a.o/", "", 0) + member("b.o/", "x"), "a.o=|b.o=x|:"},
     };

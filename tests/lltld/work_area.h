@@ -44,6 +44,19 @@ inline std::string answer(const std::string& command)
     return printed(0, [&] { return std::system(command.c_str()); });
 }
 
+/// What is printed when the records in "T" are gone; `must_not` is spelled in two ways.
+inline std::string records_are_gone(const std::string& must_not)
+{
+    return "\033[0;32;31mTUSK_FATAL:Probably, you have deleted all of KESTO LLT informations, but you "
+           "areusing incremental-compile or incremental-link\nsolutions: \nfirstly, recompile your "
+           "source code without using lltwrapper;\nsecondly, check your makefiles, probably there is "
+           "something wrong with the 'MAKE CLEAN' rules;\nthirdly, if you don't want to solve the "
+           "problems mentioned above currently, you " +
+           must_not +
+           " clean 'T' automatically.\n\033[m\033[0;32;31mTUSK_FATAL:please clear your environment, and "
+           "recompile your source code.\n\033[m";
+}
+
 /// All that the driver leaves in "T" under a symbol a_1 of the source a.c and the object a.o.
 inline void leave_record(const std::string& symbol, int points = 1,
                          const std::string& compile_command = "gcc")

@@ -10,14 +10,6 @@
 #     branches FILE LINE COUNT...     a row for each function that has branches in the line
 set -o pipefail
 
-# logged COMMAND...: quiet while all is well
-logged() {
-    "$@" >"$work/log" 2>&1 && return
-    tail -n 40 "$work/log" >&2
-    echo "FAILED: $*" >&2
-    return 1
-}
-
 # fresh_tree SOURCE: in the same place each time, as its path appears in the reports
 fresh_tree() {
     rm -rf "$work/tree"

@@ -36,9 +36,7 @@ build() {
     flags=$1
     shift
     rm -f ./*.o ./*.a
-    make FLAGS="$flags" "$@" >"$work/log" 2>&1 && return
-    cat "$work/log"
-    exit 1
+    logged make FLAGS="$flags" "$@"
 }
 
 run() { ./both && ./both 1 && ./statements && ./throws; }

@@ -39,8 +39,8 @@ M
 build() {
     make -s clean
     local began=${EPOCHREALTIME/[.,]/}
-    make -j"$(nproc)" CXX="lltwrapper $* g++" LINK="lltwrapper $* g++" \
-        AR="lltwrapper -artool ar -arsuffix .a ar" >"$work/log" 2>&1 || cat "$work/log"
+    logged make -j"$(nproc)" CXX="lltwrapper $* g++" LINK="lltwrapper $* g++" \
+        AR="lltwrapper -artool ar -arsuffix .a ar"
     took=$(((${EPOCHREALTIME/[.,]/} - began) / 1000))
 }
 
@@ -51,7 +51,7 @@ stats() {
     ccache --zero-stats >/dev/null
 }
 
-report() { (./prog && lltcov export --lcov -o "$work/$1.info") >"$work/log" 2>&1 || cat "$work/log"; }
+report() { logged ./prog && logged lltcov export --lcov -o "$work/$1.info"; }
 
 make_tree
 sources=$(find . -name '*.cpp' | wc -l)
@@ -78,7 +78,7 @@ expect 'at most 0.4 of the time' yes "$([ $((second * 10)) -le $((first * 4)) ] 
 records=$work/second/LLTTEMP/codemeasure
 lose() { rm -rf "$records"/db/db"$1"_cpp_* "$records/ini/$1"_cpp_*; } # lose NAME: of NAME.cpp
 found() { find "$records/db" -path "*/db$1_cpp_*/record" | wc -l; }
-rebuild() { make CXX='lltwrapper ccache g++' LINK='lltwrapper g++' >"$work/log" 2>&1 || cat "$work/log"; }
+rebuild() { logged make CXX='lltwrapper ccache g++' LINK='lltwrapper g++'; }
 stats cache_miss >/dev/null
 lose main
 rm main.o
@@ -100,7 +100,7 @@ for folder in one two; do
     mkdir -p "$work/$folder/sub"
     cd "$work/$folder" || exit
     printf 'int half(int x)\n{\n    return x / 2;\n}\n' >sub/half.c
-    lltwrapper ccache gcc -c sub/half.c -o half.o >"$work/log" 2>&1 || cat "$work/log"
+    logged lltwrapper ccache gcc -c sub/half.c -o half.o
     expect "the record names folder $folder" "source $PWD/sub/half.c object $PWD/half.o" \
         "$(grep -aE '^(source|object) ' half.o | paste -sd ' ')"
 done

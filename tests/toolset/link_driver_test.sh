@@ -4,40 +4,45 @@
 . "$(dirname "$0")/../common.sh"
 mkdir bin
 cp "$programs/lltld" bin
-driver=$work/bin/lltld said=$work/link.err
+driver=$work/bin/lltld area=$work/LLTTEMP/codemeasure said=$work/link.err
+enter_project "$work"
 export LLTCOV_RUNTIME=$programs/lib/lltcov/liblltcov_rt.a
-# shellcheck source=tests/toolset/link_driver_fixture.sh
-. "$root/tests/toolset/link_driver_fixture.sh"
 
-source_of main <<'C'
-int beta(int);
-int main(int argc, char **argv)
-{
-    (void)argv;
-    HIT(0);
-    if (argc > 1) {
-        HIT(1);
-    }
-    return beta(argc) - 1;
+# instrumented NAME [OPTION...]: NAME.o from NAME.c; each of its functions has one counter
+instrumented() {
+    lltcc -qmr_current_prj_path "$work" -projectname LLTTEMP -qmr_coverage_stub_mold 1 \
+        gcc -O0 "${@:2}" -fPIC -c "$1.c" -o "$1.o" || exit
 }
-C
-source_of beta <<'C'
-int beta(int x)
-{
-    for (int i = 0; i < 3; ++i) {
-        HIT(i);
-    }
-    return x;
+
+# link NAME COMMAND...: as lltwrapper calls the driver
+link() {
+    target=$1
+    shift
+    "$driver" -qmr_current_prj_path "$work" -projectname "$target" -qmr_coverage_stub_mold 1 \
+        "$@" > "$work/link.out" 2> "$work/link.err"
 }
-C
-cp main.c plain.c
-gcc -DHIT\(i\)= -c plain.c -o plain.o
+
+# counts MODULE SOURCE: the counts of SOURCE.c in every dump file of the module, one line per file, sorted
+counts() {
+    find "$work/llt_result" -name "$1.*.lltcov" 2> /dev/null | while read -r file; do
+        place=$(sed '/^counts /q' "$file" | awk -v "symbol=$2_c_" '
+            { header += length($0) + 1 }
+            $1 == "file" && index($3, symbol) == 1 { start = bytes; size = $4 }
+            $1 == "file" { bytes += $4 }
+            END { print header + 8 + start + 1, size + 0 }')
+        tail -c "+${place% *}" "$file" | head -c "${place#* }" | od -An -v -w8 -tu8 | xargs -r
+    done | sort
+}
+
+printf 'int beta(int);\nint main(int argc, char **argv)\n{\n    return beta(argc) - (argv != 0);\n}\n' > main.c
+printf 'int beta(int x)\n{\n    return x;\n}\n' > beta.c
+gcc -c main.c -o plain.o
 echo 'int other(void) { return 0; }' > other.c
 gcc -fPIC -c other.c
 echo 'const char *format = "extern int g_QMRCovData_%s[];";' > format.c
 gcc -c format.c
-instrumented main 2
-instrumented beta 40 -O2
+instrumented main
+instrumented beta -O2
 
 wrapped_ar() { lltwrapper -artool ar -arsuffix .a ar "$@" > /dev/null 2>&1; }
 wrapped_ar rcs libbeta.a beta.o
@@ -64,27 +69,27 @@ check_row() {
 while IFS='|' read -r name of_main of_beta command; do
     check_row "$name" "$of_main" "$of_beta" "$command"
 done <<'ROWS'
-direct|1 0|1*3 0*37|gcc main.o beta.o -o direct
-texts|1 0|1*3 0*37|gcc main.o beta.o format.o -o texts
-behind|1 0|1*3 0*37|gcc -o behind -L. main.o -lbeta -Wl,--as-needed -lm
-static|1 0|1*3 0*37|gcc -static -o static main.o libbeta.a
-group|1 0|1*3 0*37|gcc -o group -Wl,--start-group libbeta.a main.o -Wl,--end-group
-whole|1 0|1*3 0*37|gcc -o whole main.o -Wl,--whole-archive libbeta.a -Wl,--no-whole-archive
-library||1*3 0*37|gcc plain.o libbeta.a -o library
-shared|1 0|1*3 0*37|gcc main.o beta.o conv/libconv.a -o shared
-rawlib||1*3 0*37|gcc plain.o -o rawlib raw/libraw.a
-thin||1*3 0*37|gcc plain.o -o thin raw/thin.a
-named_libc|1 0|1*3 0*37|gcc -nodefaultlibs main.o beta.o -o named_libc -lc
-script||1*3 0*37|gcc plain.o -o script -Lraw -lscript
-language||1*3 0*37|gcc -DHIT\(i\)= -x c plain.c -o language -L. -lbeta
-rsp|1 0|1*3 0*37|gcc @words.rsp -Wl,-E -Wl,-S
-wl|1 0|1*3 0*37|gcc -o wl main.o -Wl,beta.o
-xlinker|1 0|1*3 0*37|gcc -o xlinker main.o -Xlinker beta.o
-gcsections|1 0|1*3 0*37|gcc -o gcsections -Wl,--gc-sections -s main.o beta.o
+direct|1 1|1|gcc main.o beta.o -o direct
+texts|1 1|1|gcc main.o beta.o format.o -o texts
+behind|1 1|1|gcc -o behind -L. main.o -lbeta -Wl,--as-needed -lm
+static|1 1|1|gcc -static -o static main.o libbeta.a
+group|1 1|1|gcc -o group -Wl,--start-group libbeta.a main.o -Wl,--end-group
+whole|1 1|1|gcc -o whole main.o -Wl,--whole-archive libbeta.a -Wl,--no-whole-archive
+library||1|gcc plain.o libbeta.a -o library
+shared|1 1|1|gcc main.o beta.o conv/libconv.a -o shared
+rawlib||1|gcc plain.o -o rawlib raw/libraw.a
+thin||1|gcc plain.o -o thin raw/thin.a
+named_libc|1 1|1|gcc -nodefaultlibs main.o beta.o -o named_libc -lc
+script||1|gcc plain.o -o script -Lraw -lscript
+language||1|gcc -x c main.c -o language -L. -lbeta
+rsp|1 1|1|gcc @words.rsp -Wl,-E -Wl,-S
+wl|1 1|1|gcc -o wl main.o -Wl,beta.o
+xlinker|1 1|1|gcc -o xlinker main.o -Xlinker beta.o
+gcsections|1 1|1|gcc -o gcsections -Wl,--gc-sections -s main.o beta.o
 ROWS
 for linker in bfd gold lld; do
     if gcc "-fuse-ld=$linker" -Wl,--version > /dev/null 2>&1; then
-        check_row "by_$linker" "1 0" "1*3 0*37" "gcc -fuse-ld=$linker -o by_$linker main.o libbeta.a"
+        check_row "by_$linker" "1 1" 1 "gcc -fuse-ld=$linker -o by_$linker main.o libbeta.a"
     else
         echo "skipped: the linker $linker is not installed"
     fi
@@ -93,16 +98,16 @@ done
 # a relocatable link stays as it is, and its result is an input like any other
 link part gcc -r -nostdlib main.o beta.o -o part.o
 expect "-r gives no work area" "no" "$([ -d part_exe ] && echo yes || echo no)"
-check_row whole_part "1 0" "1*3 0*37" "gcc part.o -o whole_part"
+check_row whole_part "1 1" 1 "gcc part.o -o whole_part"
 
 # a shared library carries its own stub and runtime; the static one of the same stem keeps its own
 link libbeta gcc -shared -Wl,--no-undefined beta.o -o sub/libbeta.so
 expect "shared library links" 0 $?
-check_row uses_so "1 0" "1*3 0*37" "gcc main.o -Lsub -lbeta '-Wl,-rpath,\$ORIGIN/sub' -o uses_so"
+check_row uses_so "1 1" 1 "gcc main.o -Lsub -lbeta '-Wl,-rpath,\$ORIGIN/sub' -o uses_so"
 rm -rf llt_result
 gcc plain.o -Lsub -lbeta "-Wl,-rpath,$PWD/sub" -o plain_uses_so && ./plain_uses_so
-expect "a plain program reports the library's counts" "1*3 0*37" "$(counts libbeta_so beta)"
-check_row two_forms "" "1*3 0*37" "gcc plain.o -Lsub -L. -Wl,-Bstatic,-Bdynamic -lbeta -Wl,-rpath,sub -o two_forms"
+expect "a plain program reports the library's counts" 1 "$(counts libbeta_so beta)"
+check_row two_forms "" 1 "gcc plain.o -Lsub -L. -Wl,-Bstatic,-Bdynamic -lbeta -Wl,-rpath,sub -o two_forms"
 expect "a library of both forms is the shared one" "no" "$([ -d two_forms_exe ] && echo yes || echo no)"
 expect "work areas of one stem" "libbeta libbeta_so" "$(echo libbeta libbeta_so/codemeasure/..* | sed 's|/.*||')"
 
@@ -111,7 +116,7 @@ expect "a library with a version" libversion_so "$(ls -d libversion_*)"
 
 # ld itself, as a compiler driver would call it
 file_of() { gcc -print-file-name="$1"; }
-check_row by_ld "1 0" "1*3 0*37" "ld -static -o by_ld $(file_of crt1.o) $(file_of crti.o) \
+check_row by_ld "1 1" 1 "ld -static -o by_ld $(file_of crt1.o) $(file_of crti.o) \
     $(file_of crtbeginT.o) main.o beta.o -L$(dirname "$(file_of libgcc.a)") --start-group -lgcc \
     -lgcc_eh $(file_of libc.a) --end-group $(file_of crtend.o) $(file_of crtn.o)"
 
@@ -120,71 +125,64 @@ rm -rf llt_result
 link twins gcc libbeta.a twin/libbeta.a libbeta.a -o twins
 expect "libraries of one stem link" 0 $?
 ./twins
-expect "libraries of one stem count" "1 0 1*3 0*37" "$(counts '*' main) $(counts '*' beta)"
-check_row all_twins "1 0" "1*3 0*37" \
+expect "libraries of one stem count" "1 1 1" "$(counts '*' main) $(counts '*' beta)"
+check_row all_twins "1 1" 1 \
     "gcc -o all_twins -Wl,--whole-archive libbeta.a twin/libbeta.a -Wl,--no-whole-archive"
 expect "libraries of one stem are named" 1 "$(grep -c 'different names' link.err)"
 
 # What a link took is on record, and stays so when another library of the stem is made.
 expect "a linked library's build" "$(sed -n 's/^BUID=//p' libbeta/codemeasure/.prj) main" \
-    "$(sed -n "\\|^library $PWD/twin/libbeta.a|,\$s/^buid \|^symbol //p" twins_exe/codemeasure/libraries.txt | xargs)"
+    "$(sed -n "\\|^library $PWD/twin/libbeta.a|,\$s/^buid \|^symbol \(.*\)_c_.*/\1/p" twins_exe/codemeasure/libraries.txt | xargs)"
 
 # one library archived in two steps
 wrapped_ar q twin/libsteps.a main.o
 wrapped_ar q twin/libsteps.a beta.o
-check_row steps "1 0" "1*3 0*37" "gcc twin/libsteps.a -o steps"
+check_row steps "1 1" 1 "gcc twin/libsteps.a -o steps"
 
 # two programs of one name have work areas of their own
 link same gcc main.o beta.o -o sub/same
 link same gcc main.o beta.o -o twin/same
 rm -rf llt_result
 sub/same && twin/same
-expect "programs of one name" "1 0 1 0" "$(counts same_exe main) $(counts same_exe_2 main)"
+expect "programs of one name" "1 1 1 1" "$(counts same_exe main) $(counts same_exe_2 main)"
 
 # a destructor of a library that runs after the library's stub and the program's runtime
-source_of bye <<'C'
-__attribute__((destructor)) static void bye(void) { HIT(1); }
-int beta(int x) { HIT(0); return x; }
+cat > bye.c <<'C'
+static int all;
+__attribute__((destructor)) static void bye(void) { ++all; }
+int beta(int x) { return x; }
 C
-instrumented bye 2
-printf 'gcc -fPIC' > "$area/db/dbbye/CompileCmd.txt"
+instrumented bye
 wrapped_ar rcs libbye.a bye.o
 link libgone gcc -shared other.o libbye.a -Wl,-u,beta -o libgone.so
-check_row goes "1 0" "" "gcc main.o ./libgone.so -o goes"
-expect "late destructors count" "1*2" "$(counts libbye bye)"
+check_row goes "1 1" "" "gcc main.o ./libgone.so -o goes"
+expect "late destructors count" "1 1" "$(counts libbye bye)"
 
-# Fork and exec, as the compiler has them called.
-source_of execs <<'C'
-#include <unistd.h>
+# The functions that the compiler puts in the place of fork and exec are there without a runtime, too.
+cat > execs.c <<'C'
 #include <sys/wait.h>
-extern int __gcov_fork(void), __gcov_execl(const char *, char *, ...);
+#include <unistd.h>
 int main(void)
 {
-    HIT(0);
-    if (__gcov_fork() == 0) {
-        HIT(1);
+    if (fork() == 0)
         return 0;
-    }
     wait(0);
-    __gcov_execl("/nowhere", "", "", "", "", "", "", "", "", (char *)0);
-    HIT(2);
-    return __gcov_execl("/bin/sh", "sh", "-c", "test $6 = six", "0", "1", "2", "3", "4", "5", "six", (char *)0);
+    execl("/nowhere", "", "", "", "", "", "", "", "", (char *)0);
+    return execl("/bin/sh", "sh", "-c", "test $6 = six", "0", "1", "2", "3", "4", "5", "six", (char *)0);
 }
 C
-instrumented execs 3
-for how in dynamic static; do
+instrumented execs
+while read -r how runtime dumps; do
     rm -rf llt_result
-    # shellcheck disable=SC2046
-    link "execs_$how" gcc $([ $how = dynamic ] || echo -static) execs.o -o "execs_$how" && "./execs_$how"
-    expect "$how: the new program ends well" 0 $?
-    expect "$how: fork and exec dump before" "1*3" "$(counts "execs_${how}_exe" execs)"
-    rm -rf llt_result
-    # shellcheck disable=SC2046
-    LLTCOV_RUNTIME=/nowhere link plain_execs gcc $([ $how = dynamic ] || echo -static) execs.o -o "plain_$how" &&
-        "./plain_$how"
-    expect "$how: they work without the runtime" 0 $?
-    expect "$how: and count nothing" "" "$(counts '*' execs)"
-done
+    LLTCOV_RUNTIME=$runtime link execs gcc "$how" execs.o -o execs && ./execs
+    expect "$how, runtime $runtime: the new program ends well" 0 $?
+    expect "$how, runtime $runtime: dump files" "$dumps" "$(counts execs_exe execs | grep -c .)"
+done <<ROWS
+-rdynamic $LLTCOV_RUNTIME 1
+-static $LLTCOV_RUNTIME 1
+-rdynamic /nowhere 0
+-static /nowhere 0
+ROWS
 echo 'int puts(const char *); int execv(void) { return puts("fake") < 0; }' > fake.c
 gcc -w -fno-builtin -c fake.c
 link fakes gcc -o fakes execs.o fake.o
@@ -202,21 +200,23 @@ LLTCOV_RUNTIME=/nowhere link no_runtime gcc main.o libbeta.a -o no_runtime
 check_plain "no runtime" no_runtime
 link libfree gcc -shared -nostdlib beta.o -o libfree.so && gcc plain.o ./libfree.so -o uses_free
 check_plain "no C library" uses_free
-printf 'gcc -fno-such-option' > "${area:?}/db/dbmain/CompileCmd.txt"
+printf 'gcc -fno-such-option' | tee "${area:?}"/db/dbmain_c_*/CompileCmd.txt > /dev/null
 link no_stub gcc main.o beta.o -o no_stub
 expect "a stub that does not compile" "no coverage" "$(grep -o 'no coverage' link.err)"
-printf 'gcc -g' > "$area/db/dbmain/CompileCmd.txt"
+instrumented main
 
 qmr_current_prj_path='' "$driver" -qmr_current_prj_path -projectname lost \
     -qmr_coverage_stub_mold 1 gcc plain.o beta.o -o lost > link.out 2> link.err
 expect "no project: the linker's status" 1 $?
 expect "no project: says so" 1 "$(grep -c 'project is not known' link.err)"
 
-mv "$area/db/dbbeta" gone
-link gone gcc main.o beta.o -o gone_program
+mkdir gone
+mv "$area"/db/dbbeta_c_* gone
+objcopy --remove-section .lltcov_record beta.o bare.o # the record that else comes back from the object
+link gone gcc main.o bare.o -o gone_program
 expect "missing records fail" 1 $?
 expect "missing records are named" 1 "$(grep -c 'counter array of unknown size' link.err)"
-mv gone "$area/db/dbbeta"
+mv gone/* "$area/db"
 
 # the user's own error is reported once, with the tool's status
 link wrong gcc main.o -o wrong
@@ -256,11 +256,11 @@ echo "$*" >> "$qmr_current_prj_path/lltcc.log"
 case "$*" in *beta.c*) cp beta.o "${!#}" ;; *) exit 1 ;; esac
 LLTCC
 chmod +x bin/lltcc
-check_row compiled "" "1*3 0*37" "gcc plain.o -O1 beta.c -DHIT\(i\)= -o compiled -lm"
-expect "its call" "gcc -O1 -DHIT(i)= -c beta.c" "$(sed 's/ -o .*//' lltcc.log)"
+check_row compiled "" 1 "gcc plain.o -O1 beta.c -o compiled -lm"
+expect "its call" "gcc -O1 -c beta.c" "$(sed 's/ -o .*//' lltcc.log)"
 rm lltcc.log
-check_row deps "" "1*3 0*37" "gcc plain.o -MMD ./other.o beta.c -DHIT\(i\)= -o ./deps"
-expect "dependencies" "gcc -MMD -DHIT(i)= -MF ./deps.d -MQ ./deps -c beta.c" \
+check_row deps "" 1 "gcc plain.o -MMD ./other.o beta.c -o ./deps"
+expect "dependencies" "gcc -MMD -MF ./deps.d -MQ ./deps -c beta.c" \
     "$(sed 's/ -o .*//' lltcc.log)"
-check_row fallen_back "" "1*3 0*37" "gcc -DHIT\(i\)= plain.c libbeta.a -o fallen_back"
+check_row fallen_back "" 1 "gcc main.c libbeta.a -o fallen_back"
 finish

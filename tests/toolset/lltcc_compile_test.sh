@@ -31,8 +31,8 @@ C
 # compile MODE WORD...: a.c into a.o, in a new project
 compile() {
     rm -rf "$work/project" "$work/options" "$work/a.o"
-    lltcc -qmr_current_prj_path "$work/project" -projectname LLTTEMP -qmr_coverage_stub_mold "$1" \
-        "$work/bin/gcc" -c "${@:2}" "$work/a.c" -o "$work/a.o" >"$work/log" 2>&1 || cat "$work/log"
+    logged lltcc -qmr_current_prj_path "$work/project" -projectname LLTTEMP \
+        -qmr_coverage_stub_mold "$1" "$work/bin/gcc" -c "${@:2}" "$work/a.c" -o "$work/a.o"
 }
 
 # functions: those that a.o counts, by their names in the source

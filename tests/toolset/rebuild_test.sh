@@ -8,16 +8,12 @@ said=$work/err
 mkdir project
 cd project
 enter_project "$PWD"
-lltcov shims "$work/shims" >"$work/log"
+logged lltcov shims "$work/shims"
 PATH=$work/shims:$PATH
 export LLT_WRAP=1
 
 # build [ARGUMENT...]
-build() {
-    make -j8 "$@" >"$work/log" 2>&1 && return
-    cat "$work/log"
-    exit 1
-}
+build() { logged make -j8 "$@"; }
 
 run() { ./prog && ./prog; }
 

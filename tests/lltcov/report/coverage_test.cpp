@@ -1,6 +1,7 @@
 // The model: how what runs and objects count becomes one.
 #include "lltcov/common/console.h"
 #include "lltcov/report/coverage.h"
+#include "lltcov/report/report_formats.h"
 #include "lltcov/report/report_text.h"
 
 #include <gtest/gtest.h>
@@ -31,30 +32,18 @@ TEST(Coverage, OfASourceIsTheSumOfItsObjects)
                         {{{{false, false}, {false, true}}}}};
     b.blocks[3]["h"] = {0, {{0, false, true}}, {}};
     add_source(a, b);
-    EXPECT_EQ(a.lines, (std::map<std::uint32_t, std::uint64_t>{{3, 107}, {4, 5}, {9, 0}}));
-    EXPECT_EQ(a.functions.at("f").count, 107U);
-    EXPECT_EQ(a.functions.at("f").line, 2U);
-    const LineBlock& block = a.blocks.at(3).at("f");
-    EXPECT_EQ(block.count, 107U);
-    ASSERT_EQ(block.branches.size(), 3U);
-    EXPECT_EQ(block.branches[0].count, 5U);
-    EXPECT_EQ(block.branches[1].count, 102U);
-    EXPECT_TRUE(block.branches[2].is_throw);
-    ASSERT_EQ(block.conditions.size(), 1U);
-    EXPECT_EQ(block.conditions[0].terms,
-              (std::vector<std::pair<bool, bool>>{{true, false}, {false, true}}));
-
+    EXPECT_EQ(
+        as_lcov({"", Counting::conditions, {{"/a.c", a}}, {}}),
+        "TN:\nSF:/a.c\nFN:2,f\nFN:9,g\nFNDA:107,f\nFNDA:0,g\nFNF:2\nFNH:1\n"
+        "BRDA:3,0,0,5\nBRDA:3,0,1,102\nBRDA:3,0,2,1\nBRDA:3,1,0,-\nBRF:4\nBRH:3\n"
+        "MCDC:3,2,t,1,0,0\nMCDC:3,2,f,0,0,0\nMCDC:3,2,t,0,1,1\nMCDC:3,2,f,1,1,1\nMCF:4\nMCH:2\n"
+        "DA:3,107\nDA:4,5\nDA:9,0\nLF:3\nLH:2\nend_of_record\n");
+    EXPECT_TRUE(a.blocks.at(3).at("f").branches[2].is_throw);
     const Rates rates = rates_of(Coverage{{"/a.c", a}, {"/b.c", b}});
-    const std::pair<Rate, Rate> cases[] = {
-        {rates.lines, {2 + 1, 3 + 2}},
-        {rates.functions, {1 + 1, 2 + 1}},
-        {rates.branches, {3 + 2, 4 + 4}},
-        {rates.conditions, {2 + 1, 4 + 4}},
-    };
-    for (const auto& [rate, expected] : cases) {
-        EXPECT_EQ(rate.hit, expected.hit);
-        EXPECT_EQ(rate.total, expected.total);
-    }
+    EXPECT_EQ(percent(rates.lines), "60.0");      // 2 + 1 of 3 + 2
+    EXPECT_EQ(percent(rates.functions), "66.7");  // 1 + 1 of 2 + 1
+    EXPECT_EQ(percent(rates.branches), "62.5");   // 3 + 2 of 4 + 4
+    EXPECT_EQ(percent(rates.conditions), "37.5"); // 2 + 1 of 4 + 4
 }
 
 TEST(Coverage, OnlyAllIsAHundredPercentAndOnlyNothingIsZero)
