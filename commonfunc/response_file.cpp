@@ -68,7 +68,7 @@ void add_word(const std::string& word, int& files, std::vector<std::string>& out
             "more than %d response files: what further ones name is not inspected; does '%s' name itself?",
             MAX_FILES, word.c_str());
     }
-    for (const std::string& inner : words_of(text)) {
+    for (const std::string& inner : words_of(text.c_str())) { // a NUL ends it for the tools, too
         add_word(inner, files, out);
     }
 }

@@ -187,7 +187,7 @@ std::vector<Record> read_records(std::string_view bytes)
         }
         const std::uint64_t length = first.number("length of the record", 2ULL * MAX_BYTES);
         const std::string_view rest = first.rest_of_text();
-        if (length > rest.size()) {
+        if (length == 0 || length > rest.size()) {
             first.fail("the record is cut");
         }
         records.push_back(Reader(rest.substr(0, length)).read());

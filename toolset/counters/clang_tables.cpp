@@ -192,6 +192,9 @@ void place_clang_counters(const ClangParts& parts, std::string_view text, Counte
         const std::uint32_t alignment = std::max(counters.alignment, 8U);
         offsets.push_back((end + alignment - 1) / alignment * alignment);
         function.counters.push_back({0, counters.size / 8, offsets.back()});
+        if (offsets.back() > MAX_ARRAY_BYTES - counters.size) {
+            refuse(counters.function);
+        }
         end = offsets.back() + counters.size;
         out.record.functions.push_back(std::move(function));
     }

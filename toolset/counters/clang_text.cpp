@@ -154,7 +154,11 @@ private:
         if (owner == Owner::table) {
             counters->table.emplace_back(line.word, line.rest);
         } else if (owner == Owner::counters && line.is_padding()) {
-            counters->size += static_cast<std::uint32_t>(clang_number(line.rest));
+            const std::uint64_t bytes = clang_number(line.rest);
+            if (bytes > MAX_ARRAY_BYTES - counters->size) {
+                refuse(line.whole);
+            }
+            counters->size += static_cast<std::uint32_t>(bytes);
         } else {
             refuse(line.whole);
         }

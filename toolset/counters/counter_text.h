@@ -34,6 +34,9 @@ struct CounterText {
     Record record;
 };
 
+/// Larger arrays are taken for a mistake, in bytes.
+inline constexpr std::uint32_t MAX_ARRAY_BYTES = 1U << 30;
+
 /// Bytes to which stubs align arrays: no counter may want more.
 inline constexpr std::uint32_t ARRAY_ALIGNMENT = 64;
 

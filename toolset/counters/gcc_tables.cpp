@@ -56,7 +56,7 @@ private:
         read_head(*head);
         for (const std::string_view name : *list) {
             const auto found = parts_.tables.find(name);
-            if (found == parts_.tables.end()) {
+            if (found == parts_.tables.end() || !begins_with(name, FUNCTION_TABLE)) {
                 refuse(name);
             }
             read_function(name.substr(FUNCTION_TABLE.size()), found->second);
@@ -141,13 +141,17 @@ private:
                 continue;
             }
             const auto found = parts_.definitions.find(place.name);
-            if (found == parts_.definitions.end() || found->second.size < 8 * run.number ||
+            const std::uint64_t bytes = std::uint64_t{8} * run.number;
+            if (found == parts_.definitions.end() || found->second.size < bytes ||
                 found->second.alignment == 0 || found->second.alignment > ARRAY_ALIGNMENT) {
                 refuse(place.name);
             }
             const std::uint32_t alignment = std::max(found->second.alignment, 8U);
             run.offset = (end + alignment - 1) / alignment * alignment;
             found->second.offset = run.offset;
+            if (bytes > MAX_ARRAY_BYTES || run.offset > MAX_ARRAY_BYTES - bytes) {
+                refuse(place.name);
+            }
             end = run.offset + 8 * run.number; // what follows may be a guard of a sanitizer
         }
         return end;
