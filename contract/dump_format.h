@@ -47,7 +47,9 @@
 /* Between the name of a source and how many bytes at the end of its array join by "or". */
 #define DUMP_OR_MARK ':'
 
-/* Larger sums of arrays are taken for a mistake, in bytes. */
+/* Larger headers and sums of arrays are taken for a mistake, in bytes. The header has a line for
+ * each source of a module: of this size, some hundred thousand. */
+#define DUMP_MAX_HEADER (1ULL << 24)
 #define DUMP_MAX_BYTES (1ULL << 31)
 
 /* Bytes of a counter, and of the number of processes. */

@@ -1,22 +1,25 @@
 // Removes only what the tool set wrote: dumps whose work area is in the project, work areas, and
-// LLTTEMP. Nothing is removed through a link, for it may lead out of the project.
-#include "commonfunc/file_io.h"
+// LLTTEMP. Nothing is removed through a link, for it may lead out of the project. A clean that was
+// killed is gone on with by the next: work areas leave their places at once, by a rename, and
+// LLTTEMP, which tells that here is a project, goes last.
 #include "commonfunc/file_tree.h"
 #include "commonfunc/ini_profile.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
-#include "commonfunc/text_lines.h"
 #include "contract/dump_file.h"
 #include "contract/names.h"
 #include "contract/places.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/project.h"
+#include "lltcov/report/opened_dump.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
+#include <iterator>
 #include <set>
 #include <string>
 #include <string_view>
@@ -48,12 +51,29 @@ public:
     {
     }
 
+    /// Finds the work areas; false for a directory that has nothing of a project.
+    bool find()
+    {
+        bool is_project = type_of(places::temporary_directory(root_)) != 0;
+        if (mode_ == Mode::remove && type_of(set_aside()) != 0) {
+            is_project = true;
+            remove(set_aside());
+        }
+        for (const std::string& name : names_in(root_)) {
+            const std::string area = places::work_area(root_, name);
+            if (scope_ != Scope::runs && name != TEMPORARY_NAME &&
+                type_of(root_ + "/" + name) == S_IFDIR && type_of(area) == S_IFDIR &&
+                is_wanted_area(area)) {
+                areas_.insert(area);
+            }
+        }
+        return is_project || !areas_.empty() || !modules_of(root_).empty();
+    }
+
     void clean()
     {
-        if (scope_ != Scope::runs) {
-            clean_areas();
-        }
         clean_dumps();
+        clean_areas();
         if (scope_ == Scope::all) {
             clean_temporary();
         }
@@ -76,10 +96,13 @@ private:
         const std::string directory = absolute_path(dump_root(root_));
         for (const std::string& name : names_in(directory)) {
             const std::string path = directory + "/" + name;
+            if (type_of(path) != S_IFREG) {
+                continue;
+            }
             const bool is_ours = is_dump(name) ? is_wanted_dump(path)
                                                : scope_ != Scope::gone && is_spare_dump(name) &&
                                                      is_inside(path, root_);
-            if (is_ours && type_of(path) == S_IFREG && remove(path)) {
+            if (is_ours && remove(path)) {
                 dumps_ += is_dump(name) ? 1 : 0;
             }
         }
@@ -87,14 +110,25 @@ private:
 
     void clean_areas()
     {
-        for (const std::string& name : names_in(root_)) {
-            const std::string area = places::work_area(root_, name);
-            if (name != TEMPORARY_NAME && type_of(root_ + "/" + name) == S_IFDIR &&
-                type_of(area) == S_IFDIR && is_wanted_area(area) && remove(area)) {
-                areas_.insert(area);
-                remove_if_empty(root_ + "/" + name);
-            }
+        for (auto area = areas_.begin(); area != areas_.end();) {
+            area = remove_area(*area) ? std::next(area) : areas_.erase(area);
         }
+    }
+
+    /// Removes it, and its module's directory when there is nothing else in that.
+    bool remove_area(const std::string& area)
+    {
+        const std::string module = split_path(area + ".").directory;
+        const bool is_alone = names_in(module).size() == 1;
+        if (mode_ == Mode::remove &&
+            std::rename((is_alone ? module : area).c_str(), set_aside().c_str()) == 0) {
+            return remove(set_aside());
+        }
+        const bool is_removed = remove(area); // a mount point, for example, cannot be renamed
+        if (mode_ == Mode::remove && is_alone) {
+            ::rmdir(module.c_str());
+        }
+        return is_removed;
     }
 
     void clean_temporary()
@@ -111,16 +145,15 @@ private:
     /// A damaged dump belongs to the project when it is in its directory.
     bool is_wanted_dump(const std::string& path) const
     {
-        std::string text;
-        read_whole_file(path, text);
         try {
-            const std::string named(read_dump(text).area);
+            DumpReader reader = open_dump(path);
+            const std::string named(reader.dump().area);
             const std::string area = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
             const bool is_ours = is_inside(named[0] == '/' ? area : path, root_);
             const bool is_gone = !named.empty() && (areas_.count(area) != 0 ||
                                                     type_of(places::project_file(area)) == 0);
             return is_ours && (scope_ != Scope::gone || is_gone);
-        } catch (const FormatError&) {
+        } catch (const std::exception&) {
             return is_inside(path, root_) && scope_ != Scope::gone;
         }
     }
@@ -159,18 +192,14 @@ private:
         return false;
     }
 
-    void remove_if_empty(const std::string& directory) const
-    {
-        if (mode_ == Mode::remove) {
-            ::rmdir(directory.c_str());
-        }
-    }
+    /// What a work area becomes before it is removed.
+    std::string set_aside() const { return root_ + "/.lltcov-clean"; }
 
     std::string root_;
     Mode mode_;
     Scope scope_;
     std::size_t dumps_ = 0;
-    std::set<std::string> areas_; ///< that were removed
+    std::set<std::string> areas_; ///< that are removed
     bool temporary_ = false;
     bool has_failed_ = false;
 };
@@ -185,16 +214,16 @@ int run_clean(const Arguments& arguments)
         throw UsageError("choose one of --gone and --all");
     }
     const std::string root = project_root(line);
-    if (type_of(places::temporary_directory(root)) == 0 && modules_of(root).empty()) {
+    const Scope scope = line.has("--all")    ? Scope::all
+                        : line.has("--gone") ? Scope::gone
+                                             : Scope::runs;
+    Cleaner cleaner(root, line.has("--dry-run") ? Mode::show : Mode::remove, scope);
+    if (!cleaner.find()) {
         warn(
             "'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name the project with --project",
             root.c_str());
         return 1;
     }
-    const Scope scope = line.has("--all")    ? Scope::all
-                        : line.has("--gone") ? Scope::gone
-                                             : Scope::runs;
-    Cleaner cleaner(root, line.has("--dry-run") ? Mode::show : Mode::remove, scope);
     cleaner.clean();
     cleaner.report();
     return cleaner.has_failed() ? 1 : 0;

@@ -249,7 +249,7 @@ RunCounters all_runs(const InstrumentedObject& object)
     all.counters.resize(object.record.array_bytes / 8);
     for (const auto& [test, runs] : object.runs) {
         join_counters(all.counters, runs.counters, object.record.or_bytes / 8);
-        all.runs += runs.runs;
+        all.runs = sum_of_counts(all.runs, runs.runs);
     }
     return all;
 }

@@ -1,7 +1,6 @@
 // A dump belongs to the module whose work area it names. It counts only for the build that it was
 // made by: the next archive step or link has another build id, and its counters may mean other
 // lines.
-#include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
 #include "commonfunc/path_name.h"
@@ -11,18 +10,16 @@
 #include "lltcov/common/console.h"
 #include "lltcov/common/project.h"
 #include "lltcov/report/coverage.h"
+#include "lltcov/report/opened_dump.h"
 #include "lltcov/report/project_data.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
-#include <fcntl.h>
+#include <exception>
 #include <map>
+#include <new>
 #include <set>
 #include <string>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -30,48 +27,7 @@
 namespace
 {
 
-/// Programs exchange a dump file with the one that they write beside it, so that a file which was
-/// opened may be written anew while it is read. Who holds a lock of it keeps them away: they take
-/// another file. A writer that was stopped is not waited for.
-class ReadLock
-{
-public:
-    explicit ReadLock(const std::string& path)
-    {
-        constexpr int TRIES = 1000;
-        for (int i = 0; i < TRIES && !lock(path); ++i) {
-            ::usleep(1000);
-        }
-    }
-    ~ReadLock()
-    {
-        if (file_ >= 0) {
-            ::close(file_);
-        }
-    }
-    ReadLock(const ReadLock&) = delete;
-    ReadLock& operator=(const ReadLock&) = delete;
-
-private:
-    /// True when the file of that path is locked, or cannot be.
-    bool lock(const std::string& path)
-    {
-        if (file_ >= 0) {
-            ::close(file_);
-        }
-        struct stat opened = {};
-        struct stat named = {};
-        file_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-        return file_ < 0 ||
-               (::flock(file_, LOCK_SH | LOCK_NB) == 0
-                    ? ::fstat(file_, &opened) == 0 && ::stat(path.c_str(), &named) == 0 &&
-                          opened.st_ino == named.st_ino && opened.st_dev == named.st_dev
-                    : errno != EWOULDBLOCK);
-    }
-
-    int file_ = -1;
-};
-
+constexpr const char* DAMAGED = "damaged dumps";
 constexpr const char* AGAIN = "; remove it and run that test again";
 
 class RunReader
@@ -87,27 +43,25 @@ public:
 
     void read(const std::string& path)
     {
-        std::string text;
-        const ReadLock lock(path);
-        const Reading reading = read_whole_file(path, text);
-        if (reading == Reading::empty) {
-            return; // its program was killed before it had written anything
-        }
-        if (reading != Reading::done) {
-            findings_.add("damaged dumps", "'" + path + "' cannot be read" + AGAIN);
-            return;
-        }
         try {
-            const Dump dump = read_dump(text);
+            DumpReader reader = open_dump(path);
+            const Dump& dump = reader.dump();
+            if (dump.area.empty()) {
+                return; // its program was killed before it had written anything
+            }
             if (ModuleData* module = module_of(dump)) {
                 const auto build =
                     module_of_build_.find({module->module.area, std::string(dump.buid)});
                 build == module_of_build_.end() ? refuse(dump, *module, path)
-                                                : add(dump, *build->second, path);
+                                                : add(reader, *build->second, path);
             }
         } catch (const FormatError& error) {
-            findings_.add("damaged dumps",
+            findings_.add(DAMAGED,
                           path + ":" + std::to_string(error.line) + ": " + error.what() + AGAIN);
+        } catch (const std::bad_alloc&) {
+            findings_.add(DAMAGED, "'" + path + "' takes more memory than there is" + AGAIN);
+        } catch (const std::exception& error) {
+            findings_.add(DAMAGED, "'" + path + "' cannot be read: " + error.what() + AGAIN);
         }
     }
 
@@ -181,23 +135,23 @@ private:
         refused.builds.emplace(dump.buid);
     }
 
-    void add(const Dump& dump, ModuleData& module, const std::string& path)
+    using Additions = std::vector<std::pair<InstrumentedObject*, DumpedSource*>>;
+
+    /// Finds the objects that the sources of the dump are counts of; false when it is damaged.
+    bool match(Dump& dump, const ModuleData& module, const std::string& path, Additions& additions)
     {
-        std::vector<std::pair<InstrumentedObject*, const DumpedSource*>> additions;
-        for (const DumpedSource& source : dump.sources) {
+        for (DumpedSource& source : dump.sources) {
             const auto object = data_.object_of_symbol.find(std::string(source.symbol));
             if (object == data_.object_of_symbol.end()) {
                 tell(module, "sources without records",
                      "'" + path + "' counts '" + std::string(source.symbol) + "', which " +
                          module.module.name +
                          " has no record of: left out; build and run it again");
-            } else if (data_.objects[object->second].record.array_bytes !=
-                       source.counters.size() * 8) {
-                findings_.add("damaged dumps", "'" + path + "' gives '" +
-                                                   std::string(source.symbol) + "' " +
-                                                   std::to_string(source.counters.size()) +
-                                                   " counters, its record another number" + AGAIN);
-                return;
+            } else if (data_.objects[object->second].record.array_bytes != source.size * 8) {
+                findings_.add(DAMAGED, "'" + path + "' gives '" + std::string(source.symbol) +
+                                           "' " + std::to_string(source.size) +
+                                           " counters, its record another number" + AGAIN);
+                return false;
             } else {
                 additions.emplace_back(&data_.objects[object->second], &source);
             }
@@ -205,19 +159,36 @@ private:
         std::sort(additions.begin(), additions.end());
         const auto is_same = [](const auto& a, const auto& b) { return a.first == b.first; };
         if (std::adjacent_find(additions.begin(), additions.end(), is_same) != additions.end()) {
-            findings_.add("damaged dumps", "'" + path + "' holds a source twice" + AGAIN);
+            findings_.add(DAMAGED, "'" + path + "' holds a source twice" + AGAIN);
+            return false;
+        }
+        return true;
+    }
+
+    /// All counts of the dump or none: they are read, and have their room, before the first is
+    /// added.
+    void add(DumpReader& reader, ModuleData& module, const std::string& path)
+    {
+        Dump& dump = reader.dump();
+        const std::string test(dump.test);
+        Additions additions;
+        if (!match(dump, module, path, additions)) {
             return;
         }
-        const std::string test(dump.test);
         for (const auto& [object, source] : additions) {
-            RunCounters& sum = object->runs[test];
-            join_counters(sum.counters, source->counters, object->record.or_bytes / 8);
-            sum.runs += dump.runs;
+            reader.read_counters(*source);
+            Counters& counters = object->runs[test].counters;
+            counters.resize(std::max(counters.size(), source->size));
         }
-        module.runs += dump.runs;
         if (!test.empty()) {
             data_.tests.insert(test);
         }
+        for (const auto& [object, source] : additions) {
+            RunCounters& sum = object->runs[test];
+            join_counters(sum.counters, source->counters, object->record.or_bytes / 8);
+            sum.runs = sum_of_counts(sum.runs, dump.runs);
+        }
+        module.runs = sum_of_counts(module.runs, dump.runs);
     }
 
     ProjectData& data_;

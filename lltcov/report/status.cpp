@@ -64,7 +64,7 @@ std::vector<Row> rows_of(const ProjectData& data, Counting counting, Findings& f
         rows.push_back({module.module.name, sources_of(data, module.objects), module.objects.size(),
                         rates_of(maker.coverage_of(module.objects)), module.runs,
                         readable_time(module.built), module.output});
-        total.runs += module.runs;
+        total.runs = sum_of_counts(total.runs, module.runs);
         progress.step();
     }
     rows.push_back(total);

@@ -47,7 +47,7 @@ fail_each() { # fail_each CALL ERROR...
     done
 }
 
-for name in "${@:-archive_3 again_1 compile link dump export clean}"; do
+for name in "${@:-archive_3 again_1 compile link export clean clean_all}"; do
     for scenario in $name; do
         prepare "$scenario"
         before=$failures runs=0

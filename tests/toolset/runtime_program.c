@@ -173,7 +173,7 @@ static void run_threads(char** argv)
     for (int i = 0; i < 8; ++i) {
         pthread_create(&threads[i], NULL, count_and_dump, NULL);
     }
-    for (int i = 0; i < 50; ++i) {
+    for (int i = argv[2] != NULL ? 50 : 0; i < 50; ++i) {
         end_child(fork(), "_exit");
     }
     for (int i = 0; i < 8; ++i) {

@@ -13,8 +13,8 @@ slot() { echo "root/program-m.Q1.$hash.$1.lltcov"; }
 
 # many at once
 rm -rf root
-seq 1000 | xargs -P 64 -n 1 ./static exit
-expect "64 at once" "0=1000 of 1000" "$(sums program-m)"
+seq 3000 | xargs -P 64 -n 1 ./static exit
+expect "64 at once" "0=3000 of 3000" "$(sums program-m)"
 expect "in few files" yes "$([ "$(files)" -le 16 ] && echo yes)"
 expect "with one beside each" "$(files)" "$(files '.*.tmp')"
 
@@ -92,13 +92,12 @@ for slot in 12 13; do mkdir "$(slot $slot)"; done
 for slot in 14 15; do ln -s ../outside "$(slot $slot)"; done
 cp -a root damaged
 ./static dump__exit
-expect "16 damaged files: one of its own for each dump" "2" "$(files "*.$hash.*.*.lltcov")"
-mv root/*."$hash".*.*.lltcov .
-expect "damaged files stay" "" "$(diff -r --no-dereference root damaged)$(cat outside)"
+mv "$(slot 16)" .
+expect "damaged files stay" "" "$(rm root/.*.16.lltcov.tmp; diff -r --no-dereference root damaged)$(cat outside)"
 rm -rf root
 mkdir root
 mv program-m.* root
-expect "the files of its own" "0=1 2=1 of 1" "$(sums program-m)"
+expect "the next one is taken" "0=1 2=1 of 1" "$(sums program-m)"
 rm -rf root
 mkdir root
 : > "$(slot 0)"

@@ -9,6 +9,8 @@
 #include "policy.h"
 #include "process.h"
 #include "registry.h"
+#include "report.h"
+#include "secure.h"
 
 #include <errno.h>
 #include <limits.h>
@@ -22,17 +24,19 @@
 unsigned short g_TUSKSockBindPort __attribute__((weak)) = 60000;
 
 static int target_state;
-static char* next_root; /* absolute; null: the default */
+static int has_next_root; /* 0: the default */
+static char next_root[PATH_MAX];
 
 /* --- modules */
 
-/* The first `length` bytes of a path, made absolute; empty when that does not fit. */
+/* The first `length` bytes of a path, made absolute; empty when that does not fit, and where the
+ * current directory is one that somebody without these rights has chosen. */
 static void make_absolute(char* out, const char* text, size_t length)
 {
     size_t used = 0;
     out[0] = '\0';
     if (text[0] != '/') {
-        if (getcwd(out, PATH_MAX - 1) == NULL) {
+        if (is_secure() || getcwd(out, PATH_MAX - 1) == NULL) {
             out[0] = '\0';
             return;
         }
@@ -69,13 +73,13 @@ static void choose_root(char* out, const char* area)
         make_absolute(out, from_environment, strlen(from_environment));
         return;
     }
-    if (next_root != NULL) {
+    if (has_next_root) {
         memcpy(out, next_root, strlen(next_root) + 1);
         return;
     }
     make_absolute(out, area, parent_length(area, parent_length(area, strlen(area))));
     const size_t used = strlen(out);
-    if (used + sizeof DEFAULT_NAME <= PATH_MAX) {
+    if (used > 0 && used + sizeof DEFAULT_NAME <= PATH_MAX) {
         memcpy(out + used, DEFAULT_NAME, sizeof DEFAULT_NAME);
     }
 }
@@ -96,6 +100,9 @@ void* QMR_CreateCoverageListExt(const char* pModName, const char* covdbpath, uns
     registry_lock(&mask);
     struct module* module = registry_add_module(pModName, covdbpath, root, test, iClass - 1);
     registry_unlock(&mask);
+    if (module == NULL) {
+        report_lost(pModName, root, ENOMEM);
+    }
     errno = saved;
     return module;
 }
@@ -135,18 +142,23 @@ int QMR_AddCoverageBuf(void* pMod, unsigned int iFileId, char* pFileName, unsign
         .or_words = (size_t)or_bytes_of(pFileName, size) / sizeof(uint64_t),
         .index = iFileId,
     };
-    return registry_add_buffer(module, &buffer);
+    if (registry_add_buffer(module, &buffer)) {
+        return 1;
+    }
+    report_lost(module->name, module->root, ENOMEM);
+    return 0;
 }
 
-/* The string member of a flat JSON object, to be freed, or null. */
-static char* json_member(const char* object, const char* member)
+/* Sets the text, to be freed, to the string member of a flat JSON object; null when it has none. 1;
+ * 0 when there is no memory. */
+static int get_member(const char* object, const char* member, char** text)
 {
     const char* at = strstr(object, member);
-    char* value = at != NULL ? malloc(strlen(at) + 1) : NULL;
-    if (value == NULL) {
-        return NULL;
+    *text = at != NULL ? malloc(strlen(at) + 1) : NULL;
+    if (*text == NULL) {
+        return at == NULL;
     }
-    char* end = value;
+    char* end = *text;
     for (at += strlen(member); *at != '\0' && *at != '"'; ++at) {
         if (*at == '\\' && at[1] != '\0') {
             ++at;
@@ -154,7 +166,19 @@ static char* json_member(const char* object, const char* member)
         *end++ = *at;
     }
     *end = '\0';
-    return value;
+    return 1;
+}
+
+/* Without build id nobody could tell what the counts mean. */
+static void complete(struct module* module, const char* description)
+{
+    if (get_member(description, "\"projectname\":\"", &module->project) &&
+        get_member(description, "\"buid\":\"", &module->buid)) {
+        module->is_complete = 1;
+    } else {
+        report_lost(module->name, module->root, ENOMEM);
+        registry_remove_module(module);
+    }
 }
 
 int QMRInit(int iType, char* pProjName)
@@ -162,11 +186,10 @@ int QMRInit(int iType, char* pProjName)
     (void)iType;
     sigset_t mask;
     registry_lock(&mask);
-    for (struct module* module = registry_modules; module != NULL; module = module->next) {
+    for (struct module *module = registry_modules, *next; module != NULL; module = next) {
+        next = module->next;
         if (!module->is_complete) {
-            module->project = json_member(pProjName, "\"projectname\":\"");
-            module->buid = json_member(pProjName, "\"buid\":\"");
-            module->is_complete = 1;
+            complete(module, pProjName);
         }
     }
     registry_unlock(&mask);
@@ -213,19 +236,19 @@ int lltcov_reset(void)
 
 void TUSK_CovSetlltcovRootpath(const char* rootpath)
 {
-    char root[PATH_MAX];
-    make_absolute(root, rootpath, strlen(rootpath));
-    free(next_root);
-    next_root = root[0] != '\0' ? strdup(root) : NULL;
+    make_absolute(next_root, rootpath, strlen(rootpath));
+    has_next_root = 1;
 }
 
 void TUSK_CovSetTimerPolicy(int time_interval)
 {
+    process_set_up();
     policy_start_timer(time_interval);
 }
 
 void TUSK_CovSetSignalPolicy(int signal_no)
 {
+    process_set_up();
     policy_watch_signal(signal_no);
 }
 

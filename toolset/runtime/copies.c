@@ -9,7 +9,6 @@
 #include <link.h>
 #include <signal.h>
 #include <stdint.h>
-#include <string.h>
 
 /* The mark of a copy. The magic bytes stand for this layout too. */
 struct mark {
@@ -41,14 +40,24 @@ static void call(const struct mark* mark, struct request* request)
     request->done = done && request->done;
 }
 
+/* Whether there is another copy's mark. The room between the objects of an image is looked at too,
+ * which sanitizers guard: so neither they nor their memcmp may look on. */
+__attribute__((no_sanitize("address"))) static int is_mark(const struct mark* mark)
+{
+    size_t same = 0;
+    while (same < sizeof mark->magic && mark->magic[same] == this_copy.magic[same]) {
+        ++same;
+    }
+    return same == sizeof mark->magic && mark->self == mark && mark != &this_copy;
+}
+
 /* Looks for marks from `at` to `end`. An image that is being loaded in this moment has no addresses
  * in its mark yet, or no modules. */
 static void search(uintptr_t at, uintptr_t end, struct request* request)
 {
     for (at = (at + 7) / 8 * 8; at < end && end - at >= sizeof(struct mark); at += 8) {
         const struct mark* mark = (const struct mark*)at;
-        if (memcmp(mark->magic, this_copy.magic, sizeof mark->magic) == 0 && mark->self == mark &&
-            mark != &this_copy && *mark->modules != NULL) {
+        if (is_mark(mark) && *mark->modules != NULL) {
             call(mark, request);
         }
     }

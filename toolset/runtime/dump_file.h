@@ -7,7 +7,7 @@
 
 /* Adds the news of the module's image to a file ROOT/MODULE.BUID.HASH.SLOT.lltcov, whose directory
  * is created; where none can be had, writes one that only this process has:
- * ROOT/MODULE.BUID.HASH.PID.COUNTER.lltcov. 1, or 0 with errno set. */
+ * ROOT/MODULE.BUID.HASH.PID.TIME.lltcov. 1, or 0 with errno set. */
 int dump_file_write(struct module* module);
 
 #endif

@@ -80,8 +80,8 @@ static int make_image(struct module* module)
     struct out out = {NULL, 0, 0};
     add_header(&out, module);
     const unsigned long long bytes = bytes_of_counters(module);
-    if (bytes > DUMP_MAX_BYTES || out.used > DUMP_MAX_BYTES) {
-        errno = ENOMEM;
+    if (bytes > DUMP_MAX_BYTES - DUMP_WORD || out.used > DUMP_MAX_HEADER) {
+        errno = EFBIG;
         return 0;
     }
     const size_t text = (out.used + 7) / 8 * 8;

@@ -6,6 +6,7 @@
 #include "contract/names.h"
 #include "out.h"
 #include "registry.h"
+#include "secure.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -27,14 +28,40 @@ static void out_plain(struct out* out, const char* name, size_t length)
     }
 }
 
-/* ROOT/START MODULE.BUID.HASH.PLACE.lltcov END; 0, with errno set, when that is too long or there
- * is no root. */
-static int make_path(char* to, const struct module* module, const char* start, const char* place,
-                     const char* end)
+/* The root is set when a module registers; empty where it had to be absolute, or is too long. In
+ * secure execution it is one descriptor more that is open. */
+int place_enter(struct place* place, const struct module* module)
+{
+    place->directory = AT_FDCWD;
+    if (module->root[0] == '\0') {
+        errno = is_secure() ? EDESTADDRREQ : ENAMETOOLONG;
+        return 0;
+    }
+    if (is_secure()) {
+        place->directory = secure_directory(module->root);
+    }
+    return place->directory != -1;
+}
+
+void place_leave(struct place* place)
+{
+    if (place->directory != AT_FDCWD) {
+        const int saved = errno;
+        close(place->directory);
+        errno = saved;
+    }
+}
+
+/* ROOT/START MODULE.BUID.HASH.NAME.lltcov END, without the root where its directory is open; 0,
+ * with errno set, when that is too long. */
+static int make_path(const struct place* place, char* to, const struct module* module,
+                     const char* start, const char* name, const char* end)
 {
     struct out out = {to, PATH_MAX, 0};
-    out_text(&out, module->root);
-    out_text(&out, "/");
+    if (place->directory == AT_FDCWD) {
+        out_text(&out, module->root);
+        out_text(&out, "/");
+    }
     out_text(&out, start);
     out_plain(&out, module->name, MODULE_LENGTH);
     out_text(&out, ".");
@@ -45,17 +72,17 @@ static int make_path(char* to, const struct module* module, const char* start, c
         out_text(&out, digit);
     }
     out_text(&out, ".");
-    out_text(&out, place);
+    out_text(&out, name);
     out_text(&out, DUMP_SUFFIX);
     out_text(&out, end);
     errno = ENAMETOOLONG;
-    return out_end(&out) && module->root[0] != '\0';
+    return out_end(&out);
 }
 
 int place_name(struct place* place, const struct module* module, const char* name)
 {
-    return make_path(place->path, module, "", name, "") &&
-           make_path(place->beside, module, ".", name, SPARE_SUFFIX);
+    return make_path(place, place->path, module, "", name, "") &&
+           make_path(place, place->beside, module, ".", name, SPARE_SUFFIX);
 }
 
 /* Creates the directory of the file with its parents; the path is changed meanwhile. */
@@ -70,19 +97,33 @@ static void make_directories(char* file)
     }
 }
 
+static int open_again(const struct place* place, const char* file, int flags)
+{
+    int fd;
+    do {
+        fd = openat(place->directory, file, flags, 0666);
+    } while (fd < 0 && errno == EINTR);
+    return fd;
+}
+
 /* O_NOFOLLOW: whoever may write in the directory must not choose another file. */
-int open_or_create(char* file, int flags)
+int open_or_create(const struct place* place, char* file, int flags)
 {
     flags |= O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY;
-    int fd = open(file, flags, 0666);
-    if (fd < 0 && errno == ENOENT) {
+    int fd = open_again(place, file, flags);
+    if (fd < 0 && errno == ENOENT && place->directory == AT_FDCWD) {
         make_directories(file);
-        fd = open(file, flags, 0666);
+        fd = open_again(place, file, flags);
     }
     if (fd >= 0 && fd < 3) {
         const int higher = fcntl(fd, F_DUPFD_CLOEXEC, 3);
+        const int error = errno;
         close(fd);
+        errno = error;
         fd = higher;
+    }
+    if (fd >= 0 && is_secure()) {
+        secure_mode(fd);
     }
     return fd;
 }
@@ -101,7 +142,7 @@ int place_write(const struct place* place, int fd, const struct image* image)
         return 1;
     }
     error = is_written ? errno : error;
-    unlink(place->beside);
+    unlinkat(place->directory, place->beside, 0);
     errno = error;
     return 0;
 }

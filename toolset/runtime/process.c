@@ -11,6 +11,7 @@
 #include "registry.h"
 #include "report.h"
 
+#include <errno.h>
 #include <pthread.h>
 #include <signal.h>
 #include <stdarg.h>
@@ -67,9 +68,13 @@ void process_set_up(void)
 {
     if (!is_set_up) {
         is_set_up = 1;
-        pthread_atfork(before_fork, after_fork_in_parent, after_fork_in_child);
-        atexit(note_exit);
         report_prepare();
+        const int error = pthread_atfork(before_fork, after_fork_in_parent, after_fork_in_child);
+        if (error != 0 || atexit(note_exit) != 0) {
+            report_failure(
+                "coverage counts are wrong after a fork or at the end: no memory is left",
+                error != 0 ? error : ENOMEM);
+        }
     }
 }
 

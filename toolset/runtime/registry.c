@@ -28,21 +28,10 @@ void registry_unlock(const sigset_t* mask)
     pthread_sigmask(SIG_SETMASK, mask, NULL);
 }
 
-static char* copy_of(const char* text)
-{
-    const size_t size = strlen(text) + 1;
-    char* copy = malloc(size);
-    return copy != NULL ? memcpy(copy, text, size) : NULL;
-}
-
 static void free_module(struct module* module)
 {
-    free(module->name);
-    free(module->area);
-    free(module->root);
     free(module->project);
     free(module->buid);
-    free(module->test);
     if (module->image.mapping != NULL) {
         munmap(module->image.mapping, module->image.size);
     }
@@ -52,21 +41,25 @@ static void free_module(struct module* module)
 struct module* registry_add_module(const char* name, const char* area, const char* root,
                                    const char* test, int mode)
 {
-    struct module* module = calloc(1, sizeof *module);
+    const char* const texts[] = {name, area, root, test};
+    size_t size = sizeof(struct module);
+    for (int i = 0; i < 4; ++i) {
+        size += texts[i] != NULL ? strlen(texts[i]) + 1 : 0;
+    }
+    struct module* module = calloc(1, size);
     if (module == NULL) {
         return NULL;
     }
-    module->name = copy_of(name);
-    module->area = copy_of(area);
-    module->root = copy_of(root);
-    module->test = test != NULL ? copy_of(test) : NULL;
+    char** const copies[] = {&module->name, &module->area, &module->root, &module->test};
+    char* room = (char*)(module + 1);
+    for (int i = 0; i < 4; ++i) {
+        if (texts[i] != NULL) {
+            *copies[i] = room;
+            room = stpcpy(room, texts[i]) + 1;
+        }
+    }
     module->mode = mode;
     module->last = &module->first;
-    if (module->name == NULL || module->area == NULL || module->root == NULL ||
-        (test != NULL && module->test == NULL)) {
-        free_module(module);
-        return NULL;
-    }
     struct module** end = &registry_modules;
     while (*end != NULL) {
         end = &(*end)->next;

@@ -38,12 +38,12 @@ struct image {
 /* A library or program that registered itself. */
 struct module {
     struct module* next;
-    char* name;
+    char* name;                   /* this and the next three follow the structure */
     char* area;                   /* work area */
-    char* root;                   /* where its dumps go */
+    char* root;                   /* where its dumps go; empty: there is no such place */
+    char* test;                   /* name of the test that runs, or null */
     char* project;                /* null until it is known */
     char* buid;                   /* likewise */
-    char* test;                   /* name of the test that runs, or null */
     int mode;                     /* stub mode */
     int is_complete;              /* it will get no more arrays */
     struct buffer *first, **last; /* the arrays in order of registration */

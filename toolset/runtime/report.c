@@ -41,18 +41,53 @@ static const char* reason_of(int error)
         return "the directory cannot be created";
     case ENAMETOOLONG:
         return "the path is too long";
+    case ENOMEM:
+        return "no memory is left";
+    case ELOOP:
+        return "a symbolic link is in the path, which a set-user-ID program does not follow";
+    case EDESTADDRREQ:
+        return "a set-user-ID program needs an absolute directory";
     default:
         return "";
     }
+}
+
+static const char* cure_of(int error)
+{
+    switch (error) {
+    case ENOMEM:
+        return "let the program have more memory";
+    case ELOOP:
+    case EDESTADDRREQ: /* the environment is its caller's */
+        return "link it with lltcovRootpath set to an absolute path without links";
+    default:
+        return "set LLTCOV_ROOT to a directory that the program can write";
+    }
+}
+
+/* Standard error is what it was at the start. */
+static int is_heard(void)
+{
+    struct stat now;
+    return is_known && fstat(STDERR_FILENO, &now) == 0 && now.st_dev == at_start.st_dev &&
+           now.st_ino == at_start.st_ino;
+}
+
+static void say(struct out* out, int error, const char* cure)
+{
+    out_text(out, " (error ");
+    out_number(out, (unsigned long long)error);
+    out_text(out, cure[0] != '\0' ? "); " : ")");
+    out_text(out, cure);
+    out_text(out, "\n");
+    write_all(STDERR_FILENO, out->data, out->used < out->size ? out->used : out->size);
 }
 
 void report_lost(const char* module, const char* root, int error)
 {
     static int is_reported;
     static char line[PATH_MAX + 500];
-    struct stat now;
-    if (is_reported || !is_known || fstat(STDERR_FILENO, &now) != 0 ||
-        now.st_dev != at_start.st_dev || now.st_ino != at_start.st_ino) {
+    if (is_reported || !is_heard()) {
         return;
     }
     is_reported = 1;
@@ -63,8 +98,19 @@ void report_lost(const char* module, const char* root, int error)
     out_name(&out, root);
     out_text(&out, "': ");
     out_text(&out, reason_of(error));
-    out_text(&out, " (error ");
-    out_number(&out, (unsigned long long)error);
-    out_text(&out, "); set LLTCOV_ROOT to a directory that the program can write\n");
-    write_all(STDERR_FILENO, line, out.used < sizeof line ? out.used : sizeof line);
+    say(&out, error, cure_of(error));
+}
+
+void report_failure(const char* what, int error)
+{
+    static int is_reported;
+    char line[200];
+    if (is_reported || !is_heard()) {
+        return;
+    }
+    is_reported = 1;
+    struct out out = {line, sizeof line, 0};
+    out_text(&out, "lltcov: ");
+    out_text(&out, what);
+    say(&out, error, "");
 }

@@ -1,4 +1,4 @@
-/* The only line that the runtime ever prints. */
+/* The only lines that the runtime ever prints. */
 #ifndef LLTCOV_REPORT_H
 #define LLTCOV_REPORT_H
 
@@ -8,5 +8,8 @@ void report_prepare(void);
 
 /* Says once per process that counts are lost, why, and what to do. */
 void report_lost(const char* module, const char* root, int error);
+
+/* Says once per process that something else failed: `what`, and the number of the error. */
+void report_failure(const char* what, int error);
 
 #endif
