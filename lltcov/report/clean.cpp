@@ -44,7 +44,7 @@ class Cleaner
 {
 public:
     Cleaner(std::string root, Mode mode, Scope scope)
-        : root_(std::move(root)), mode_(mode), scope_(scope)
+        : root_(std::move(root)), folder_(project_folder(root_)), mode_(mode), scope_(scope)
     {
     }
 
@@ -56,6 +56,7 @@ public:
         clean_dumps();
         if (scope_ == Scope::all) {
             clean_temporary();
+            clean_own_folder();
         }
     }
 
@@ -65,7 +66,7 @@ public:
         if (!areas_.empty() || temporary_) {
             std::printf(", %zu work areas%s", areas_.size(), temporary_ ? ", LLTTEMP" : "");
         }
-        std::printf(" of '%s'\n", root_.c_str());
+        std::printf(" of '%s'\n", folder_.c_str());
     }
 
     bool has_failed() const { return has_failed_; }
@@ -78,7 +79,7 @@ private:
             const std::string path = directory + "/" + name;
             const bool is_ours = is_dump(name) ? is_wanted_dump(path)
                                                : scope_ != Scope::gone && is_spare_dump(name) &&
-                                                     is_inside(path, root_);
+                                                     is_inside(path, folder_);
             if (is_ours && type_of(path) == S_IFREG && remove(path)) {
                 dumps_ += is_dump(name) ? 1 : 0;
             }
@@ -108,6 +109,14 @@ private:
         }
     }
 
+    /// All that is in the folder of a project's settings was written by the tool set.
+    void clean_own_folder()
+    {
+        if (is_own_folder(root_) && type_of(root_) == S_IFDIR) {
+            remove(root_);
+        }
+    }
+
     /// A damaged dump belongs to the project when it is in its directory.
     bool is_wanted_dump(const std::string& path) const
     {
@@ -115,13 +124,15 @@ private:
         read_whole_file(path, text);
         try {
             const std::string named(read_dump(text).area);
-            const std::string area = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
-            const bool is_ours = is_inside(named[0] == '/' ? area : path, root_);
+            const std::string real = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
+            const std::string area = real.empty() ? named : real; // a program has taken its place
+            const bool is_ours =
+                named[0] == '/' ? is_inside(area, root_) : is_inside(path, folder_);
             const bool is_gone = !named.empty() && (areas_.count(area) != 0 ||
                                                     type_of(places::project_file(area)) == 0);
             return is_ours && (scope_ != Scope::gone || is_gone);
         } catch (const FormatError&) {
-            return is_inside(path, root_) && scope_ != Scope::gone;
+            return is_inside(path, folder_) && scope_ != Scope::gone;
         }
     }
 
@@ -167,6 +178,7 @@ private:
     }
 
     std::string root_;
+    std::string folder_; ///< of the project
     Mode mode_;
     Scope scope_;
     std::size_t dumps_ = 0;
@@ -185,7 +197,8 @@ int run_clean(const Arguments& arguments)
         throw UsageError("choose one of --gone and --all");
     }
     const std::string root = project_root(line);
-    if (type_of(places::temporary_directory(root)) == 0 && modules_of(root).empty()) {
+    if (!is_own_folder(root) && type_of(places::temporary_directory(root)) == 0 &&
+        modules_of(root).empty()) {
         warn(
             "'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name the project with --project",
             root.c_str());

@@ -194,6 +194,8 @@ int drive_link(int argc, char** argv)
     if (is_nested || !link.links || link.is_relocatable) {
         return become_program(call.command);
     }
+    make_room_for_output(call.project.empty() ? env_text("qmr_current_prj_path") : call.project,
+                         link.output);
     LinkCoverage coverage = find_coverage(link);
     if (coverage.is_empty() && link.sources.empty()) {
         return become_program(call.command);

@@ -12,6 +12,7 @@
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
 #include "contract/places.h"
+#include "contract/project_root.h"
 #include "contract/record.h"
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
@@ -33,20 +34,9 @@
 namespace
 {
 
-/// LLTTEMP/codemeasure of the project, of the platform when one tree is built for several.
-std::string area_of_project(const std::string& project_path)
-{
-    std::string root =
-        names_project_file(project_path) ? split_path(project_path).directory : project_path;
-    if (env_int("isOverlappedCompile") == 1) {
-        root += "/" + env_text(env_text("PlatformToken").c_str());
-    }
-    return places::temporary_area(absolute_path(root.empty() ? "." : root));
-}
-
 /// One wrapped command: what its compiles have in common.
 struct Compilation {
-    std::string area;
+    std::string area; ///< LLTTEMP/codemeasure of the project; empty without one
     int stub_mode = 1;
     Launchers launchers;
     CompileCommand command;
@@ -221,6 +211,9 @@ std::string refusal(const Compilation& compilation)
     if (!command.why_plain.empty()) {
         return command.why_plain;
     }
+    if (compilation.area.empty()) {
+        return "its project is not known, set qmr_current_prj_path";
+    }
     if (compilation.tools.empty()) {
         return "lltcc.d/as is missing from the installation";
     }
@@ -262,7 +255,9 @@ int run_driver(const Words& arguments)
     Compilation compilation;
     compilation.launchers = take_launchers(compiler);
     compilation.command = read_command(compiler);
-    compilation.area = area_of_project(call.project);
+    if (!call.project.empty()) {
+        compilation.area = places::temporary_area(absolute_path(root_of_project(call.project)));
+    }
     compilation.stub_mode = call.stub_mode;
     compilation.tools = tools_directory();
     std::string why_plain = refusal(compilation);
