@@ -150,7 +150,7 @@ int link_without_coverage(const LinkCommand& link, const LinkCoverage& coverage,
     return run_program(link.words);
 }
 
-int link_module(const LinkCommand& link, const LinkCoverage& coverage, const std::string& name)
+int link_module(const LinkCommand& link, LinkCoverage& coverage, const std::string& name)
 {
     if (name.empty() || !choose_work_area(name, link.output, coverage.modules)) {
         return link_without_coverage(link, coverage, false, "its work area cannot be created");

@@ -17,6 +17,7 @@
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/records.h"
+#include "toolset/common/turn_lock.h"
 #include "toolset/counters/counter_text.h"
 #include "toolset/lltcc/command.h"
 #include "toolset/lltcc/compiler.h"
@@ -26,6 +27,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -198,6 +200,12 @@ int compile_input(const Compilation& compilation, const CompileInput& input, con
 {
     if (!input.is_source) {
         return run_program(plain);
+    }
+    // Of two at once each would take the other's object for its own; one within another cannot
+    // wait.
+    std::optional<TurnLock> turn;
+    if (!is_within_compile()) {
+        turn.emplace(compilation.area, absolute_path(object_of(compilation.command, input)));
     }
     std::string trouble;
     const int status = compile_counting(compilation, input, trouble);
