@@ -4,10 +4,10 @@
 
 #include "commonfunc/env.h"
 #include "commonfunc/path_name.h"
+#include "commonfunc/path_search.h"
 #include "commonfunc/shell.h"
 #include "contract/project_root.h"
 #include "lltcov/common/coverage_names.h"
-#include "lltcov/common/path_search.h"
 #include "lltcov/common/tool_kind.h"
 #include "lltcov/explain/explain_words.h"
 #include "lltwrapper/classify.h"

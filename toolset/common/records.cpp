@@ -123,6 +123,9 @@ std::vector<Record> records_of(std::string_view object)
 void leave_records(const std::string& area, const Record& record, const std::string& object,
                    SourceState state)
 {
+    if (record.array_bytes == 0) {
+        return;
+    }
     for (const char* part : places::FILLED_DIRECTORIES) {
         make_directories(area + part);
     }

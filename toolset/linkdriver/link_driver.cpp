@@ -11,6 +11,7 @@
 #include "contract/names.h"
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
+#include "toolset/common/own_files.h"
 #include "toolset/common/process.h"
 #include "toolset/linkdriver/link_command.h"
 #include "toolset/linkdriver/link_coverage.h"
@@ -36,11 +37,10 @@ constexpr char GUARD[] = "LLTLD_RUNS";
 /// is installed or in a build tree. Empty when it is not found.
 std::string find_runtime()
 {
-    constexpr char FILE[] = "/liblltcov_rt.a";
+    const std::string file = "liblltcov_rt.a";
     const std::string named = env_text("LLTCOV_RUNTIME");
-    const std::string own = program_directory();
-    const Words candidates = {named, named + FILE, own + "/../lib/lltcov" + FILE,
-                              own + "/lib/lltcov" + FILE, own + "/../runtime" + FILE};
+    const Words candidates = {named, named + "/" + file, own_file(file),
+                              program_directory() + "/../runtime/" + file};
     for (const std::string& path : candidates) {
         if (kind_of(path) == FileKind::archive) {
             return absolute_path(path);

@@ -16,6 +16,7 @@
 #include "contract/record.h"
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
+#include "toolset/common/own_files.h"
 #include "toolset/common/records.h"
 #include "toolset/common/turn_lock.h"
 #include "toolset/counters/counter_text.h"
@@ -23,7 +24,6 @@
 #include "toolset/lltcc/compiler.h"
 #include "toolset/lltcc/handover.h"
 #include "toolset/lltcc/stub_role.h"
-#include "toolset/lltcc/tools_directory.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -138,9 +138,7 @@ void leave_records_of(const Compilation& compilation, const Record& begun)
     }
     const std::vector<Record> records = records_of(object);
     for (const Record& record : records) {
-        if (record.array_bytes != 0) {
-            leave_records(compilation.area, record, object, SourceState::as_compiled);
-        }
+        leave_records(compilation.area, record, object, SourceState::as_compiled);
     }
     if (records.empty()) {
         notice("'%s' has no counters: something in front of the compiler made it elsewhere",
@@ -222,7 +220,7 @@ std::string refusal(const Compilation& compilation)
     if (compilation.area.empty()) {
         return "its project is not known, set qmr_current_prj_path";
     }
-    if (compilation.tools.empty()) {
+    if (own_file("lltcc.d/as").empty()) {
         return "lltcc.d/as is missing from the installation";
     }
     if (counter_mode(compilation.stub_mode).owner == ARRAYS_OF_NOBODY) {
@@ -267,7 +265,7 @@ int run_driver(const Words& arguments)
         compilation.area = places::temporary_area(absolute_path(root_of_project(call.project)));
     }
     compilation.stub_mode = call.stub_mode;
-    compilation.tools = tools_directory();
+    compilation.tools = own_file("lltcc.d");
     std::string why_plain = refusal(compilation);
     if (why_plain.empty()) {
         compilation.compiler = know_compiler(compilation.area, compilation.command);
