@@ -23,6 +23,9 @@
  * drivers are told. */
 #define TEMPORARY_NAME "LLTTEMP"
 
+/* The folder that the settings give a project for all that the tool set writes. */
+#define OWN_FOLDER ".lltcov"
+
 /* The end of a dump file's name, and what follows it in that of the file beside it. */
 #define DUMP_SUFFIX ".lltcov"
 #define SPARE_SUFFIX ".tmp"

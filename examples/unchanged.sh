@@ -25,8 +25,8 @@ while read -r file; do
     cmp "$place/plain/$file" "$place/tree/$file" || die "$name: $file differs"
 done <"$work/plain.built"
 # This says something only when every object came through lltwrapper.
-compiles=$(grep -c 'lltcc cmd:' "$place/project/LLTTEMP/build.log" || true)
+compiles=$(grep -c 'lltcc cmd:' "$place/project/.lltcov/LLTTEMP/build.log" || true)
 if [ "$objects" -eq 0 ] || [ "$compiles" -lt "$objects" ]; then
-    die "$name: $objects objects, but $compiles compiles through lltwrapper (log: $place/project/LLTTEMP/build.log)"
+    die "$name: $objects objects, but $compiles compiles through lltwrapper (log: $place/project/.lltcov/LLTTEMP/build.log)"
 fi
 say "$name: all $files files that the build made, $objects of them objects, are equal without lltwrapper"

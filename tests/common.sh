@@ -66,10 +66,11 @@ needs() {
     for program; do command -v "$program" >/dev/null || skip "$program is missing"; done
 }
 
-# enter_project FOLDER: the settings of a project there, and no longer those of another one
+# enter_project FOLDER: the settings of a project whose data go into the folder itself, as a path
+# that was set before does, and no longer those of another one
 enter_project() {
-    unset lltcovRootpath qmr_current_prj_path
-    LLT_PROJECT=$1
+    unset lltcovRootpath
+    qmr_current_prj_path=$1
     # shellcheck source=toolset/TUSK_INIT.SH
     . "$root/toolset/TUSK_INIT.SH"
 }

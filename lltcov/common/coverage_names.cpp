@@ -2,12 +2,21 @@
 #include "lltcov/common/coverage_names.h"
 
 #include "commonfunc/file_io.h"
+#include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <vector>
+
+std::string module_of_archive(const std::string& path)
+{
+    const std::string name = base_name(path);
+    std::string module = name.substr(0, name.find('.'));
+    std::replace(module.begin(), module.end(), '-', '_');
+    return module;
+}
 
 bool fits_identifier(const std::string& name)
 {

@@ -5,6 +5,9 @@
 
 #include <string>
 
+/// The module that an archive step makes of the archive.
+std::string module_of_archive(const std::string& path);
+
 /// True for a module name that can be a part of a C identifier, as its stub makes it one.
 bool fits_identifier(const std::string& name);
 

@@ -9,7 +9,9 @@
 #include "commonfunc/text.h"
 #include "contract/names.h"
 #include "contract/places.h"
+#include "contract/project_root.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <fnmatch.h>
 #include <memory>
@@ -18,17 +20,34 @@ std::string project_root(const CommandLine& line)
 {
     const bool is_named = line.has("--project");
     std::string root = is_named ? line.value("--project") : env_text("qmr_current_prj_path");
-    if (names_project_file(root)) {
-        root = split_path(root).directory;
+    if (is_named || root.empty()) {
+        root = names_project_file(root) ? split_path(root).directory : root;
+        root = own_folder(root.empty() ? "." : root);
+    } else {
+        root = root_of_project(root);
     }
-    if (!is_named && !root.empty() && env_int("isOverlappedCompile") == 1) {
-        root += "/" + env_text(env_text("PlatformToken").c_str());
-    }
-    std::string absolute = absolute_path(root.empty() ? "." : root);
+    std::string absolute = absolute_path(root);
     if (QMRPathIsDirectory(absolute.c_str()) == 0) {
         throw UsageError("the project's folder '" + root + "' does not exist");
     }
     return absolute;
+}
+
+std::string own_folder(const std::string& folder)
+{
+    std::string own = folder + "/" OWN_FOLDER;
+    return QMRPathIsDirectory(own.c_str()) != 0 ? own : folder;
+}
+
+bool is_own_folder(const std::string& root)
+{
+    return base_name(root) == OWN_FOLDER;
+}
+
+std::string project_folder(const std::string& root)
+{
+    const std::size_t at = (root + "/").rfind("/" OWN_FOLDER "/");
+    return at == std::string::npos ? root : root.substr(0, std::max<std::size_t>(at, 1));
 }
 
 std::vector<Module> modules_of(const std::string& root)

@@ -12,10 +12,20 @@ struct Module {
     std::string area; ///< ROOT/NAME/codemeasure, absolute
 };
 
-/// The project's directory, absolute: of the option "--project", else of "qmr_current_prj_path"
-/// (whose project file, when it names one, stands for its directory, and whose platform's
-/// subdirectory counts where one tree is built for several), else the current directory.
+/// The root of the project's data, absolute: of the option "--project", else of
+/// "qmr_current_prj_path" (whose project file, when it names one, stands for its directory, and
+/// whose platform's subdirectory counts where one tree is built for several), else the current
+/// directory. What is named by hand stands for its folder ".lltcov" where it has one.
 std::string project_root(const CommandLine& line);
+
+/// FOLDER/.lltcov where the settings have made it, else the folder itself.
+std::string own_folder(const std::string& folder);
+
+/// True for FOLDER/.lltcov itself.
+bool is_own_folder(const std::string& root);
+
+/// The project's directory, in which its sources are: the root, or what holds ".lltcov" above it.
+std::string project_folder(const std::string& root);
 
 /// The modules of the project, by name. LLTTEMP is none.
 std::vector<Module> modules_of(const std::string& root);

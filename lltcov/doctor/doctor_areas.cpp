@@ -5,6 +5,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 #include "contract/places.h"
+#include "contract/project_root.h"
 #include "contract/record.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/coverage_names.h"
@@ -34,15 +35,6 @@ constexpr std::time_t MIN_AGE = 60;
 bool is_archive(const std::string& content)
 {
     return begins_with(content, "!<arch>\n") || begins_with(content, "!<thin>\n");
-}
-
-/// The module that an archive step makes of the archive.
-std::string module_of_archive(const std::string& path)
-{
-    const std::string name = base_name(path);
-    std::string module = name.substr(0, name.find('.'));
-    std::replace(module.begin(), module.end(), '-', '_');
-    return module;
 }
 
 bool holds_symbol(const ScannedObject& object, const std::string& symbol)
@@ -143,6 +135,13 @@ void check_archives(Examined& examined, Findings& findings)
         if (path.size() > 2 && path.compare(path.size() - 2, 2, ".a") == 0 &&
             read_whole_file(path, content) == Reading::done) {
             archives.add(path, content);
+            const std::string place = in_place_of_area(examined.data.root, module_of_archive(path));
+            if (!place.empty()) {
+                findings.add(
+                    "taken places",
+                    "'" + place + "' stands where the coverage data of '" + path +
+                        "' would go; set qmr_current_prj_path to a folder of their own, as TUSK_INIT.SH does");
+            }
         }
     }
 }

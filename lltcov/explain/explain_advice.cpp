@@ -4,9 +4,10 @@
 
 #include "commonfunc/env.h"
 #include "commonfunc/path_name.h"
+#include "commonfunc/path_search.h"
 #include "commonfunc/shell.h"
+#include "contract/project_root.h"
 #include "lltcov/common/coverage_names.h"
-#include "lltcov/common/path_search.h"
 #include "lltcov/common/tool_kind.h"
 #include "lltcov/explain/explain_words.h"
 #include "lltwrapper/classify.h"
@@ -41,6 +42,34 @@ void advise_on_project(const ExplainedStep& step, Advice& advice)
         advice.warnings.push_back(
             std::string("'qmr_coverage_stub_mold' is not set: the stub mode is empty; ") +
             SETTINGS);
+    }
+}
+
+/// A library's work area and a program of one name cannot be in one place.
+void advise_on_places(const ExplainedStep& step, Advice& advice)
+{
+    const std::string root = root_of_project(env_text("qmr_current_prj_path"));
+    const auto warn_of = [&](const std::string& place, const std::string& archive) {
+        advice.warnings.push_back(
+            quoted(place) + " stands where the coverage data of " + quoted(archive) +
+            " would go; set qmr_current_prj_path to a folder of their own, as TUSK_INIT.SH does");
+    };
+    if (root.empty()) {
+        return;
+    }
+    if (step.mode == Mode::archive) {
+        const std::string place = in_place_of_area(root, step.name);
+        if (!place.empty()) {
+            warn_of(place, step.decision.archive);
+        }
+    }
+    const std::string output = absolute_path(step.decision.output);
+    for (const std::string& word : step.command) {
+        if (step.mode == Mode::link && word.size() > 2 &&
+            word.compare(word.size() - 2, 2, ".a") == 0 &&
+            output == absolute_path(root) + "/" + module_of_archive(word)) {
+            warn_of(output, word);
+        }
     }
 }
 
@@ -219,6 +248,7 @@ Advice advise(const ExplainedStep& step)
     }
     if (step.mode != Mode::unchanged) {
         advise_on_project(step, advice);
+        advise_on_places(step, advice);
     }
     if (step.decision.reason == Reason::archiver) {
         advise_on_archive(step, advice);

@@ -47,14 +47,14 @@ class Cleaner
 {
 public:
     Cleaner(std::string root, Mode mode, Scope scope)
-        : root_(std::move(root)), mode_(mode), scope_(scope)
+        : root_(std::move(root)), folder_(project_folder(root_)), mode_(mode), scope_(scope)
     {
     }
 
     /// Finds the work areas; false for a directory that has nothing of a project.
     bool find()
     {
-        bool is_project = type_of(places::temporary_directory(root_)) != 0;
+        bool is_project = is_own_folder(root_) || type_of(places::temporary_directory(root_)) != 0;
         if (mode_ == Mode::remove && type_of(set_aside()) != 0) {
             is_project = true;
             remove(set_aside());
@@ -76,6 +76,7 @@ public:
         clean_areas();
         if (scope_ == Scope::all) {
             clean_temporary();
+            clean_own_folder();
         }
     }
 
@@ -85,7 +86,7 @@ public:
         if (!areas_.empty() || temporary_) {
             std::printf(", %zu work areas%s", areas_.size(), temporary_ ? ", LLTTEMP" : "");
         }
-        std::printf(" of '%s'\n", root_.c_str());
+        std::printf(" of '%s'\n", folder_.c_str());
     }
 
     bool has_failed() const { return has_failed_; }
@@ -101,7 +102,7 @@ private:
             }
             const bool is_ours = is_dump(name) ? is_wanted_dump(path)
                                                : scope_ != Scope::gone && is_spare_dump(name) &&
-                                                     is_inside(path, root_);
+                                                     is_inside(path, folder_);
             if (is_ours && remove(path)) {
                 dumps_ += is_dump(name) ? 1 : 0;
             }
@@ -142,19 +143,29 @@ private:
         }
     }
 
+    /// All that is in the folder of a project's settings was written by the tool set.
+    void clean_own_folder()
+    {
+        if (is_own_folder(root_) && type_of(root_) == S_IFDIR) {
+            remove(root_);
+        }
+    }
+
     /// A damaged dump belongs to the project when it is in its directory.
     bool is_wanted_dump(const std::string& path) const
     {
         try {
             DumpReader reader = open_dump(path);
             const std::string named(reader.dump().area);
-            const std::string area = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
-            const bool is_ours = is_inside(named[0] == '/' ? area : path, root_);
+            const std::string real = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
+            const std::string area = real.empty() ? named : real; // a program has taken its place
+            const bool is_ours =
+                named[0] == '/' ? is_inside(area, root_) : is_inside(path, folder_);
             const bool is_gone = !named.empty() && (areas_.count(area) != 0 ||
                                                     type_of(places::project_file(area)) == 0);
             return is_ours && (scope_ != Scope::gone || is_gone);
         } catch (const std::exception&) {
-            return is_inside(path, root_) && scope_ != Scope::gone;
+            return is_inside(path, folder_) && scope_ != Scope::gone;
         }
     }
 
@@ -196,6 +207,7 @@ private:
     std::string set_aside() const { return root_ + "/.lltcov-clean"; }
 
     std::string root_;
+    std::string folder_; ///< of the project
     Mode mode_;
     Scope scope_;
     std::size_t dumps_ = 0;

@@ -1,7 +1,7 @@
 // Tools that are newer than the compiler read its counters too, older ones do not.
 #include "lltcov/report/llvm_tools.h"
 
-#include "lltcov/common/path_search.h"
+#include "commonfunc/path_search.h"
 
 namespace
 {

@@ -46,10 +46,27 @@ constexpr char WRAPPED_CASE[] =
     R"SH(# Behind the others on PATH: drivers of the user's own choice come first.
 export PATH="$PATH:${wrapper%/*}" LLTWRAPPER_EXACT_STATUS="${LLTWRAPPER_EXACT_STATUS:-1}"
 project=${qmr_current_prj_path:-}
-project=${project%/*.prj}
+project=${project%/*.prj} project=${project%/}
+case $project in
+    # As the settings make it: lltcov clean --all has removed it.
+    */.lltcov)
+        [ -e "$project/.gitignore" ] ||
+            { mkdir -p "$project/LLTTEMP" && echo '*' >"$project/.gitignore"; }
+        ;;
+esac
 if [ -z "$LLTWRAPPER_LOG" ] && [ -d "$project/LLTTEMP" ]; then
     export LLTWRAPPER_LOG="$project/LLTTEMP/build.log"
 fi
+# run_plainly WHY WORD...
+run_plainly() {
+    echo "lltwrapper: '${0##*/}' runs without coverage: $1" >&2
+    shift
+    exec "$real" "$@"
+}
+# Without one, data would go to where the command runs, or to /.
+needs_project() {
+    [ -n "$project" ] || run_plainly "no project is set; source its TUSK_INIT.SH" "$@"
+}
 )SH";
 
 /// Sets `step` when the call compiles or links, `rewrite` when a word cannot stand as it is.
@@ -125,7 +142,7 @@ done
 [ -n "$step" ] || exec "$real" "$@"
 )SH";
 
-constexpr char RUN_STEP[] = R"SH(
+constexpr char RUN_STEP[] = R"SH(needs_project "$@"
 # escape WORD WHERE: $word, such that the wrapper's shell makes WORD of it
 escape() {
     word='' rest=$1
@@ -217,8 +234,24 @@ esac
 # The module's name becomes part of the stub's function names; a link finds the members of others.
 module=${archive##*/} module=${module%%.*}
 case $module in
-    '' | *[!A-Za-z0-9_-]*) exec "$real" "$@" ;;
+    '' | *[!A-Za-z0-9_-]* | LLTTEMP) exec "$real" "$@" ;;
 esac
+needs_project "$@"
+while :; do
+    case $module in *-*) module=${module%%-*}_${module#*-} ;; *) break ;; esac
+done
+if [ "${isOverlappedCompile:-0}" = 1 ]; then
+    case ${PlatformToken:-} in
+        '' | [0-9]* | *[!A-Za-z0-9_]*) ;;
+        *) eval "project=\$project/\${$PlatformToken:-}" ;;
+    esac
+fi
+for place in "$project/$module" "$project/$module/codemeasure"; do
+    if [ ! -d "$place" ] && { [ -e "$place" ] || [ -h "$place" ]; }; then
+        run_plainly "'$place' stands where the coverage data of '$archive' would go; \
+set qmr_current_prj_path to a folder of their own, as TUSK_INIT.SH does" "$@"
+    fi
+done
 if [ -n "$rewrite" ]; then
     for word; do
         shift

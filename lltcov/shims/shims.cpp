@@ -6,10 +6,10 @@
 #include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
+#include "commonfunc/path_search.h"
 #include "commonfunc/shell.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
-#include "lltcov/common/path_search.h"
 #include "lltcov/common/tool_kind.h"
 #include "lltcov/shims/shim_text.h"
 

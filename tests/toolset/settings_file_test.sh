@@ -17,14 +17,18 @@ for shell in sh dash bash ksh mksh zsh 'zsh --emulate sh' 'busybox sh'; do
             [ \"\$*\" = 'one two three' ] || echo arguments
             (. '$init'; : > on)
             [ -f on ] || echo a subshell ended
-            [ -d \"\$lltcovRootpath\" ] && [ -d $work/p/LLTTEMP/codemeasure/obj/after ] || echo missing
-            echo \$qmr_current_prj_path \$lltcovRootpath \$TimerPolicy" 2>&1)
-        expect "$shell: $before" "$(eval "echo $expected")" "$actual"
+            [ -d \"\$lltcovRootpath\" ] && [ -d \${qmr_current_prj_path%/*.prj}/LLTTEMP/codemeasure/obj/after ] || echo missing
+            echo \$qmr_current_prj_path \$lltcovRootpath \$TimerPolicy
+            ls -A $work/p; cat $work/p/.lltcov/.gitignore" 2>&1 | tr '\n' ' ')
+        set -f
+        expect "$shell: $before" "$(eval "echo $expected") " "$actual"
+        set +f
     done <<'ROWS'
-:|$work/p $work/p/llt_result 0
-LLT_PROJECT=../p/x.prj|$work/p/../p/x.prj $work/p/../p/llt_result 0
-LLT_PROJECT=$PWD; export qmr_current_prj_path=/old lltcovRootpath=/old/llt_result|$work/p $work/p/llt_result 0
-export TimerPolicy=1 lltcovRootpath=$PWD/r|$work/p $work/p/r 1
+:|$work/p/.lltcov $work/p/.lltcov/llt_result 0 .lltcov sub *
+LLT_PROJECT=../p/x.prj|$work/p/../p/.lltcov/x.prj $work/p/../p/.lltcov/llt_result 0 .lltcov sub *
+LLT_PROJECT=$PWD/; export qmr_current_prj_path=/old/.lltcov lltcovRootpath=/old/.lltcov/llt_result|$work/p/.lltcov $work/p/.lltcov/llt_result 0 .lltcov sub *
+export TimerPolicy=1 lltcovRootpath=$PWD/r|$work/p/.lltcov $work/p/r 1 .lltcov r sub *
+mkdir .lltcov; echo mine >.lltcov/.gitignore; export qmr_current_prj_path=$PWD|$work/p $work/p/llt_result 0 .lltcov LLTTEMP llt_result sub mine
 ROWS
 done
 finish

@@ -63,12 +63,16 @@ int anonymous_file(const std::string& text)
 
 std::string content_of(int descriptor)
 {
+    constexpr std::size_t PIECE = 65536; // too large for a small stack
     std::string text;
-    char buffer[65536];
+    std::size_t size = 0;
     ::lseek(descriptor, 0, SEEK_SET);
-    for (ssize_t n = 0; (n = ::read(descriptor, buffer, sizeof buffer)) > 0;) {
-        text.append(buffer, static_cast<std::size_t>(n));
+    for (ssize_t n = 1; n > 0 || (n < 0 && errno == EINTR);) {
+        text.resize(size + PIECE);
+        n = ::read(descriptor, &text[size], PIECE);
+        size += n > 0 ? static_cast<std::size_t>(n) : 0;
     }
+    text.resize(size);
     return text;
 }
 

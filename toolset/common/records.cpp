@@ -15,6 +15,7 @@
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/source_name.h"
+#include "toolset/common/turn_lock.h"
 
 #include <algorithm>
 #include <cctype>
@@ -122,14 +123,19 @@ std::vector<Record> records_of(std::string_view object)
 void leave_records(const std::string& area, const Record& record, const std::string& object,
                    SourceState state)
 {
+    if (record.array_bytes == 0) {
+        return;
+    }
     for (const char* part : places::FILLED_DIRECTORIES) {
         make_directories(area + part);
     }
     write_whole(places::saved_object(area, record.symbol), object);
     write_whole(places::ini(area, record.symbol), source_ini(record.source, record.object));
     const std::string place = places::symbol_db(area, record.symbol);
-    const std::string beside =
-        places::db(area) + "/." + record.symbol + "." + std::to_string(::getpid());
+    // Named after the object, so that its next compile removes what a killed one has left.
+    const std::string beside = places::db(area) + "/." + hash_name({record.object});
+    const TurnLock turn(area, beside);
+    remove_tree(beside);
     make_directories(beside);
     write_whole(places::table(beside), table_record(record, state));
     write_whole(places::compile_command(beside), record.compile_command);

@@ -19,7 +19,8 @@ std::vector<Record> records_of(std::string_view object);
 /// the time of the object.
 enum class SourceState { as_compiled, unknown };
 
-/// Writes the files of the record into the temporary area (LLTTEMP/codemeasure), each of which
-/// appears whole or not at all; `object` is the content of the object. Throws `std::runtime_error`.
+/// Writes the files of a record with counters into the temporary area (LLTTEMP/codemeasure), each
+/// of which appears whole or not at all; `object` is the content of the object. Throws
+/// `std::runtime_error`.
 void leave_records(const std::string& area, const Record& record, const std::string& object,
                    SourceState state);

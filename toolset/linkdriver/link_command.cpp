@@ -8,6 +8,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/response_file.h"
 #include "commonfunc/text.h"
+#include "toolset/common/compiler_options.h"
 #include "toolset/common/source_name.h"
 #include "toolset/linkdriver/link_file.h"
 
@@ -122,12 +123,11 @@ private:
                 wanted_.push_back({value, argument.position, false, true});
             }
             skip_value(argument);
-        } else if (is_one_of(text, {"-x", "-include", "-isystem", "-iquote", "-idirafter",
-                                    "-imacros", "-I", "-D", "-U", "--param", "-target"})) {
-            link_.leaves_side_files = link_.leaves_side_files || text == "-x";
-            ++at_;
         } else if (is_one_of(text, {"-MF", "-MT", "-MQ"})) {
             (text == "-MF" ? link_.names_dependency_file : link_.names_dependent) = true;
+            ++at_;
+        } else if (!link_.is_linker && !argument.for_linker && takes_value(text)) {
+            link_.leaves_side_files = link_.leaves_side_files || text == "-x";
             ++at_;
         } else {
             read_flag(text, argument.for_linker || link_.is_linker || follows_xlinker(argument));

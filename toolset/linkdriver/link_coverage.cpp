@@ -3,6 +3,7 @@
 // the wrapper, or by more than one archive step.
 #include "toolset/linkdriver/link_coverage.h"
 
+#include "commonfunc/file_ops.h"
 #include "commonfunc/path_name.h"
 #include "contract/names.h"
 #include "toolset/linkdriver/archive_coverage.h"
@@ -33,6 +34,8 @@ void keep_symbols(std::vector<CoverageSymbol>& found)
 class CoverageFinder
 {
 public:
+    explicit CoverageFinder(const std::string& output) : output_(absolute_path(output)) {}
+
     void look_at_object(const LinkInput& input)
     {
         ScannedObject object;
@@ -64,12 +67,13 @@ public:
         }
     }
 
-    /// What was found. Of two equal stubs only one will run, so the link registers what the
-    /// libraries do as well; the runtime counts no array twice.
-    LinkCoverage result(const std::string& output)
+    /// What was found. Of two equal stubs only one will run, and one whose work area is
+    /// displaced says so in vain: the link registers what the libraries do as well; the runtime
+    /// counts no array twice.
+    LinkCoverage result()
     {
         if (coverage_.has_twins) {
-            registered_.path = output;
+            registered_.path = output_;
             coverage_.objects.push_back(std::move(registered_));
         }
         return std::move(coverage_);
@@ -84,12 +88,20 @@ private:
         }
     }
 
+    /// True when a program has taken the place of the work area, or will by this link.
+    bool is_displaced(const std::string& area) const
+    {
+        const std::string place = area.substr(0, area.rfind('/'));
+        return place == output_ || (QMRFileExists(place.c_str()) != 0 && area[0] == '/' &&
+                                    QMRPathIsDirectory(place.c_str()) == 0);
+    }
+
     void note_twins(const ArchiveCoverage& archive)
     {
         bool has_twins = archive.has_twins;
-        for (const auto& module : archive.modules) {
-            const bool is_new = coverage_.modules.insert(module.first).second;
-            has_twins = has_twins || !is_new;
+        for (const auto& [module, build] : archive.modules) {
+            const bool is_new = coverage_.modules.insert(module).second;
+            has_twins = has_twins || !is_new || is_displaced(build.area);
         }
         for (const std::string& array : archive.arrays) {
             const bool is_new = arrays_.insert(array).second;
@@ -99,6 +111,7 @@ private:
         coverage_.has_twins = coverage_.has_twins || has_twins;
     }
 
+    std::string output_; ///< absolute
     LinkCoverage coverage_;
     std::set<std::string> archives_; ///< that were looked at
     std::set<std::string> arrays_;   ///< that libraries register
@@ -109,12 +122,12 @@ private:
 
 LinkCoverage find_coverage(const LinkCommand& link)
 {
-    CoverageFinder finder;
+    CoverageFinder finder(link.output);
     for (const LinkInput& input : link.objects) {
         finder.look_at_object(input);
     }
     for (const LinkInput& input : link.archives) {
         finder.look_at_archive(input);
     }
-    return finder.result(link.output);
+    return finder.result();
 }

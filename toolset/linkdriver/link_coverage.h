@@ -15,7 +15,8 @@ struct LinkCoverage {
     std::vector<ScannedObject> objects;   ///< what the link's own stub has to register
     std::set<std::string> modules;        ///< stubs in static libraries
     std::vector<LinkedLibrary> libraries; ///< that register themselves: what is known
-    bool has_twins = false;               ///< two libraries define the same array or stub
+    bool has_twins =
+        false; ///< two libraries define the same array or stub, or a program displaces a work area
     std::size_t first = static_cast<std::size_t>(-1); ///< word of the first input concerned
 
     /// No input has anything to do with coverage.

@@ -11,6 +11,7 @@
 #include "contract/names.h"
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
+#include "toolset/common/own_files.h"
 #include "toolset/common/process.h"
 #include "toolset/linkdriver/link_command.h"
 #include "toolset/linkdriver/link_coverage.h"
@@ -36,11 +37,10 @@ constexpr char GUARD[] = "LLTLD_RUNS";
 /// is installed or in a build tree. Empty when it is not found.
 std::string find_runtime()
 {
-    constexpr char FILE[] = "/liblltcov_rt.a";
+    const std::string file = "liblltcov_rt.a";
     const std::string named = env_text("LLTCOV_RUNTIME");
-    const std::string own = program_directory();
-    const Words candidates = {named, named + FILE, own + "/../lib/lltcov" + FILE,
-                              own + "/lib/lltcov" + FILE, own + "/../runtime" + FILE};
+    const Words candidates = {named, named + "/" + file, own_file(file),
+                              program_directory() + "/../runtime/" + file};
     for (const std::string& path : candidates) {
         if (kind_of(path) == FileKind::archive) {
             return absolute_path(path);
@@ -150,7 +150,7 @@ int link_without_coverage(const LinkCommand& link, const LinkCoverage& coverage,
     return run_program(link.words);
 }
 
-int link_module(const LinkCommand& link, const LinkCoverage& coverage, const std::string& name)
+int link_module(const LinkCommand& link, LinkCoverage& coverage, const std::string& name)
 {
     if (name.empty() || !choose_work_area(name, link.output, coverage.modules)) {
         return link_without_coverage(link, coverage, false, "its work area cannot be created");
@@ -194,6 +194,8 @@ int drive_link(int argc, char** argv)
     if (is_nested || !link.links || link.is_relocatable) {
         return become_program(call.command);
     }
+    make_room_for_output(call.project.empty() ? env_text("qmr_current_prj_path") : call.project,
+                         link.output);
     LinkCoverage coverage = find_coverage(link);
     if (coverage.is_empty() && link.sources.empty()) {
         return become_program(call.command);

@@ -14,6 +14,8 @@
 #include "toolset/common/records.h"
 #include "toolset/linkdriver/archive_coverage.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -64,14 +66,8 @@ void restore_from(const std::string& object, const std::set<std::string>& lost)
     }
 }
 
-} // namespace
-
-void restore_lost_records(const LinkCommand& link, const LinkCoverage& coverage)
+void restore(const LinkCommand& link, const std::set<std::string>& lost)
 {
-    const std::set<std::string> lost = lost_symbols(coverage);
-    if (lost.empty()) {
-        return;
-    }
     std::string content;
     for (const LinkInput& input : link.objects) {
         if (read_whole_file(input.path, content) == Reading::done) {
@@ -84,5 +80,42 @@ void restore_lost_records(const LinkCommand& link, const LinkCoverage& coverage)
                 restore_from(std::string(member), lost);
             });
         }
+    }
+}
+
+void leave_out(LinkCoverage& coverage, const std::set<std::string>& lost)
+{
+    std::size_t number = 0;
+    for (ScannedObject& object : coverage.objects) {
+        auto& symbols = object.symbols;
+        const auto kept = std::stable_partition(
+            symbols.begin(), symbols.end(),
+            [&](const CoverageSymbol& symbol) { return lost.count(symbol.name) == 0; });
+        if (kept != symbols.end() && number == 0) {
+            notice(
+                "'%s' names a counter array of unknown size: its record '%s' is gone; where the link fails, compile it again",
+                object.path.c_str(), temp_tab_path(kept->name.c_str()).c_str());
+        }
+        number += static_cast<std::size_t>(symbols.end() - kept);
+        symbols.erase(kept, symbols.end());
+    }
+    if (number > 1) {
+        notice("records of %zu counter arrays are gone in all", number);
+    }
+    auto& objects = coverage.objects;
+    objects.erase(
+        std::remove_if(objects.begin(), objects.end(),
+                       [](const ScannedObject& object) { return object.symbols.empty(); }),
+        objects.end());
+}
+
+} // namespace
+
+void restore_lost_records(const LinkCommand& link, LinkCoverage& coverage)
+{
+    const std::set<std::string> lost = lost_symbols(coverage);
+    if (!lost.empty()) {
+        restore(link, lost);
+        leave_out(coverage, lost_symbols(coverage));
     }
 }

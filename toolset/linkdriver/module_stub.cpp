@@ -13,6 +13,7 @@
 #include "contract/linked_libraries.h"
 #include "contract/names.h"
 #include "contract/places.h"
+#include "contract/project_root.h"
 #include "lltld/cov_paths.h"
 #include "lltld/db_tidy.h"
 #include "lltld/inst_file_list.h"
@@ -117,7 +118,12 @@ bool choose_work_area(const std::string& wanted, const std::string& output,
     copy_bounded(prj.szObjFile, absolute_path(output));
     for (int number = 1; number <= MAX_AREAS; ++number) {
         const std::string candidate = number == 1 ? name : name + "_" + std::to_string(number);
-        if (taken.count(candidate) != 0) {
+        const std::string place = in_place_of_area(root, candidate);
+        if (!place.empty()) {
+            notice("'%s' stands where the work area of '%s' would go; another name is taken",
+                   place.c_str(), output.c_str());
+        }
+        if (taken.count(candidate) != 0 || !place.empty()) {
             continue;
         }
         if (!enter_work_area(root, candidate)) {
@@ -129,6 +135,20 @@ bool choose_work_area(const std::string& wanted, const std::string& output,
         }
     }
     return false;
+}
+
+void make_room_for_output(const std::string& project, const std::string& output)
+{
+    const std::string root = root_of_project(project);
+    const std::string path = absolute_path(output);
+    if (root.empty() || path != absolute_path(root) + "/" + base_name(output) ||
+        !is_place_of_area(path)) {
+        return;
+    }
+    notice(
+        "'%s' is also the place of a library's work area, which is removed: its members are reported as part of what links them; set qmr_current_prj_path to a folder of its own, as TUSK_INIT.SH does",
+        output.c_str());
+    remove_tree(path);
 }
 
 void record_libraries(const std::vector<LinkedLibrary>& libraries)

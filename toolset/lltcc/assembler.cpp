@@ -3,6 +3,7 @@
 // has a record too: it shows that this assembler made the object.
 #include "toolset/lltcc/assembler.h"
 
+#include "commonfunc/file_io.h"
 #include "commonfunc/text.h"
 #include "contract/names.h"
 #include "contract/record.h"
@@ -11,9 +12,7 @@
 #include "toolset/counters/counter_text.h"
 #include "toolset/lltcc/handover.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <exception>
 #include <fcntl.h>
 #include <string>
@@ -59,12 +58,10 @@ AssemblerCall read_call(const Words& arguments)
 
 std::string content_of_path(const std::string& path)
 {
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
-        throw NotInstrumentable("cannot read '" + path + "': " + std::strerror(errno));
+    std::string text;
+    if (read_whole_file(path, text) != Reading::done) {
+        throw NotInstrumentable("cannot read '" + path + "'");
     }
-    std::string text = content_of(file);
-    ::close(file);
     return text;
 }
 
@@ -108,7 +105,7 @@ std::string head_and_record(const Record& record, int record_file)
 int assemble(const HandedOver& job, const AssemblerCall& call)
 {
     const std::string text =
-        call.input.empty() ? content_of_path("/dev/stdin") : content_of_path(call.input);
+        call.input.empty() ? content_of(STDIN_FILENO) : content_of_path(call.input);
     const bool is_clang = job.begun.compiler == CounterSource::clang;
     const CounterText counters = is_clang ? read_clang_text(text) : read_gcc_text(text);
     const bool is_counted = counters.record.array_bytes != 0;
@@ -137,9 +134,7 @@ int run_assembler(const Words& arguments)
     } catch (const std::exception& error) {
         const std::string why = error.what();
         const int file = ::open(job.trouble.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
-        const bool is_told =
-            file >= 0 && ::write(file, why.data(), why.size()) == static_cast<ssize_t>(why.size());
-        if (!is_told) {
+        if (file < 0 || !write_all(file, why.data(), why.size())) {
             notice("%s", why.c_str());
             return 1;
         }

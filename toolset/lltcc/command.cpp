@@ -4,6 +4,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/response_file.h"
 #include "commonfunc/text.h"
+#include "toolset/common/compiler_options.h"
 #include "toolset/common/source_name.h"
 
 #include <algorithm>
@@ -12,53 +13,6 @@
 
 namespace
 {
-
-/// Whether the word is one of the list, whose words have a blank on each side.
-bool is_in(std::string_view list, const std::string& word)
-{
-    return !word.empty() && list.find(" " + word + " ") != list.npos;
-}
-
-/// Options whose value is the next word.
-constexpr std::string_view VALUED =
-    " -o -x -D -U -I -L -l -include -imacros -isystem -iquote -idirafter -iprefix -iwithprefix "
-    "-iwithprefixbefore -isysroot -MF -MT -MQ -MJ -Xassembler -Xpreprocessor -Xlinker -Xclang "
-    "-mllvm -target -T -u -z -A -B -aux-info --param -dumpbase -dumpdir -dumpbase-ext -arch "
-    "-specs -wrapper --sysroot -imultilib -include-pch -ivfsoverlay --include ";
-
-/// Of these the ones that matter to a stub.
-constexpr std::string_view VALUED_FOR_STUB = " -target -isysroot --sysroot -idirafter -arch -B ";
-
-constexpr std::string_view LANGUAGES = " none c c++ cpp-output c++-cpp-output ";
-
-/// Beginnings of options that count or use counts themselves.
-constexpr std::string_view PROFILE_OPTIONS =
-    "-fprofile-use -fprofile-generate -fprofile-arcs -ftest-coverage --coverage -coverage "
-    "-fauto-profile -fbranch-probabilities -fcs-profile -fprofile-values -fprofile-instr "
-    "-fcoverage-mapping -fcoverage-mcdc";
-
-/// Beginnings of options that a stub must be compiled with too: target, code generation, debug
-/// information. Warnings, language standard and include paths are the sources' own affair.
-constexpr std::string_view FOR_STUB = "-m -f -O -g --target= --sysroot= -B -pthread";
-
-/// Of these the ones that a stub must not have.
-constexpr std::string_view NOT_FOR_STUB =
-    "-fsanitize -fprofile -ftest-coverage -fcoverage -fdump -fpreprocessed -fdirectives -fmodule "
-    "-fplugin -fsyntax -finput -fno-rtti -fvisibility-inlines -fpermissive -fdiagnostics "
-    "-fstack-usage -fcallgraph -flto";
-
-/// Whether the word begins with one of the list, whose words have blanks between them.
-bool begins_with_one_of(std::string_view list, std::string_view word)
-{
-    while (!list.empty()) {
-        const std::string_view beginning = list.substr(0, list.find(' '));
-        if (begins_with(word, beginning)) {
-            return true;
-        }
-        list.remove_prefix(std::min(beginning.size() + 1, list.size()));
-    }
-    return false;
-}
 
 constexpr std::string_view EXCLUDE = "-fprofile-exclude-files=";
 
@@ -70,7 +24,7 @@ public:
     void read(const Words& words)
     {
         for (at_ = 1; at_ < words.size(); ++at_) {
-            const bool has_value = is_in(VALUED, words[at_]) && at_ + 1 < words.size();
+            const bool has_value = takes_value(words[at_]) && at_ + 1 < words.size();
             read_word(words[at_], has_value ? words[at_ + 1] : "");
             at_ += has_value ? 1 : 0;
         }
@@ -101,7 +55,7 @@ private:
             out_.output = word == "-o" ? value : word.substr(2);
         } else if (begins_with(word, EXCLUDE)) {
             out_.excluded = word.substr(EXCLUDE.size());
-        } else if (begins_with_one_of(PROFILE_OPTIONS, word)) {
+        } else if (counts_itself(word)) {
             give_up("the command has a " + word + " of its own");
         } else {
             read_code_option(word, value);
@@ -118,12 +72,11 @@ private:
                                             word.substr(equals + 1));
             }
         }
-        if (is_in(VALUED_FOR_STUB, word)) {
+        if (matters_to_stub(word)) {
             out_.kept.push_back(word);
-            out_.kept.push_back(value);
-        } else if (begins_with_one_of(FOR_STUB, word) && !is_in(VALUED, word) &&
-                   !begins_with_one_of(NOT_FOR_STUB, word)) {
-            out_.kept.push_back(word);
+            if (takes_value(word)) {
+                out_.kept.push_back(value);
+            }
         }
     }
 
@@ -132,7 +85,7 @@ private:
         const std::string suffix = suffix_of(word);
         if (word == "-") {
             give_up("the source comes from standard input");
-        } else if (!is_in(LANGUAGES, language_)) {
+        } else if (!is_one_of(language_, {"none", "c", "c++", "cpp-output", "c++-cpp-output"})) {
             give_up("language " + language_);
         } else if (language_ != "none" || names_source(word)) {
             out_.inputs.push_back({word, at_, true});

@@ -2,13 +2,13 @@
 // compiler and target, since every compile of a build asks.
 #include "toolset/lltcc/compiler.h"
 
-#include "commonfunc/env.h"
 #include "commonfunc/file_io.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/path_search.h"
 #include "commonfunc/text.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/process.h"
 
-#include <climits>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -22,28 +22,6 @@ namespace
 
 /// Part of every answer's name: another one asks all compilers again.
 constexpr const char* FORMAT_VERSION = "compiler 4";
-
-/// The program that a shell would run.
-std::string program_of(const std::string& word)
-{
-    if (word.find('/') != word.npos) {
-        return word;
-    }
-    std::istringstream path(env_text("PATH"));
-    for (std::string directory; std::getline(path, directory, ':');) {
-        std::string program = (directory.empty() ? "." : directory) + "/" + word;
-        if (::access(program.c_str(), X_OK) == 0) {
-            return program;
-        }
-    }
-    return word;
-}
-
-std::string resolved(const std::string& path)
-{
-    char real[PATH_MAX] = {};
-    return ::realpath(path.c_str(), real) != nullptr ? real : path;
-}
 
 /// A program beside the compiler, under its name with the last "gcc", "g++", ... replaced.
 std::string beside(const std::string& compiler, const std::string& tool)
@@ -116,18 +94,12 @@ Words query_of(const CompileCommand& command)
 /// The call that answers in English, and names no directories of the user's as the compiler's own.
 Words asking(const Words& query)
 {
-    Words words = {"env",
-                   "-u",
-                   "CPATH",
-                   "-u",
-                   "C_INCLUDE_PATH",
-                   "-u",
-                   "CPLUS_INCLUDE_PATH",
-                   "-u",
-                   "DEPENDENCIES_OUTPUT",
-                   "-u",
-                   "SUNPRO_DEPENDENCIES",
-                   "LC_ALL=C"};
+    Words words = {"env"};
+    for (const char* name : {"CPATH", "C_INCLUDE_PATH", "CPLUS_INCLUDE_PATH", "DEPENDENCIES_OUTPUT",
+                             "SUNPRO_DEPENDENCIES"}) {
+        words.insert(words.end(), {"-u", name});
+    }
+    words.emplace_back("LC_ALL=C");
     words.insert(words.end(), query.begin(), query.end());
     return words;
 }
@@ -156,7 +128,7 @@ Compiler ask(const Words& query, const std::string& program)
         }
     }
     Compiler compiler = read_answer(answer);
-    const std::string real = resolved(program);
+    const std::string real = absolute_path(program);
     if (compiler.kind == Compiler::Kind::gcc) {
         const std::string reader = beside(program, "gcov");
         compiler.reader = reader.empty() ? beside(real, "gcov") : reader;
@@ -194,7 +166,7 @@ bool from_text(const std::string& text, Compiler& compiler)
 Compiler know_compiler(const std::string& area, const CompileCommand& command)
 {
     const Words query = query_of(command);
-    const std::string program = program_of(query[0]);
+    const std::string program = program_on_path(query[0]);
     Words key = query;
     struct stat info = {};
     ::stat(program.c_str(), &info);

@@ -12,19 +12,22 @@
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
 #include "contract/places.h"
+#include "contract/project_root.h"
 #include "contract/record.h"
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
+#include "toolset/common/own_files.h"
 #include "toolset/common/records.h"
+#include "toolset/common/turn_lock.h"
 #include "toolset/counters/counter_text.h"
 #include "toolset/lltcc/command.h"
 #include "toolset/lltcc/compiler.h"
 #include "toolset/lltcc/handover.h"
 #include "toolset/lltcc/stub_role.h"
-#include "toolset/lltcc/tools_directory.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -33,20 +36,9 @@
 namespace
 {
 
-/// LLTTEMP/codemeasure of the project, of the platform when one tree is built for several.
-std::string area_of_project(const std::string& project_path)
-{
-    std::string root =
-        names_project_file(project_path) ? split_path(project_path).directory : project_path;
-    if (env_int("isOverlappedCompile") == 1) {
-        root += "/" + env_text(env_text("PlatformToken").c_str());
-    }
-    return places::temporary_area(absolute_path(root.empty() ? "." : root));
-}
-
 /// One wrapped command: what its compiles have in common.
 struct Compilation {
-    std::string area;
+    std::string area; ///< LLTTEMP/codemeasure of the project; empty without one
     int stub_mode = 1;
     Launchers launchers;
     CompileCommand command;
@@ -146,9 +138,7 @@ void leave_records_of(const Compilation& compilation, const Record& begun)
     }
     const std::vector<Record> records = records_of(object);
     for (const Record& record : records) {
-        if (record.array_bytes != 0) {
-            leave_records(compilation.area, record, object, SourceState::as_compiled);
-        }
+        leave_records(compilation.area, record, object, SourceState::as_compiled);
     }
     if (records.empty()) {
         notice("'%s' has no counters: something in front of the compiler made it elsewhere",
@@ -209,6 +199,12 @@ int compile_input(const Compilation& compilation, const CompileInput& input, con
     if (!input.is_source) {
         return run_program(plain);
     }
+    // Of two at once each would take the other's object for its own; one within another cannot
+    // wait.
+    std::optional<TurnLock> turn;
+    if (!is_within_compile()) {
+        turn.emplace(compilation.area, absolute_path(object_of(compilation.command, input)));
+    }
     std::string trouble;
     const int status = compile_counting(compilation, input, trouble);
     return status != 0 || !trouble.empty() ? compile_plainly(plain, input.path, trouble) : 0;
@@ -221,7 +217,10 @@ std::string refusal(const Compilation& compilation)
     if (!command.why_plain.empty()) {
         return command.why_plain;
     }
-    if (compilation.tools.empty()) {
+    if (compilation.area.empty()) {
+        return "its project is not known, set qmr_current_prj_path";
+    }
+    if (own_file("lltcc.d/as").empty()) {
         return "lltcc.d/as is missing from the installation";
     }
     if (counter_mode(compilation.stub_mode).owner == ARRAYS_OF_NOBODY) {
@@ -262,9 +261,11 @@ int run_driver(const Words& arguments)
     Compilation compilation;
     compilation.launchers = take_launchers(compiler);
     compilation.command = read_command(compiler);
-    compilation.area = area_of_project(call.project);
+    if (!call.project.empty()) {
+        compilation.area = places::temporary_area(absolute_path(root_of_project(call.project)));
+    }
     compilation.stub_mode = call.stub_mode;
-    compilation.tools = tools_directory();
+    compilation.tools = own_file("lltcc.d");
     std::string why_plain = refusal(compilation);
     if (why_plain.empty()) {
         compilation.compiler = know_compiler(compilation.area, compilation.command);

@@ -87,14 +87,18 @@ Handover::~Handover()
     ::close(key_);
 }
 
+bool is_within_compile()
+{
+    return std::getenv(RECORD) != nullptr;
+}
+
 HandedOver handed_over()
 {
     HandedOver out;
-    const char* const record = std::getenv(RECORD);
-    if (record == nullptr) {
+    if (!is_within_compile()) {
         throw std::runtime_error("this is lltcc in the place of an assembler: only lltcc calls it");
     }
-    out.begun = read_records(record).at(0);
+    out.begun = read_records(env_text(RECORD)).at(0);
     out.notes = env_text(NOTES) + "0";
     out.trouble = env_text(TROUBLE);
     out.assembler = env_text(ASSEMBLER);

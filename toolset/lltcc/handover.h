@@ -42,5 +42,8 @@ struct HandedOver {
     std::string assembler; ///< that the compiler would run
 };
 
+/// True when a compile has called this process: it was handed something.
+bool is_within_compile();
+
 /// What this process was handed; throws `std::runtime_error` when it was called by something else.
 HandedOver handed_over();

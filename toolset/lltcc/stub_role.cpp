@@ -6,8 +6,8 @@
 
 #include "commonfunc/file_io.h"
 #include "contract/names.h"
+#include "toolset/common/own_files.h"
 #include "toolset/counters/counter_text.h"
-#include "toolset/lltcc/tools_directory.h"
 
 #include <cstddef>
 #include <fcntl.h>
@@ -48,7 +48,7 @@ int run_stub_compile(const Words& arguments)
             ::fcntl(front, F_SETFD, 0); // the compiler reads it
             // After all other headers: those see the C library's own.
             words.insert(words.begin() + static_cast<std::ptrdiff_t>(i) - 1,
-                         {"-pipe", "-I" + tools_directory() + "/stub", "-include",
+                         {"-pipe", "-I" + own_file("lltcc.d") + "/stub", "-include",
                           "/proc/self/fd/" + std::to_string(front)});
             break;
         }

@@ -1,5 +1,5 @@
 // The shims name tools by absolute paths; the shell also takes what a relative PATH leads to.
-#include "lltcov/common/path_search.h"
+#include "commonfunc/path_search.h"
 
 #include "commonfunc/env.h"
 #include "commonfunc/text.h"
