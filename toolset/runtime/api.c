@@ -24,8 +24,7 @@
 unsigned short g_TUSKSockBindPort __attribute__((weak)) = 60000;
 
 static int target_state;
-static int has_next_root; /* 0: the default */
-static char next_root[PATH_MAX];
+static char* next_root; /* absolute, or empty for one that cannot be; null: the default */
 
 /* --- modules */
 
@@ -73,7 +72,7 @@ static void choose_root(char* out, const char* area)
         make_absolute(out, from_environment, strlen(from_environment));
         return;
     }
-    if (has_next_root) {
+    if (next_root != NULL) {
         memcpy(out, next_root, strlen(next_root) + 1);
         return;
     }
@@ -236,8 +235,14 @@ int lltcov_reset(void)
 
 void TUSK_CovSetlltcovRootpath(const char* rootpath)
 {
-    make_absolute(next_root, rootpath, strlen(rootpath));
-    has_next_root = 1;
+    char root[PATH_MAX];
+    process_set_up();
+    make_absolute(root, rootpath, strlen(rootpath));
+    free(next_root);
+    next_root = strdup(root);
+    if (next_root == NULL) {
+        report_failure("lltcovRootpath has no effect: no memory is left", ENOMEM);
+    }
 }
 
 void TUSK_CovSetTimerPolicy(int time_interval)

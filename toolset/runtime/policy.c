@@ -8,6 +8,7 @@
 #include <errno.h>
 #include <pthread.h>
 #include <signal.h>
+#include <stdlib.h>
 #include <time.h>
 
 /* --- the timer */
@@ -82,9 +83,9 @@ void policy_restart_in_child(void)
 
 enum { SIGNALS = 65 };
 
-/* What the signals did before, by number, and which are watched. */
-static struct sigaction before[SIGNALS];
-static unsigned char is_watched[SIGNALS];
+/* What the signals did before, by number; null for those that are not watched. Each is made when
+ * the signal is watched: few programs watch one. */
+static struct sigaction* before[SIGNALS];
 
 /* Signals that only ask for a dump, or that do nothing by default. */
 static int ends_process(int number)
@@ -101,7 +102,7 @@ static int ends_process(int number)
 static void dump_at_signal(int number, siginfo_t* info, void* context)
 {
     const int saved = errno;
-    const struct sigaction* const old = &before[number];
+    const struct sigaction* const old = before[number];
     this_copy_dump();
     if ((old->sa_flags & SA_SIGINFO) != 0) {
         old->sa_sigaction(number, info, context);
@@ -119,19 +120,22 @@ static void dump_at_signal(int number, siginfo_t* info, void* context)
 
 void policy_watch_signal(int number)
 {
-    if (number < 1 || number >= SIGNALS || is_watched[number]) {
+    if (number < 1 || number >= SIGNALS || before[number] != NULL) {
         return;
     }
     struct sigaction action = {.sa_flags = SA_SIGINFO | SA_RESTART | SA_ONSTACK};
     action.sa_sigaction = dump_at_signal;
     sigfillset(&action.sa_mask);
-    if (sigaction(number, NULL, &before[number]) == 0) {
-        is_watched[number] = 1; /* before the first signal can come */
-        is_watched[number] = sigaction(number, &action, NULL) == 0;
+    struct sigaction* const old = malloc(sizeof *old);
+    if (old != NULL && sigaction(number, NULL, old) == 0) {
+        before[number] = old; /* before the first signal can come */
+        if (sigaction(number, &action, NULL) == 0) {
+            return;
+        }
+        before[number] = NULL;
     }
-    if (!is_watched[number]) {
-        report_failure("SignalPolicy has no effect: that signal cannot be caught", errno);
-    }
+    report_failure("SignalPolicy has no effect: that signal cannot be watched", errno);
+    free(old);
 }
 
 /* --- the end */
@@ -140,7 +144,7 @@ void policy_watch_signal(int number)
  * by default it would end the process. */
 static void put_back(int number)
 {
-    struct sigaction action = before[number];
+    struct sigaction action = *before[number];
     if ((action.sa_flags & SA_SIGINFO) == 0 && action.sa_handler == SIG_DFL &&
         !ends_process(number)) {
         action.sa_handler = SIG_IGN;
@@ -152,7 +156,7 @@ static void put_back_handlers(void)
 {
     for (int number = 1; number < SIGNALS; ++number) {
         struct sigaction now;
-        if (is_watched[number] && sigaction(number, NULL, &now) == 0 &&
+        if (before[number] != NULL && sigaction(number, NULL, &now) == 0 &&
             (now.sa_flags & SA_SIGINFO) != 0 && now.sa_sigaction == dump_at_signal) {
             put_back(number);
         }
