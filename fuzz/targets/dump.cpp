@@ -6,21 +6,26 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string bytes(reinterpret_cast<const char*>(data), size);
-    Dump dump;
+    std::vector<std::uint64_t> words;
     try {
-        dump = read_dump(bytes);
+        DumpReader reader(size, [&](std::uint64_t offset, char* to, std::size_t count) {
+            fuzz::holds("what is read is in the file", offset <= size && count <= size - offset);
+            bytes.copy(to, count, offset);
+        });
+        Dump& dump = reader.dump();
+        const std::string_view header(dump.header.data(), dump.header.size());
+        for (const std::string_view text : {dump.module, dump.buid, dump.area, dump.test}) {
+            fuzz::holds("a text is of the header", fuzz::is_inside(text, header));
+        }
+        words.push_back(dump.runs);
+        for (DumpedSource& source : dump.sources) {
+            fuzz::holds("a symbol is of the header", fuzz::is_inside(source.symbol, header));
+            reader.read_counters(source);
+            words.insert(words.end(), source.counters.begin(), source.counters.end());
+        }
     } catch (const FormatError& error) {
         fuzz::holds("a line is named", error.line > 0);
         return 0;
-    }
-    std::string_view texts[] = {dump.module, dump.buid, dump.area, dump.test};
-    for (const std::string_view text : texts) {
-        fuzz::holds("a text is of the file", fuzz::is_inside(text, bytes));
-    }
-    std::vector<std::uint64_t> words = {dump.runs};
-    for (const DumpedSource& source : dump.sources) {
-        fuzz::holds("a symbol is of the file", fuzz::is_inside(source.symbol, bytes));
-        words.insert(words.end(), source.counters.begin(), source.counters.end());
     }
     if (bytes.empty()) {
         return 0;
