@@ -26,7 +26,6 @@
 #include <fcntl.h>
 #include <stdexcept>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {

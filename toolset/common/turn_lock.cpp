@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <functional>
 #include <limits>
 #include <unistd.h>
 

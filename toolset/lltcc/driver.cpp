@@ -10,7 +10,6 @@
 #include "commonfunc/file_ops.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
-#include "commonfunc/text.h"
 #include "contract/places.h"
 #include "contract/project_root.h"
 #include "contract/record.h"
