@@ -117,8 +117,10 @@ bool copy_directory(const std::string& source, const std::string& destination,
     }
     const mode_t mode = (info.st_mode & 0777) | S_IRWXU;
     const bool made = uninterrupted([&] { return ::mkdir(destination.c_str(), mode); }) == 0;
+    const int error = made ? 0 : errno;
     struct stat target = {};
     if (::lstat(destination.c_str(), &target) != 0 || !S_ISDIR(target.st_mode)) {
+        errno = error;
         return failed("create", destination);
     }
     filled.insert({target.st_dev, target.st_ino});
