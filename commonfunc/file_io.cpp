@@ -1,138 +1,129 @@
-// Reading and writing of whole files. What takes the place of an older file appears whole or not at
-// all: a build may be stopped at any instant.
+// Only regular files are opened, so that nothing blocks; a file has the size that it has then.
 #include "commonfunc/file_io.h"
 
-#include "commonfunc/message.h"
-#include "commonfunc/path_name.h"
-
-#include <cerrno>
-#include <cstdlib>
+#include <algorithm>
 #include <cstring>
-#include <exception>
+#include <fcntl.h>
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 namespace
 {
 
-/// Writes the text and closes the file; false when either fails, with `errno` set.
-bool write_and_close(File file, const std::string& text)
-{
-    if (!file) {
-        return false;
-    }
-    const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
-    return std::fclose(file.release()) == 0 && written;
-}
+/// A regular file opened for reading.
+struct Opened {
+    int fd = -1;
+    std::size_t size = 0;
+    Reading reading = Reading::failed; ///< `done` when it is open
 
-Writing write_directly(const std::string& path, const std::string& text)
-{
-    File file = open_file(path, "we");
-    if (!file) {
-        return Writing::not_opened;
+    Opened() = default;
+    Opened(const Opened&) = delete;
+    Opened& operator=(const Opened&) = delete;
+    ~Opened()
+    {
+        if (fd >= 0) {
+            const int error = errno;
+            ::close(fd);
+            errno = error;
+        }
     }
-    return write_and_close(std::move(file), text) ? Writing::done : Writing::failed;
-}
+};
 
-/// Nothing is done when no file can be made beside.
-Writing write_beside_and_rename(const std::string& path, const std::string& text, mode_t mode)
-{
-    std::string beside = path.substr(0, path.rfind('/') + 1) + ".lltwrapper-XXXXXX";
-    const int fd = ::mkstemp(&beside[0]);
-    if (fd < 0) {
-        return Writing::not_opened;
-    }
-    ::fchmod(fd, mode); // some file systems have no modes
-    const bool done = write_and_close(File(::fdopen(fd, "w"), &std::fclose), text) &&
-                      std::rename(beside.c_str(), path.c_str()) == 0;
-    if (!done) {
-        const int error = errno;
-        ::unlink(beside.c_str());
-        errno = error;
-    }
-    return done ? Writing::done : Writing::failed;
-}
-
-} // namespace
-
-File open_file(const std::string& path, const char* mode)
+void open_for_reading(const std::string& path, Opened& file)
 {
     struct stat info = {};
-    if (::stat(path.c_str(), &info) == 0 && S_ISFIFO(info.st_mode)) {
-        errno = ESPIPE;
-        return {nullptr, &std::fclose};
+    if (::stat(path.c_str(), &info) != 0) {
+        const int error = errno;
+        const bool exists = ::access(path.c_str(), F_OK) == 0;
+        file.reading = exists ? Reading::not_opened : Reading::missing;
+        errno = error;
+        return;
     }
-    return {std::fopen(path.c_str(), mode), &std::fclose};
+    errno = S_ISDIR(info.st_mode) ? EISDIR : 0;
+    if (!S_ISREG(info.st_mode)) {
+        return; // a FIFO would block, a directory opens but cannot be read
+    }
+    file.fd = uninterrupted(
+        [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); });
+    if (file.fd < 0) {
+        file.reading = Reading::not_opened;
+    } else if (::fstat(file.fd, &info) == 0 && S_ISREG(info.st_mode)) {
+        errno = 0;
+        file.size = static_cast<std::size_t>(info.st_size);
+        file.reading = file.size > 0 ? Reading::done : Reading::empty;
+    }
 }
 
-bool write_all(int fd, const char* text, std::size_t size)
+/// False on an error, and, with `errno` 0, when the file ends before: it became shorter.
+bool read_exactly(int fd, char* out, std::size_t size)
 {
     for (std::size_t done = 0; done < size;) {
-        const ssize_t n = ::write(fd, text + done, size - done);
-        if (n < 0 && errno != EINTR) {
+        const ssize_t n = uninterrupted([&] { return ::read(fd, out + done, size - done); });
+        if (n <= 0) {
+            errno = n == 0 ? 0 : errno;
             return false;
         }
-        done += n > 0 ? static_cast<std::size_t>(n) : 0;
+        done += static_cast<std::size_t>(n);
     }
     return true;
 }
 
-mode_t process_umask()
+Reading take_pieces(const Opened& file, std::string& piece, const TakePiece& take)
 {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return mask;
+    for (std::size_t left = file.size; left > 0;) {
+        const std::size_t size = std::min(left, piece.size());
+        if (!read_exactly(file.fd, &piece[0], size)) {
+            return Reading::failed;
+        }
+        if (!take(piece.data(), size)) {
+            break;
+        }
+        left -= size;
+    }
+    return Reading::done;
 }
+
+} // namespace
 
 Reading read_whole_file(const std::string& path, std::string& content)
 {
     content.clear();
-    struct stat info = {};
-    if (::stat(path.c_str(), &info) != 0) {
-        return ::access(path.c_str(), F_OK) == 0 ? Reading::not_opened : Reading::missing;
-    }
-    if (!S_ISREG(info.st_mode)) {
-        return Reading::failed; // a FIFO would block, a directory opens but cannot be read
-    }
-    const File file = open_file(path, "rbe");
-    if (!file) {
-        return Reading::not_opened;
-    }
-    if (info.st_size <= 0) {
-        return Reading::empty;
+    Opened file;
+    open_for_reading(path, file);
+    if (file.reading != Reading::done) {
+        return file.reading;
     }
     try {
-        content.resize(static_cast<std::size_t>(info.st_size));
+        content.resize(file.size);
     } catch (const std::exception&) {
+        errno = ENOMEM;
         return Reading::no_memory;
     }
-    std::setvbuf(file.get(), nullptr, _IONBF, 0);
-    if (std::fread(&content[0], 1, content.size(), file.get()) != content.size()) {
+    if (!read_exactly(file.fd, &content[0], content.size())) {
         content.clear();
         return Reading::failed;
     }
     return Reading::done;
 }
 
-Writing replace_file(const std::string& path, const std::string& text)
+const char* why_not_read()
 {
-    struct stat info = {};
-    const bool exists = ::lstat(path.c_str(), &info) == 0;
-    const bool regular = ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
-    Writing result = Writing::not_opened;
-    if (!exists) {
-        result = write_beside_and_rename(path, text, 0666 & ~process_umask());
-    } else if (regular && ::access(path.c_str(), W_OK) == 0) {
-        result = write_beside_and_rename(absolute_path(path), text, info.st_mode & 07777);
+    return errno != 0 ? std::strerror(errno) : "it is no regular file, or became shorter meanwhile";
+}
+
+Reading read_in_pieces(const std::string& path, const TakePiece& take, std::size_t piece_size)
+{
+    Opened file;
+    open_for_reading(path, file);
+    if (file.reading != Reading::done) {
+        return file.reading;
     }
-    const bool only_beside_impossible = errno == EACCES || errno == EPERM || errno == EROFS;
-    if (result == Writing::not_opened && (!regular || only_beside_impossible)) {
-        result = write_directly(path, text);
+    try {
+        std::string piece(std::min(file.size, piece_size), '\0');
+        return take_pieces(file, piece, take);
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return Reading::no_memory;
     }
-    if (result != Writing::done) {
-        warn("cannot write '%s': %s; make room there or check its permissions", path.c_str(),
-             std::strerror(errno));
-    }
-    return result;
 }

@@ -47,21 +47,20 @@ bool is_same_file(const std::string& a, const std::string& b)
            first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
+constexpr std::size_t COPY_SIZE = 65536;
+
 bool copy_bytes(int from, int to)
 {
-    char buffer[65536];
-    for (ssize_t got = 0; (got = ::read(from, buffer, sizeof buffer)) != 0;) {
-        if (got < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return false;
+    std::string buffer(COPY_SIZE, '\0'); // a stack may be small
+    for (;;) {
+        const ssize_t got = uninterrupted([&] { return ::read(from, &buffer[0], buffer.size()); });
+        if (got <= 0) {
+            return got == 0;
         }
-        if (!write_all(to, buffer, static_cast<std::size_t>(got))) {
+        if (!write_all(to, buffer.data(), static_cast<std::size_t>(got))) {
             return false;
         }
     }
-    return true;
 }
 
 bool copy_file(const std::string& source, const std::string& destination, mode_t mode)
@@ -70,18 +69,24 @@ bool copy_file(const std::string& source, const std::string& destination, mode_t
         errno = EEXIST;
         return failed("copy to", destination);
     }
-    const int from = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
+    const int from = uninterrupted([&] { return ::open(source.c_str(), O_RDONLY | O_CLOEXEC); });
     if (from < 0) {
         return failed("read", source);
     }
     // An existing destination keeps its mode and identity; one that cannot be opened is replaced.
-    int to = ::open(destination.c_str(), O_WRONLY | O_TRUNC | O_CREAT | O_CLOEXEC, mode & 0777);
-    if (to < 0 && ::unlink(destination.c_str()) == 0) {
-        to = ::open(destination.c_str(), O_WRONLY | O_EXCL | O_CREAT | O_CLOEXEC, mode & 0777);
+    const auto open_copy = [&](int flag) {
+        const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | flag;
+        return uninterrupted([&] { return ::open(destination.c_str(), flags, mode & 0777); });
+    };
+    int to = open_copy(O_TRUNC);
+    if (to < 0) {
+        const int error = errno;
+        to = ::unlink(destination.c_str()) == 0 ? open_copy(O_EXCL) : -1;
+        errno = to < 0 ? error : errno;
     }
     bool done = to >= 0 && copy_bytes(from, to);
     ::close(from);
-    done = (to < 0 || ::close(to) == 0) && done;
+    done = (to < 0 || ::close(to) == 0 || errno == EINTR) && done;
     return done || failed("copy to", destination);
 }
 
@@ -110,9 +115,12 @@ bool copy_directory(const std::string& source, const std::string& destination,
              source.c_str());
         return false;
     }
-    const bool made = ::mkdir(destination.c_str(), (info.st_mode & 0777) | S_IRWXU) == 0;
+    const mode_t mode = (info.st_mode & 0777) | S_IRWXU;
+    const bool made = uninterrupted([&] { return ::mkdir(destination.c_str(), mode); }) == 0;
+    const int error = made ? 0 : errno;
     struct stat target = {};
     if (::lstat(destination.c_str(), &target) != 0 || !S_ISDIR(target.st_mode)) {
+        errno = error;
         return failed("create", destination);
     }
     filled.insert({target.st_dev, target.st_ino});

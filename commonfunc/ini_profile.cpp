@@ -9,6 +9,7 @@
 #include "commonfunc/text.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -28,18 +29,27 @@ struct IniText {
     bool opened = false;
     bool too_large = false;    ///< the file holds more than one buffer does
     bool rest_dropped = false; ///< something stands after a 0xFF or NUL
+    int error = 0;             ///< why it is not known though it is there
 };
+
+/// True for an error that says nothing about the file.
+bool is_passing(int error)
+{
+    return error == EMFILE || error == ENFILE || error == EIO || error == ENOMEM;
+}
 
 IniText load_text(const char* path)
 {
     IniText result;
     const File file = open_file(path, "re");
     if (!file) {
+        result.error = is_passing(errno) ? errno : 0;
         return result;
     }
     result.opened = true;
     result.text.resize(INI_BUFFER_SIZE);
     std::size_t length = std::fread(&result.text[0], 1, INI_BUFFER_SIZE, file.get());
+    result.error = std::ferror(file.get()) != 0 ? errno : 0;
     result.too_large = length == INI_BUFFER_SIZE;
     length -= result.too_large ? 1 : 0;
     result.text.resize(length);
@@ -215,6 +225,11 @@ int write_profile_string(const char* section, const char* key, const char* value
     if (loaded.too_large || text.size() >= INI_BUFFER_SIZE) {
         warn("'%s' is left as it is: key '%s' not set, a profile file holds at most %d bytes", path,
              key, INI_BUFFER_SIZE - 1);
+        return 0;
+    }
+    if (loaded.error != 0) {
+        warn("'%s' is left as it is: key '%s' not set, the file cannot be read: %s; build again",
+             path, key, std::strerror(loaded.error));
         return 0;
     }
     if (loaded.rest_dropped) {

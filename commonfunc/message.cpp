@@ -2,6 +2,7 @@
 // that the calling operation promises; everything else is a warning on standard error.
 #include "commonfunc/message.h"
 
+#include "commonfunc/descriptor.h"
 #include "commonfunc/env.h"
 
 #include <algorithm>
@@ -96,7 +97,8 @@ void warn(const char* format, ...)
         return;
     }
     text = std::string(warning_name) + ": " + text + "\n";
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
+    write_all(STDERR_FILENO, text.data(), text.size());
 }
 
 HeldMessages::HeldMessages()

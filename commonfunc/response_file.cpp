@@ -4,6 +4,7 @@
 #include "commonfunc/file_io.h"
 #include "commonfunc/message.h"
 
+#include <cerrno>
 #include <cstddef>
 
 namespace
@@ -52,25 +53,19 @@ std::vector<std::string> words_of(const std::string& text)
     return words;
 }
 
-/// Adds the word, or the words of the response file that it names; `files` counts those read.
-void add_word(const std::string& word, int& files, std::vector<std::string>& out)
+/// Reads the response file that the word names; false when it names none that can be read.
+bool read_response_file(const std::string& word, std::string& text)
 {
-    std::string text;
-    const Reading reading = word[0] == '@' && files < MAX_FILES
-                                ? read_whole_file(word.substr(1), text)
-                                : Reading::missing;
-    if (reading != Reading::done && reading != Reading::empty) {
-        out.push_back(word);
-        return;
+    if (word[0] != '@') {
+        return false;
     }
-    if (++files == MAX_FILES) {
-        warn(
-            "more than %d response files: what further ones name is not inspected; does '%s' name itself?",
-            MAX_FILES, word.c_str());
+    const Reading reading = read_whole_file(word.substr(1), text);
+    if (reading == Reading::not_opened || reading == Reading::no_memory ||
+        (reading == Reading::failed && errno != EISDIR)) {
+        warn("the response file '%s' is not read: %s; what it names is not inspected",
+             word.c_str() + 1, why_not_read());
     }
-    for (const std::string& inner : words_of(text.c_str())) { // a NUL ends it for the tools, too
-        add_word(inner, files, out);
-    }
+    return reading == Reading::done || reading == Reading::empty;
 }
 
 } // namespace
@@ -78,9 +73,23 @@ void add_word(const std::string& word, int& files, std::vector<std::string>& out
 std::vector<std::string> with_response_files(const std::vector<std::string>& words)
 {
     std::vector<std::string> out;
+    std::vector<std::string> ahead(words.rbegin(), words.rend()); // the next one last
     int files = 0;
-    for (const std::string& word : words) {
-        add_word(word, files, out);
+    while (!ahead.empty()) {
+        const std::string word = ahead.back();
+        ahead.pop_back();
+        std::string text;
+        if (files >= MAX_FILES || !read_response_file(word, text)) {
+            out.push_back(word);
+            continue;
+        }
+        if (++files == MAX_FILES) {
+            warn(
+                "more than %d response files: what further ones name is not inspected; does '%s' name itself?",
+                MAX_FILES, word.c_str());
+        }
+        const std::vector<std::string> inner = words_of(text.c_str()); // a NUL ends it for the tools, too
+        ahead.insert(ahead.end(), inner.rbegin(), inner.rend());
     }
     return out;
 }

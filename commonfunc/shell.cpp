@@ -1,5 +1,6 @@
 // One string goes in, one wait status comes out. `system` is given the string as it is; only a
-// string that the kernel would refuse as one argument takes the way through a file.
+// string that the kernel would refuse as one argument takes the way through a file, in memory where
+// /proc is mounted.
 #include "commonfunc/shell.h"
 
 #include "commonfunc/env.h"
@@ -11,7 +12,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <string>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace
@@ -20,40 +23,78 @@ namespace
 /// Linux passes at most 32 pages per argument, the NUL included (MAX_ARG_STRLEN, execve(2)).
 constexpr std::size_t MAX_ARGUMENT_LENGTH = 131071;
 
-/// Writes the command to a new private file in the directory; its path, empty on failure.
-std::string write_command_file(const std::string& directory, const std::string& command)
+/// A file of the command, for a shell to read.
+struct CommandFile {
+    int fd = -1;
+    std::string path; ///< for the shell; empty when there is no file
+    bool is_on_disk = false;
+
+    CommandFile() = default;
+    CommandFile(const CommandFile&) = delete;
+    CommandFile& operator=(const CommandFile&) = delete;
+    ~CommandFile()
+    {
+        if (is_on_disk) {
+            ::unlink(path.c_str());
+        }
+        if (fd >= 0) {
+            ::close(fd);
+        }
+    }
+};
+
+/// Takes the descriptor for the file when the whole command can be written to it.
+bool take_if_written(CommandFile& file, int fd, const std::string& path, const std::string& command)
+{
+    if (fd < 0) {
+        return false;
+    }
+    const bool written =
+        write_all(fd, command.data(), command.size()) && ::access(path.c_str(), R_OK) == 0;
+    if (written) {
+        file.fd = fd;
+        file.path = path;
+    } else {
+        ::close(fd);
+    }
+    return written;
+}
+
+/// A file in memory ends with the process, whatever ends it.
+void write_in_memory(CommandFile& file, const std::string& command)
+{
+    const int fd = ::memfd_create("lltwrapper-command", MFD_CLOEXEC);
+    take_if_written(file, fd, "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(fd),
+                    command);
+}
+
+void write_in_directory(CommandFile& file, const std::string& directory, const std::string& command)
 {
     std::string path = directory + "/lltwrapper-XXXXXX";
-    const int fd = ::mkstemp(&path[0]);
-    if (fd < 0) {
-        return "";
-    }
-    const bool written = write_all(fd, command.data(), command.size());
-    ::close(fd);
-    if (!written) {
+    const int fd = ::mkostemp(&path[0], O_CLOEXEC);
+    file.is_on_disk = take_if_written(file, fd, path, command);
+    if (fd >= 0 && !file.is_on_disk) {
         ::unlink(path.c_str());
     }
-    return written ? path : "";
 }
 
 int run_from_file(const std::string& command)
 {
-    std::string path;
-    if (env_is_filled("TMPDIR")) {
-        path = write_command_file(env_text("TMPDIR"), command);
+    CommandFile file;
+    write_in_memory(file, command);
+    if (file.path.empty() && env_is_filled("TMPDIR")) {
+        write_in_directory(file, env_text("TMPDIR"), command);
     }
-    if (path.empty()) {
-        path = write_command_file("/tmp", command);
+    if (file.path.empty()) {
+        write_in_directory(file, "/tmp", command);
     }
-    if (path.empty()) {
+    if (file.path.empty()) {
         warn(
             "cannot write the command of %zu bytes to a file in /tmp: %s; make room there or set TMPDIR",
             command.size(), std::strerror(errno));
         return -1;
     }
-    const int status = std::system(("exec /bin/sh " + shell_word(path)).c_str());
-    ::unlink(path.c_str());
-    return status;
+    return std::system(("exec /bin/sh " + shell_word(file.path)).c_str());
 }
 
 bool is_plain(char c)

@@ -9,8 +9,8 @@ enum class Flush { none, out, both };
 
 /// Runs the command once through `/bin/sh` and returns what `system` returns: the wait status, or
 /// -1 when no shell could be started. A command too long for one argument of the kernel (more
-/// than 131,071 bytes) is run by the same shell from a private temporary file; -1 (with a
-/// warning) when that file cannot be written.
+/// than 131,071 bytes) is run by the same shell from a file in memory, or, where /proc is missing,
+/// from a private temporary file; -1 (with a warning) when neither can be written.
 int run_shell(const std::string& command, Flush flush);
 
 /// `run_shell` with both streams flushed, for the short commands that the program composes itself

@@ -64,12 +64,14 @@ int TidyCoverageDB()
     std::FILE* merged = open_file(path, "w+be").release();
     if (merged == nullptr) {
         std::printf("Open file '%s' failed!\n", path.c_str());
+        warn_not_written(path);
         return 0;
     }
     _SOURCEFILE_TAB work;
     bool done = tidy_symbols(merged, work);
     if (std::fclose(merged) != 0) {
         std::printf("Error:Write insted info to '%s/db/.tab' failed!\n", g_lxprj->szCovDictPath);
+        warn_not_written(path);
         done = false;
     }
     release_table(work);

@@ -1,46 +1,137 @@
-// One file at a time is read whole, with one NUL after it, and freed before the next one.
+// A file is read in pieces, however large it is, and only what is found stays in memory.
 #include "lltld/object_scan.h"
 
 #include "commonfunc/file_io.h"
+#include "commonfunc/message.h"
 #include "contract/names.h"
 #include "lltld/inst_file_list.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 namespace
 {
 
-constexpr std::size_t ARRAY_PREFIX_LENGTH = sizeof ARRAY_PREFIX - 1;
-
-bool contains(const std::string& content, const char* pattern)
+/// The coverage symbols of an object whose bytes come in pieces.
+class SymbolCollector
 {
-    return QMRstrstr(content.c_str(), pattern, content.size()) != nullptr;
+public:
+    explicit SymbolCollector(ScannedObject& object) : object_(object) {}
+
+    void take(const char* piece, std::size_t size);
+
+private:
+    const char* take_name(const char* at, const char* end);
+    const char* take_rest(const char* at, const char* end);
+    void begin_symbol();
+
+    ScannedObject& object_;
+    PatternSearch search_{ARRAY_PREFIX};
+    bool in_run_ = false;  ///< after a symbol and before the next NUL
+    bool in_name_ = false; ///< in the name of the run's last symbol
+    const char* run_end_ =
+        nullptr; ///< where the run ends in this piece; null until it is looked for
+};
+
+/// The prefix has been found; what it begins may be in a run already.
+void SymbolCollector::begin_symbol()
+{
+    const std::size_t length = std::strlen(ARRAY_PREFIX);
+    if (!in_run_) {
+        object_.runs.emplace_back(ARRAY_PREFIX);
+    }
+    in_run_ = in_name_ = true;
+    object_.symbols.push_back({object_.runs.size() - 1, object_.runs.back().size() - length, {}});
 }
 
-void collect_symbols(const std::string& content, ScannedObject& object)
+/// Takes bytes of a name; the byte after them.
+const char* SymbolCollector::take_name(const char* at, const char* end)
 {
-    const char* at = content.c_str();
-    const char* const end = at + content.size();
-    const char* run = nullptr;
-    const char* run_end = nullptr;
-    while ((at = QMRstrstr(at, ARRAY_PREFIX, static_cast<unsigned long>(end - at))) != nullptr) {
-        if (run == nullptr || at >= run_end) {
-            run = at;
-            object.runs.emplace_back(run);
-            run_end = run + object.runs.back().size();
+    const char* const stop = std::find_if(at, end, [](char c) { return c == ' ' || c == '\0'; });
+    object_.symbols.back().name.append(at, stop);
+    object_.runs.back().append(at, stop);
+    // The blank or NUL begins no match and is looked at next.
+    in_name_ = stop == end;
+    return stop;
+}
+
+/// Takes bytes of a run after a name, up to its NUL or the next symbol in it.
+const char* SymbolCollector::take_rest(const char* at, const char* end)
+{
+    run_end_ = run_end_ != nullptr ? run_end_ : std::find(at, end, '\0');
+    const char* const next = search_.find(at, run_end_);
+    object_.runs.back().append(at, next != nullptr ? next : run_end_);
+    if (next != nullptr) {
+        begin_symbol();
+        return next;
+    }
+    const char* const stop = run_end_;
+    if (stop != end) {
+        search_ = PatternSearch(ARRAY_PREFIX); // a match that has begun ends here, too
+        in_run_ = false;
+        run_end_ = nullptr;
+    }
+    return stop;
+}
+
+void SymbolCollector::take(const char* piece, std::size_t size)
+{
+    const char* const end = piece + size;
+    run_end_ = nullptr;
+    for (const char* at = piece; at != end;) {
+        if (in_name_) {
+            at = take_name(at, end);
+        } else if (in_run_) {
+            at = take_rest(at, end);
+        } else if (const char* const name = search_.find(at, end)) {
+            begin_symbol();
+            at = name;
+        } else {
+            return;
         }
-        const char* name = at + ARRAY_PREFIX_LENGTH;
-        const std::size_t length = std::strcspn(name, " ");
-        object.symbols.push_back(
-            {object.runs.size() - 1, static_cast<std::size_t>(at - run), {name, length}});
-        // From the end of the name on: the blank or NUL there begins no match, and after the
-        // last NUL there is nothing to read.
-        at = name + length;
+    }
+}
+
+/// Tells of a file that exists and was not read. A directory is no member.
+void warn_if_not_read(const std::string& path, Reading reading)
+{
+    const int error = errno;
+    const bool is_absent =
+        error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == ELOOP;
+    const bool is_silent = reading == Reading::done || reading == Reading::empty ||
+                           (reading == Reading::missing && is_absent) ||
+                           (reading == Reading::failed && error == EISDIR);
+    if (!is_silent) {
+        warn(
+            "'%s' is not inspected: %s; if it is instrumented, its counters will be undefined: mend that and archive again",
+            path.c_str(), why_not_read());
     }
 }
 
 } // namespace
+
+const char* PatternSearch::find(const char* at, const char* end)
+{
+    while (at < end) {
+        if (matched_ == 0) {
+            at = static_cast<const char*>(
+                std::memchr(at, *pattern_, static_cast<std::size_t>(end - at)));
+            if (at == nullptr) {
+                return nullptr;
+            }
+        }
+        // Kept: a mismatching byte is used up, although it may begin a match itself.
+        matched_ = *at == pattern_[matched_] ? matched_ + 1 : 0;
+        ++at;
+        if (pattern_[matched_] == '\0') {
+            matched_ = 0;
+            return at;
+        }
+    }
+    return nullptr;
+}
 
 const char* QMRstrstr(const char* data, const char* pattern, unsigned long len)
 {
@@ -50,25 +141,13 @@ const char* QMRstrstr(const char* data, const char* pattern, unsigned long len)
     if (*pattern == '\0') {
         return data;
     }
-    const char* const end = data + len;
-    const char* attempt = data;
-    while (attempt < end) {
-        attempt = static_cast<const char*>(
-            std::memchr(attempt, *pattern, static_cast<std::size_t>(end - attempt)));
-        if (attempt == nullptr) {
-            return nullptr;
-        }
-        std::size_t matched = 1;
-        while (pattern[matched] != '\0' && attempt[matched] == pattern[matched]) {
-            ++matched;
-        }
-        if (pattern[matched] == '\0') {
-            return attempt;
-        }
-        // Kept: after the mismatching byte, which may have begun a match itself.
-        attempt += matched + 1;
+    PatternSearch search(pattern);
+    const char* at = data + len;
+    const char* end = search.find(data, at);
+    for (; end == nullptr && search.is_begun(); ++at) {
+        end = search.find(at, at + 1);
     }
-    return nullptr;
+    return end != nullptr ? end - std::strlen(pattern) : nullptr;
 }
 
 int FindSymbolInObjFileEx(int* found, const char* path, const char* pattern)
@@ -76,15 +155,21 @@ int FindSymbolInObjFileEx(int* found, const char* path, const char* pattern)
     if (found == nullptr || path == nullptr) {
         return 0;
     }
-    std::string content;
-    const Reading reading = read_whole_file(path, content);
+    PatternSearch search(pattern);
+    bool is_found = *pattern == '\0';
+    const auto take = [&](const char* piece, std::size_t size) {
+        is_found = is_found || search.find(piece, piece + size) != nullptr;
+        return !is_found;
+    };
+    const Reading reading = read_in_pieces(path, take);
+    warn_if_not_read(path, reading);
     if (reading == Reading::missing) {
         std::printf("File Path '%s' doesn't exist!\n", path);
     }
     if (reading != Reading::done) {
         return 0;
     }
-    *found = contains(content, pattern) ? 1 : 0;
+    *found = is_found ? 1 : 0;
     return 1;
 }
 
@@ -93,8 +178,15 @@ int FindSymbolInObjFile(const char* path)
     if (path == nullptr) {
         return 0;
     }
-    std::string content;
-    switch (read_whole_file(path, content)) {
+    ScannedObject object;
+    object.path = path;
+    SymbolCollector collector(object);
+    const Reading reading = read_in_pieces(path, [&](const char* piece, std::size_t size) {
+        collector.take(piece, size);
+        return true;
+    });
+    warn_if_not_read(path, reading);
+    switch (reading) {
     case Reading::missing:
         std::printf("File Path '%s' doesn't exist!\n", path);
         return 0;
@@ -113,26 +205,28 @@ int FindSymbolInObjFile(const char* path)
     case Reading::done:
         break;
     }
-    ScannedObject object;
-    object.path = path;
-    collect_symbols(content, object);
     InstNameRecorder names;
     return register_symbols(object, names);
 }
 
-bool scan_object(const std::string& path, ScannedObject& object)
+bool scan_object(const std::string& path, ScannedObject& object, std::size_t piece_size)
 {
-    std::string content;
-    if (read_whole_file(path, content) != Reading::done) {
-        return false;
-    }
     object = ScannedObject();
     object.path = path;
-    object.has_test_loader = contains(content, TEST_LOADER_PREFIX);
-    if (!object.has_test_loader) {
-        collect_symbols(content, object);
+    SymbolCollector collector(object);
+    PatternSearch loader(TEST_LOADER_PREFIX);
+    const auto take = [&](const char* piece, std::size_t size) {
+        object.has_test_loader = loader.find(piece, piece + size) != nullptr;
+        collector.take(piece, size);
+        return !object.has_test_loader;
+    };
+    const Reading reading = read_in_pieces(path, take, piece_size);
+    warn_if_not_read(path, reading);
+    if (object.has_test_loader || reading != Reading::done) {
+        object.symbols.clear();
+        object.runs.clear();
     }
-    return true;
+    return reading == Reading::done;
 }
 
 int register_symbols(const ScannedObject& object, InstNameRecorder& names)

@@ -8,9 +8,28 @@
 
 class InstNameRecorder;
 
-/// Searches `data` for the NUL-terminated pattern; the match, or null. After a mismatch the search
-/// goes on after the mismatching byte, so a match that overlaps a partly matched prefix is not
-/// found (aab in aaab). Attempts start at offsets below `len` only; one may read beyond it, which
+/// A search through data that comes in pieces. After a mismatch it goes on after the mismatching
+/// byte, so a match that overlaps a partly matched prefix is not found (aab in aaab).
+class PatternSearch
+{
+public:
+    /// The pattern is not empty, and is not copied.
+    explicit PatternSearch(const char* pattern) : pattern_(pattern) {}
+
+    /// Goes on with the bytes from `at` to `end`: the byte after the match, or null. After a match
+    /// the search begins anew.
+    const char* find(const char* at, const char* end);
+
+    /// True when the bytes so far end in the beginning of a match.
+    bool is_begun() const { return matched_ > 0; }
+
+private:
+    const char* pattern_;
+    std::size_t matched_ = 0;
+};
+
+/// Searches `data` for the NUL-terminated pattern by a `PatternSearch`; the match, or null.
+/// Attempts start at offsets below `len` only; one may read beyond it, which
 /// a NUL after the data makes safe. An empty pattern matches when `len` is at least 1.
 const char* QMRstrstr(const char* data, const char* pattern, unsigned long len);
 
@@ -39,8 +58,9 @@ struct ScannedObject {
     std::vector<CoverageSymbol> symbols; ///< its coverage symbols in file order
 };
 
-/// Reads the file once. False when it cannot be read, is empty, or is no regular file.
-bool scan_object(const std::string& path, ScannedObject& object);
+/// Reads the file once, in pieces of that size. False when it is empty, is a directory, does not
+/// exist, or, after a warning, when it cannot be read.
+bool scan_object(const std::string& path, ScannedObject& object, std::size_t piece_size = 65536);
 
 /// What `FindSymbolInObjFile` does with an object that has been read.
 int register_symbols(const ScannedObject& object, InstNameRecorder& names);

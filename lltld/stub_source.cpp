@@ -24,9 +24,10 @@
 #include "lltld/stub_compile.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 
 int g_noLinkCodemeasure = 0;
@@ -165,25 +166,33 @@ std::string read_gcc_option(const char* key, const char* path)
     return value;
 }
 
+/// Completes the merged table and writes the arrays into the stub.
+bool write_arrays_and_table(const _SOURCEFILE_TAB& table, std::FILE* stub)
+{
+    char* bytes = nullptr;
+    std::size_t size = 0;
+    File tab(::open_memstream(&bytes, &size), &std::fclose);
+    const bool done = tab && LD_UpDateCovDbTab(table, stub, tab.get()) > 0;
+    tab.reset();
+    const std::unique_ptr<char, void (*)(void*)> owner(bytes, &std::free);
+    // Kept: what is complete is written, also when a source has no table of its own.
+    return bytes != nullptr && replace_file(merged_tab_path(), {bytes, size}) == Writing::done &&
+           done;
+}
+
 /// Writes stub and table; true when the stub is complete and can be compiled.
 bool write_stub(const _SOURCEFILE_TAB& table, std::FILE* stub)
 {
-    const std::string path = merged_tab_path();
-    File tab = open_file(path, "wbe");
-    if (!tab) {
-        std::printf("File \"%s\" open failed!\n", path.c_str());
-        return false;
-    }
     Caddis_CovInitCodeFile_Func_Declare(stub);
     Caddis_LD_CovTypeIsCustom();
-    if (LD_UpDateCovDbTab(table, stub, tab.get()) < 1) {
+    if (!write_arrays_and_table(table, stub) || LD_LinuxCompileCovInitCodeFile(table, stub) <= 0) {
         return false;
     }
-    if (std::fclose(tab.release()) != 0) {
-        warn("cannot write '%s': %s; the stub is not compiled", path.c_str(), std::strerror(errno));
+    if (std::fflush(stub) != 0) {
+        warn_not_written(stub_source_path());
         return false;
     }
-    return LD_LinuxCompileCovInitCodeFile(table, stub) > 0;
+    return true;
 }
 
 } // namespace
@@ -201,6 +210,7 @@ int Caddis_Coverage_CreateCovInitCodeFile()
         written = write_stub(table, stub.get());
     } else {
         std::puts("Can't create interface file \"__code_measure_stub_lib.c\"!");
+        warn_not_written(stub_source_path());
     }
     release_table(table);
     stub.reset(); // the compiler reads it now

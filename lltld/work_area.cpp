@@ -5,6 +5,7 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_ops.h"
+#include "commonfunc/file_replace.h"
 #include "commonfunc/file_tree.h"
 #include "commonfunc/ini_profile.h"
 #include "commonfunc/message.h"
@@ -16,6 +17,7 @@
 #include "lltld/prj_settings.h"
 #include "lltld/work_area_lock.h"
 
+#include <cerrno>
 #include <cstddef>
 
 namespace
@@ -23,6 +25,18 @@ namespace
 
 /// Bytes of the path of db that are used.
 constexpr std::size_t DB_DIR_LENGTH = 319;
+
+/// Tells of a database that another user's step left: it would stay beside the new ones.
+void warn_if_left(const std::string& db)
+{
+    for (const std::string& name : names_in(db)) {
+        if (begins_with(name, "db")) {
+            errno = EACCES;
+            warn_not_written(db + "/" + name);
+            return;
+        }
+    }
+}
 
 void clear_numbered_databases()
 {
@@ -33,6 +47,7 @@ void clear_numbered_databases()
     if (run_helper("rm -rf " + shell_word(db) + "/db*") != 0) {
         // More names than one command line holds keep `rm` from starting.
         remove_entries(db, "db");
+        warn_if_left(db);
     }
 }
 

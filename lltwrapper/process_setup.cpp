@@ -2,8 +2,12 @@
 // make a file of the project receive messages, nor lose the status of the wrapped command.
 #include "lltwrapper/process_setup.h"
 
+#include "commonfunc/descriptor.h"
+
 #include <csignal>
+#include <cstdio>
 #include <fcntl.h>
+#include <initializer_list>
 #include <unistd.h>
 
 namespace
@@ -22,11 +26,18 @@ void prepare_process()
     if (fd > STDERR_FILENO) {
         ::close(fd);
     }
+    // The C library's own stream drops what it holds when a signal interrupts its writing.
+    if (std::FILE* const output = open_descriptor(STDOUT_FILENO, "w").release()) {
+        std::setvbuf(output, nullptr, ::isatty(STDOUT_FILENO) != 0 ? _IOLBF : _IOFBF, BUFSIZ);
+        stdout = output;
+    }
     // An ignored SIGCHLD makes `system` lose every status.
     std::signal(SIGCHLD, SIG_DFL);
-    // A handler, unlike SIG_IGN, is not passed on to the tools. Where the parent ignores SIGPIPE,
-    // it stays ignored.
-    if (std::signal(SIGPIPE, ignore_signal) == SIG_IGN) {
-        std::signal(SIGPIPE, SIG_IGN);
+    // A handler, unlike SIG_IGN, is not passed on to the tools. Where the parent ignores the
+    // signal, it stays ignored.
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        if (std::signal(signal, ignore_signal) == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
     }
 }

@@ -158,17 +158,25 @@ void Splitter::take_expansion()
         take_group(1, '`', '`');
         return;
     }
-    const char next = at_ + 1 < in_.size() ? in_[at_ + 1] : '\0';
+    std::size_t after = at_ + 1;
+    while (in_.compare(after, 2, "\\\n") == 0) {
+        after += 2; // a line is continued before the name
+    }
+    const char next = after < in_.size() ? in_[after] : '\0';
     const bool is_name = std::isalnum(static_cast<unsigned char>(next)) != 0 || next == '_';
-    if (next == '(' || next == '{') {
-        mark_live('$');
-        take_group(2, next, next == '(' ? ')' : '}');
-    } else if (is_name || (next != '\0' && is_one_of(next, "@*#?$!-"))) {
-        mark_live('$');
-        add(in_[at_++]);
-        add(in_[at_++]);
+    const bool is_group = next == '(' || next == '{';
+    const bool is_special = next != '\0' && is_one_of(next, "@*#?$!-");
+    add('$'); // alone it stands for itself
+    ++at_;
+    if (!is_group && !is_name && !is_special) {
+        return;
+    }
+    mark_live('$');
+    at_ = after;
+    if (is_group) {
+        take_group(1, next, next == '(' ? ')' : '}');
     } else {
-        add(in_[at_++]); // a "$" that begins nothing stands for itself
+        add(in_[at_++]);
     }
 }
 

@@ -88,19 +88,21 @@ TEST_F(TestDir, WordsAreThoseThatTheShellHandsOn)
 
 TEST(Words, WhatTheShellActsUponIsLive)
 {
-    const std::string rows[][2] = {{"a$X$Y ${a b} `e f`", "[a$X$Y]$[${a b}]$[`e f`]`"},
-                                   {"\"$X `c d`\" $? $(a (b) c)", "[$X `c d`]$`[$?]$[$(a (b) c)]$"},
-                                   {"${a:-\\}} b", "[${a:-\\}}]$[b]"},
-                                   {"*.o a?[b] ~/a", "[*.o]*[a?[b]]?[[~/a]~"},
-                                   {"a;b&&c >d|(e)", "[a][;];[b][&&]&[c][>]>[d][|(]|([e][)])"},
-                                   {"a\nb\x01", "[a][\\n]\\n[b\\x01]"},
-                                   {"a #b 'c\nd", "[a][#b 'c]#[\\n]\\n[d]"},
-                                   {"a{b,c} {1..2} {3 4,}", "[a{b,c}]{[{1..2}]{[{3][4,}]"},
-                                   {"a 'b", "[a][b] open '"},
-                                   {"\"b\\", "[b\\] open \""},
-                                   {"$(a", "[$(a]$ open ("},
-                                   {"`a", "[`a]` open `"},
-                                   {"a\\", "[a\\]"}};
+    const std::string rows[][2] = {
+        {"a$X$Y ${a b} `e f`", "[a$X$Y]$[${a b}]$[`e f`]`"},
+        {"\"$X `c d`\" $? $(a (b) c)", "[$X `c d`]$`[$?]$[$(a (b) c)]$"},
+        {"${a:-\\}} b", "[${a:-\\}}]$[b]"},
+        {"*.o a?[b] ~/a", "[*.o]*[a?[b]]?[[~/a]~"},
+        {"a;b&&c >d|(e)", "[a][;];[b][&&]&[c][>]>[d][|(]|([e][)])"},
+        {"a$\\\nX \"$\\\n\\\n{Y}\" $\\\n(z) $\\\n", "[a$X]$[${Y}]$[$(z)]$[$]"},
+        {"a\nb\x01", "[a][\\n]\\n[b\\x01]"},
+        {"a #b 'c\nd", "[a][#b 'c]#[\\n]\\n[d]"},
+        {"a{b,c} {1..2} {3 4,}", "[a{b,c}]{[{1..2}]{[{3][4,}]"},
+        {"a 'b", "[a][b] open '"},
+        {"\"b\\", "[b\\] open \""},
+        {"$(a", "[$(a]$ open ("},
+        {"`a", "[`a]` open `"},
+        {"a\\", "[a\\]"}};
     for (const auto& [command, expected] : rows) {
         EXPECT_EQ(split(command), expected);
     }

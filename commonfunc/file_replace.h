@@ -1,0 +1,18 @@
+// Files that take the place of older ones.
+#pragma once
+
+#include <string>
+
+/// How the replacement of a file ended.
+enum class Writing { done, not_opened, failed };
+
+/// Replaces the content of the file by `text` such that at any instant the old or the new content
+/// is there: a file of a fixed name is written beside and renamed. An existing file keeps its mode,
+/// and its owner where the process may give it that; a line tells where it may not. Where a file
+/// beside is impossible, because none can be made or the path is no regular file, the file itself
+/// is opened and written. `warn_not_written` tells of anything but `done`; the old content stays
+/// unless that writing failed.
+Writing replace_file(const std::string& path, const std::string& text);
+
+/// Tells on standard error why, by `errno`, the file cannot be written, and what to do.
+void warn_not_written(const std::string& path);
