@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <fcntl.h>
 #include <new>
 #include <sys/stat.h>

@@ -4,6 +4,7 @@
 #include "commonfunc/descriptor.h"   // IWYU pragma: export
 #include "commonfunc/file_replace.h" // IWYU pragma: export
 
+#include <cstddef>
 #include <functional>
 #include <string>
 

@@ -12,7 +12,6 @@
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/ini_profile.h"
-#include "commonfunc/message.h"
 #include "commonfunc/text.h"
 #include "contract/names.h"
 #include "lltld/agent_config.h"
