@@ -25,7 +25,7 @@ namespace
 
 bool failed(const char* what, const std::string& path)
 {
-    warn("cannot %s '%s': %s; the copy is incomplete, mend that and run the step again", what,
+    warn("cannot %s '%s': %s; the step is incomplete, mend that and run it again", what,
          path.c_str(), std::strerror(errno));
     return false;
 }
@@ -154,16 +154,36 @@ bool copy_entry(const std::string& source, const std::string& destination, Fille
            failed("create", destination);
 }
 
+void tell_unless_gone(int result, const std::string& path)
+{
+    if (result != 0 && errno != ENOENT) {
+        failed("remove", path);
+    }
+}
+
 } // namespace
 
 std::vector<std::string> names_in(const std::string& directory)
 {
     std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(directory.c_str()), &::closedir);
+    const int fd = uninterrupted(
+        [&] { return ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(fd < 0 ? nullptr : ::fdopendir(fd),
+                                                     &::closedir);
+    if (fd >= 0 && !stream) {
+        ::close(fd);
+        errno = ENOMEM;
+    }
+    errno = stream ? 0 : errno;
     while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
         if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
             names.emplace_back(entry->d_name);
         }
+        errno = 0;
+    }
+    if (errno != 0 && errno != ENOENT && errno != ENOTDIR) {
+        warn("the directory '%s' is not read: %s; what it holds is passed by", directory.c_str(),
+             std::strerror(errno));
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -177,13 +197,15 @@ void remove_tree(const std::string& path)
         return;
     }
     if (!S_ISDIR(info.st_mode)) {
-        ::unlink(path.c_str());
+        tell_unless_gone(::unlink(path.c_str()), path);
         return;
     }
     for (const std::string& name : names_in(path)) {
         remove_tree(path + "/" + name);
     }
-    ::rmdir(path.c_str());
+    // A directory that still holds something was told of by what it holds.
+    const int result = ::rmdir(path.c_str());
+    tell_unless_gone(errno == ENOTEMPTY ? 0 : result, path);
 }
 
 void remove_entries(const std::string& directory, const std::string& start)

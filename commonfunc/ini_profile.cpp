@@ -32,10 +32,20 @@ struct IniText {
     int error = 0;             ///< why it is not known though it is there
 };
 
-/// True for an error that says nothing about the file.
-bool is_passing(int error)
+/// True when there is such a file, but not what it holds: a text that is written then would lack
+/// it.
+bool is_unknown(const IniText& loaded)
 {
-    return error == EMFILE || error == ENFILE || error == EIO || error == ENOMEM;
+    return loaded.error == EMFILE || loaded.error == ENFILE || loaded.error == EIO ||
+           loaded.error == ENOMEM;
+}
+
+void tell_if_unread(const IniText& loaded, const char* path)
+{
+    if (loaded.error != 0) {
+        warn("'%s' cannot be read: %s; the step goes on without it, mend that and build again",
+             path, std::strerror(loaded.error));
+    }
 }
 
 IniText load_text(const char* path)
@@ -43,13 +53,15 @@ IniText load_text(const char* path)
     IniText result;
     const File file = open_file(path, "re");
     if (!file) {
-        result.error = is_passing(errno) ? errno : 0;
+        result.error = errno == ENOENT || errno == ENOTDIR ? 0 : errno;
+        tell_if_unread(result, path);
         return result;
     }
     result.opened = true;
     result.text.resize(INI_BUFFER_SIZE);
     std::size_t length = std::fread(&result.text[0], 1, INI_BUFFER_SIZE, file.get());
     result.error = std::ferror(file.get()) != 0 ? errno : 0;
+    tell_if_unread(result, path);
     result.too_large = length == INI_BUFFER_SIZE;
     length -= result.too_large ? 1 : 0;
     result.text.resize(length);
@@ -227,9 +239,7 @@ int write_profile_string(const char* section, const char* key, const char* value
              key, INI_BUFFER_SIZE - 1);
         return 0;
     }
-    if (loaded.error != 0) {
-        warn("'%s' is left as it is: key '%s' not set, the file cannot be read: %s; build again",
-             path, key, std::strerror(loaded.error));
+    if (is_unknown(loaded)) {
         return 0;
     }
     if (loaded.rest_dropped) {

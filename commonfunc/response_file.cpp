@@ -88,7 +88,8 @@ std::vector<std::string> with_response_files(const std::vector<std::string>& wor
                 "more than %d response files: what further ones name is not inspected; does '%s' name itself?",
                 MAX_FILES, word.c_str());
         }
-        const std::vector<std::string> inner = words_of(text.c_str()); // a NUL ends it for the tools, too
+        const std::vector<std::string> inner =
+            words_of(text.c_str()); // a NUL ends it for the tools, too
         ahead.insert(ahead.end(), inner.rbegin(), inner.rend());
     }
     return out;

@@ -6,7 +6,9 @@
 //      520   260  coverage symbol, likewise
 #include "lltld/tuple_db.h"
 
+#include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_io.h"
+#include "commonfunc/message.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -28,9 +30,15 @@ int ReadOldInstInfoFromDb(const char* path, std::vector<_STInstInfo>& out)
         return 0;
     case Reading::no_memory:
     case Reading::failed:
+        warn("'%s' is not read: %s; data of superseded sources stay in '%s'", path, why_not_read(),
+             g_lxprj->szLLTTEMP);
         return 0;
     case Reading::done:
         break;
+    }
+    if (content.size() % sizeof(_STInstInfo) != 0) {
+        warn("'%s' is cut after %zu bytes; data of superseded sources may stay in '%s'", path,
+             content.size(), g_lxprj->szLLTTEMP);
     }
     const std::size_t before = out.size();
     try {

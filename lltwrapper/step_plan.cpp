@@ -106,5 +106,7 @@ void checkstate(int argc, char** argv)
         }
         // Kept: the archive sequence then runs on what there is.
         say("[lltwrapper]:Allocate memory failed!\n");
+        warn("'%s' gets no coverage: out of memory while its members were read; run the step again",
+             arname.c_str());
     }
 }

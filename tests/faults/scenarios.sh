@@ -74,11 +74,14 @@ begin() {
     cd .. && rm -rf p && cp -a start p && cd p || exit
 }
 
+# A key that could not be written once stands in another place of .prj later.
+in_order() { if [[ $file = */.prj ]]; then sort; else cat; fi; }
+
 # tree: a line for each file, but for the moment of the build
 tree() {
     find . -printf '%y %m %p %l\n' | sort
     find . -type f | sort | while IFS= read -r file; do
-        echo "$file $(sed -E 's/Q[0-9]{10}/BUID/g; s/^(EndTime_Caddis=).*/\1/' "$file" | cksum)"
+        echo "$file $(sed -E 's/Q[0-9]{10}/BUID/g; s/^(EndTime_Caddis=).*/\1/' "$file" | in_order | cksum)"
     done
 }
 
@@ -93,12 +96,17 @@ disturbed() {
     status=$(cat ../status)
 }
 
-# recovers WHAT: a step after it leaves what an undisturbed one leaves. Two runs of a program leave
-# other counts than one does.
+# without_superseded FILE: a tree without the data of the m1.c that was changed
+without_superseded() {
+    if [[ $scenario = again* ]]; then grep -v 'LLTTEMP/.*m1_c_' "$1"; else cat "$1"; fi
+}
+
+# recovers WHAT [FILTER]: a step after it leaves what an undisturbed one leaves. Two runs of a program
+# leave other counts than one does.
 recovers() {
     "${step[@]}" >../log 2>&1
     local left=undisturbed
     tree >../left
     [ "$scenario" != dump ] || ! cmp -s ../left ../twice || left=twice
-    expect "$1" "$(cat ../$left)" "$(cat ../left)"
+    expect "$1" "$("${2:-cat}" ../$left)" "$("${2:-cat}" ../left)"
 }

@@ -7,6 +7,7 @@
 #include "commonfunc/text.h"
 #include "contract/names.h"
 #include "contract/places.h"
+#include "toolset/linkdriver/link_file.h"
 
 #include <algorithm>
 #include <cstring>
@@ -83,7 +84,7 @@ ArchiveCoverage read_archive(const std::string& path)
     ArchiveCoverage coverage;
     coverage.unregistered.path = absolute_path(path);
     std::string content;
-    if (read_whole_file(path, content) != Reading::done) {
+    if (!read_input(path, content)) {
         return coverage;
     }
     const ArchiveFile archive = read_archive_file(content);
@@ -106,8 +107,7 @@ void for_each_member(const std::string& path, const ArchiveFile& archive,
         std::string outside;
         if (archive.is_thin) {
             const std::string name(member.name);
-            read_whole_file(name[0] == '/' ? name : path.substr(0, path.rfind('/') + 1) + name,
-                            outside);
+            read_input(name[0] == '/' ? name : path.substr(0, path.rfind('/') + 1) + name, outside);
         }
         look_at(archive.is_thin ? outside : member.content);
     }

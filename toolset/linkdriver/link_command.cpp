@@ -3,7 +3,6 @@
 #include "toolset/linkdriver/link_command.h"
 
 #include "commonfunc/env.h"
-#include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/response_file.h"
@@ -212,7 +211,7 @@ private:
             link_.archives.push_back(input);
             return true;
         case FileKind::text:
-            read_whole_file(input.path, text);
+            read_input(input.path, text);
             for (const std::string& word : inputs_of_script(text)) {
                 const bool is_path = !begins_with(word, "-l");
                 wanted_.push_back(

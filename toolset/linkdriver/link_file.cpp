@@ -3,6 +3,9 @@
 // with Files" in the manual of GNU ld.
 #include "toolset/linkdriver/link_file.h"
 
+#include "commonfunc/file_io.h"
+#include "toolset/common/process.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -62,6 +65,16 @@ FileKind kind_of(const std::string& path)
         return type == 1 ? FileKind::object : FileKind::image;
     }
     return begins_with("BC\xC0\xDE", 4) ? FileKind::object : FileKind::text;
+}
+
+bool read_input(const std::string& path, std::string& content)
+{
+    const Reading reading = read_whole_file(path, content);
+    if (reading != Reading::done && reading != Reading::empty && reading != Reading::missing) {
+        notice("'%s' is not read: %s; its coverage may be missing, link again", path.c_str(),
+               why_not_read());
+    }
+    return reading == Reading::done;
 }
 
 std::string find_library(const std::string& name, bool is_static,

@@ -16,6 +16,9 @@ enum class FileKind {
 /// The kind of the file, which is opened for that.
 FileKind kind_of(const std::string& path);
 
+/// Reads a file of the link whole; when that fails, a notice says so, and the text is empty.
+bool read_input(const std::string& path, std::string& content);
+
 /// The file that "-lNAME" means: in the first of the directories that has one, libNAME.so unless
 /// the link is static, else libNAME.a; for ":FILE" that file. Empty when it is in none of them.
 std::string find_library(const std::string& name, bool is_static,

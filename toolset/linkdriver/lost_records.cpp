@@ -2,7 +2,6 @@
 #include "toolset/linkdriver/lost_records.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "contract/linked_libraries.h"
 #include "contract/places.h"
@@ -13,6 +12,7 @@
 #include "toolset/common/process.h"
 #include "toolset/common/records.h"
 #include "toolset/linkdriver/archive_coverage.h"
+#include "toolset/linkdriver/link_file.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -70,12 +70,12 @@ void restore(const LinkCommand& link, const std::set<std::string>& lost)
 {
     std::string content;
     for (const LinkInput& input : link.objects) {
-        if (read_whole_file(input.path, content) == Reading::done) {
+        if (read_input(input.path, content)) {
             restore_from(content, lost);
         }
     }
     for (const LinkInput& input : link.archives) {
-        if (read_whole_file(input.path, content) == Reading::done) {
+        if (read_input(input.path, content)) {
             for_each_member(input.path, read_archive_file(content), [&](std::string_view member) {
                 restore_from(std::string(member), lost);
             });

@@ -36,6 +36,9 @@ namespace
 
 /// Work areas of one name that are looked at.
 constexpr int MAX_AREAS = 1000;
+
+/// The file without suffix that defines arrays for a link without coverage, in obj/ of a work area.
+constexpr char PLAIN_ARRAYS[] = "plain_arrays";
 /// Bytes of a module name that are used.
 constexpr std::size_t NAME_LENGTH = 200;
 
@@ -162,6 +165,7 @@ void record_libraries(const std::vector<LinkedLibrary>& libraries)
 std::string make_stub(const std::vector<ScannedObject>& objects)
 {
     empty_work_area();
+    remove_entries(std::string(g_lxprj->szCovDictPath) + "/obj", PLAIN_ARRAYS);
     if (register_scanned_objects(objects) == 0 || !update_tuple_database() ||
         TidyCoverageDB() == 0 || !adapt_compile_command()) {
         return "";
@@ -190,7 +194,7 @@ std::string make_plain_object(const std::vector<ScannedObject>& objects,
             }
         }
     }
-    const std::string path = std::string(g_lxprj->szCovDictPath) + "/obj/plain_arrays";
+    const std::string path = std::string(g_lxprj->szCovDictPath) + "/obj/" + PLAIN_ARRAYS;
     if (replace_file(path + ".c", source) != Writing::done) {
         return "";
     }

@@ -1,8 +1,7 @@
 // Everything is weak and hidden: a program or library that has a definition of its own keeps it.
 // No header is included, for the text is compiled with the options of a project's own sources.
 #include "toolset/linkdriver/plain_functions.h"
-
-#include "commonfunc/file_io.h"
+#include "toolset/linkdriver/link_file.h"
 
 #include <set>
 #include <vector>
@@ -60,7 +59,7 @@ constexpr Replaced REPLACED[] = {
 void find_replaced(const std::string& path, std::set<const Replaced*>& found)
 {
     std::string content;
-    if (read_whole_file(path, content) != Reading::done) {
+    if (!read_input(path, content)) {
         return;
     }
     const bool is_thin = content.compare(0, 7, "!<thin>") == 0;
