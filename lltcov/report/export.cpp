@@ -11,7 +11,6 @@
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/shown_sources.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <set>
 #include <string>

@@ -2,7 +2,6 @@
 // members, which in a thin archive are files of their own.
 #include "toolset/linkdriver/archive_coverage.h"
 
-#include "commonfunc/file_io.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 #include "contract/names.h"

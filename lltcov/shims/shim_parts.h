@@ -1,0 +1,254 @@
+// The pieces of a shim, in the POSIX shell's language: `shim_text` puts those together that a tool
+// needs.
+#pragma once
+
+inline constexpr char SHELL[] = "#!/bin/sh\n";
+inline constexpr char REMARK[] = ", through lltwrapper while LLT_WRAP is on";
+inline constexpr char MARK[] = "# Shim of lltcov: ";
+
+/// A cache that calls a shim does not see what the wrapper adds; other machines have no wrapper.
+inline constexpr char SKIP_LAUNCHER[] = R"SH(if [ "$on" != 0 ]; then
+    case $1 in
+        '' | -* | *=*) ;;
+        *) exec "$@" ;;
+    esac
+fi
+)SH";
+
+/// What the real tool runs is found without this directory, and is wrapped here or not at all.
+/// `${0%/*}` is the directory as PATH has it, which is how a masquerading compiler cache behind the
+/// shim would find the shim again.
+inline constexpr char LEAVE_PATH[] = R"SH(unset LLT_WRAP
+case :$PATH: in
+    *:"${0%/*}":*)
+        PATH=:$PATH:
+        PATH=${PATH%%":${0%/*}:"*}:${PATH#*":${0%/*}:"}
+        PATH=${PATH#:} PATH=${PATH%:}
+        ;;
+esac
+)SH";
+
+inline constexpr char PLAIN_CASE[] = R"SH([ "$on" != 0 ] || exec "$real" "$@"
+)SH";
+
+inline constexpr char WRAPPED_CASE[] =
+    R"SH(# Behind the others on PATH: drivers of the user's own choice come first.
+export PATH="$PATH:${wrapper%/*}" LLTWRAPPER_EXACT_STATUS="${LLTWRAPPER_EXACT_STATUS:-1}"
+project=${qmr_current_prj_path:-}
+project=${project%/*.prj} project=${project%/}
+case $project in
+    # As the settings make it: lltcov clean --all has removed it.
+    */.lltcov)
+        [ -e "$project/.gitignore" ] ||
+            { mkdir -p "$project/LLTTEMP" && echo '*' >"$project/.gitignore"; }
+        ;;
+esac
+if [ -z "$LLTWRAPPER_LOG" ] && [ -d "$project/LLTTEMP" ]; then
+    export LLTWRAPPER_LOG="$project/LLTTEMP/build.log"
+fi
+# run_plainly WHY WORD...
+run_plainly() {
+    echo "lltwrapper: '${0##*/}' runs without coverage: $1" >&2
+    shift
+    exec "$real" "$@"
+}
+# Without one, data would go to where the command runs, or to /.
+needs_project() {
+    [ -n "$project" ] || run_plainly "no project is set; source its TUSK_INIT.SH" "$@"
+}
+)SH";
+
+/// Sets `step` when the call compiles or links, `rewrite` when a word cannot stand as it is.
+inline constexpr char SCAN_COMPILER[] = R"SH(
+case $PWD/ in
+    */CMakeFiles/CMakeScratch/* | */CMakeFiles/CMakeTmp/* | */CMakeFiles/_CMakeLTOTest-* | \
+        */CMakeFiles/*/CompilerId*) exec "$real" "$@" ;;
+esac
+step='' input='' list='' rewrite='' option=''
+for word; do
+    case $option$word in
+        # Its output is read, it makes no code, or a configure step tries something.
+        - | -E | -S | -M | -MM | -fsyntax-only | -'###' | --version | --help* | --target-help | \
+            -print-* | --print-* | -dumpmachine | -dumpversion | -dumpfullversion | -dumpspecs | \
+            c-header | c++-header | -xc-header | -xc++-header | /dev/* | \
+            conftest.* | *meson-private/*) exec "$real" "$@" ;;
+        -c | -o) step=yes ;;
+        -o*) step=yes rewrite=yes ;;
+        -Xlinker?*) rewrite=yes ;;
+        @*) list=${word#@} ;;
+        *.[cCioa] | *.cc | *.cp | *.cxx | *.cpp | *.CPP | *.c++ | *.ii) input=yes ;;
+    esac
+    case $word in
+        -Xlinker) option=$word ;;
+        '' | *[!A-Za-z0-9_@%+=:,./^-]*) option='' rewrite=yes ;;
+        *) option='' ;;
+    esac
+done
+
+# The wrapper looks for -c and -o in the command only, not in a response file.
+if [ -z "$step" ] && [ -r "$list" ]; then
+    set -f
+    output='' option=''
+    while read -r line || [ -n "$line" ]; do
+        for word in $line; do
+            case $option$word in
+                -E | -S | -M | -MM) exec "$real" "$@" ;;
+                -c) step=-c ;;
+                -o?*) output=${word#-o} ;;
+            esac
+            case $word in -o) option=$word ;; *) option='' ;; esac
+        done
+    done <"$list"
+    case $step$output in
+        -c*) set -- "$@" -c ;;
+        *[\"\'\\]*) exec "$real" "$@" ;;
+        ?*)
+            set -- "$@" -o "$output"
+            step=-o
+            ;;
+    esac
+fi
+if [ -z "$step" ]; then
+    [ -n "$input" ] || exec "$real" "$@"
+    set -- "$@" -o a.out
+fi
+)SH";
+
+inline constexpr char SCAN_LINKER[] = R"SH(
+step='' rewrite=''
+for word; do
+    case $word in
+        # Partial links are left to the last one; scripts of another kind, questions.
+        -r | -i | -Ur | --relocatable | -c | -v | -V | --version | --help | --print-*)
+            exec "$real" "$@" ;;
+        -o) step=yes ;;
+        -o* | -E | -S) step=yes rewrite=yes ;;
+    esac
+    case $word in
+        '' | *[!A-Za-z0-9_@%+=:,./^-]*) rewrite=yes ;;
+    esac
+done
+[ -n "$step" ] || exec "$real" "$@"
+)SH";
+
+inline constexpr char RUN_STEP[] = R"SH(needs_project "$@"
+# escape WORD WHERE: $word, such that the wrapper's shell makes WORD of it
+escape() {
+    word='' rest=$1
+    [ -n "$rest" ] || word="''"
+    while
+        plain=${rest%%[!A-Za-z0-9_@%+=:,./^-]*}
+        word=$word$plain rest=${rest#"$plain"}
+        [ -n "$rest" ]
+    do
+        char=${rest%"${rest#?}"} rest=${rest#?}
+        case $2$char in
+            value[\ \"\(\)\<\>]) ;;       # the wrapper escapes these in values
+            *'
+') char="'$char'" ;;
+            *) char=\\$char ;;
+        esac
+        word=$word$char
+    done
+}
+
+if [ -n "$rewrite" ]; then
+    option=''
+    for word; do
+        shift
+        case $option in
+            -Xlinker)
+                # The wrapper would take its value for an option of the compiler.
+                option=''
+                case $word in
+                    *,*) set -- "$@" -Xlinker ;;
+                    *) escape "-Wl,$word" '' ;;
+                esac
+                ;;
+            ?*)
+                option=''
+                escape "$word" value
+                ;;
+            *)
+                case $word in
+                    # Of a linker: the wrapper would take them for a compiler's.
+                    -E) word=--export-dynamic ;;
+                    -S) word=--strip-debug ;;
+                    -Xlinker) option=$word; continue ;;
+                    -[DIocLl]) option=$word ;;
+                    -o*)
+                        set -- "$@" -o
+                        escape "${word#-o}" value
+                        ;;
+                    -[DILl]*) escape "$word" value ;;
+                    *) escape "$word" '' ;;
+                esac
+                ;;
+        esac
+        set -- "$@" "$word"
+    done
+fi
+exec "$wrapper" "$real" "$@"
+)SH";
+
+/// Only what puts members into an archive. A separate "-c" or "-o" would make it a compile or link
+/// for the wrapper: the letter is doubled, which means the same.
+inline constexpr char ARCHIVE_STEP[] = R"SH(
+letters='' operation='' archive='' rewrite='' option=''
+for word; do
+    case $option$word in
+        --version | --help | -M | -h | -V) exec "$real" "$@" ;;
+        --plugin | --target | --output) option=$word; continue ;;
+        --*) ;; # with its value
+        -[coSE]) rewrite=yes ;;
+        -*[rq]*) letters=yes operation=yes ;;
+        -*) letters=yes ;;
+        *)
+            # Without a dash the operation stands first.
+            case $letters$word in
+                yes*.a) archive=${archive:-$word} ;;
+                yes*) ;;
+                *[rq]*) letters=yes operation=yes ;;
+                *) exec "$real" "$@" ;;
+            esac
+            ;;
+    esac
+    option=''
+done
+# The wrapper looks for the archive's name in the command that it has escaped.
+[ -n "$operation" ] || exec "$real" "$@"
+case $archive in
+    '' | *[!A-Za-z0-9_@%+=:,./^-]*) exec "$real" "$@" ;;
+esac
+# The module's name becomes part of the stub's function names; a link finds the members of others.
+module=${archive##*/} module=${module%%.*}
+case $module in
+    '' | *[!A-Za-z0-9_-]* | LLTTEMP) exec "$real" "$@" ;;
+esac
+needs_project "$@"
+while :; do
+    case $module in *-*) module=${module%%-*}_${module#*-} ;; *) break ;; esac
+done
+if [ "${isOverlappedCompile:-0}" = 1 ]; then
+    case ${PlatformToken:-} in
+        '' | [0-9]* | *[!A-Za-z0-9_]*) ;;
+        *) eval "project=\$project/\${$PlatformToken:-}" ;;
+    esac
+fi
+for place in "$project/$module" "$project/$module/codemeasure"; do
+    if [ ! -d "$place" ] && { [ -e "$place" ] || [ -h "$place" ]; }; then
+        run_plainly "'$place' stands where the coverage data of '$archive' would go; \
+set qmr_current_prj_path to a folder of their own, as TUSK_INIT.SH does" "$@"
+    fi
+done
+if [ -n "$rewrite" ]; then
+    for word; do
+        shift
+        case $word in
+            -[coSE]) word=$word${word#-} ;;
+        esac
+        set -- "$@" "$word"
+    done
+fi
+exec "$wrapper" -artool "${real##*/}" -arsuffix .a "$real" "$@"
+)SH";
