@@ -10,7 +10,7 @@ namespace
 class MemoryLimit
 {
 public:
-    explicit MemoryLimit(rlim_t bytes)
+    explicit MemoryLimit([[maybe_unused]] rlim_t bytes)
     {
         ::getrlimit(RLIMIT_AS, &before_);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
