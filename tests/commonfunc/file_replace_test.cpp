@@ -47,9 +47,8 @@ TEST_F(FileReplace, ParallelWritersLeaveOneWholeFile)
         if (::fork() == 0) {
             bool done = true;
             for (int i = 0; i < 100; ++i) {
-                done =
-                    replace_file("t", std::string(20000U + 9U * writer, writer)) == Writing::done &&
-                    done;
+                const std::string text(20000U + 9U * static_cast<unsigned char>(writer), writer);
+                done = replace_file("t", text) == Writing::done && done;
             }
             ::_exit(done ? 0 : 1);
         }
