@@ -11,7 +11,7 @@ kept() { grep -E '(^| )\./(m[0-9]\..*|main\..*|LLTTEMP/.*)' "$1" | grep -v m1_c_
 cut_file() { # cut_file FILE
     local n size what
     size=$(stat -c %s "../start/$1")
-    for ((n = first - 1; n < size; n += stride)); do
+    for ((n = first % 41; n < size; n += stride)); do
         begin
         truncate -s "$n" "$1"
         tree >../cut

@@ -5,7 +5,7 @@
 # was before the step, to `$work/NAME/p`, the same path each time, as paths are in the data. What a
 # disturbed step and a step after it leave is compared with what an undisturbed one leaves.
 # Every how many-th place is disturbed, from which on. All of them: STRIDE=1 FIRST=1.
-stride=${STRIDE:-37} first=${FIRST:-5}
+stride=${STRIDE:-149} first=${FIRST:-5}
 # shellcheck source=tests/common.sh
 . "$(dirname "$0")/../common.sh"
 needs strace
