@@ -172,16 +172,16 @@ int main(void)
 }
 C
 instrumented execs
-while read -r how runtime dumps; do
+while read -r how dumps runtime; do
     rm -rf llt_result
     LLTCOV_RUNTIME=$runtime link execs gcc "$how" execs.o -o execs && ./execs
     expect "$how, runtime $runtime: the new program ends well" 0 $?
     expect "$how, runtime $runtime: dump files" "$dumps" "$(counts execs_exe execs | grep -c .)"
 done <<ROWS
--rdynamic $LLTCOV_RUNTIME 1
--static $LLTCOV_RUNTIME 1
--rdynamic /nowhere 0
--static /nowhere 0
+-rdynamic 1 $LLTCOV_RUNTIME
+-static 1 $LLTCOV_RUNTIME
+-rdynamic 0 /nowhere
+-static 0 /nowhere
 ROWS
 echo 'int puts(const char *); int execv(void) { return puts("fake") < 0; }' > fake.c
 gcc -w -fno-builtin -c fake.c
