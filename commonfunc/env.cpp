@@ -3,7 +3,10 @@
 
 #include "commonfunc/text.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <string_view>
+#include <unistd.h>
 
 bool env_is_filled(const char* name)
 {
@@ -26,4 +29,24 @@ int env_int(const char* name)
 bool env_is_nonzero(const char* name)
 {
     return env_is_filled(name) && env_int(name) != 0;
+}
+
+ChangedEnvironment::ChangedEnvironment(const std::vector<std::string>& changes) : changes_(changes)
+{
+    const auto name_of = [](std::string_view variable) {
+        return variable.substr(0, variable.find('='));
+    };
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        if (std::none_of(changes_.begin(), changes_.end(), [&](const std::string& change) {
+                return name_of(change) == name_of(*variable);
+            })) {
+            variables_.push_back(*variable);
+        }
+    }
+    for (std::string& change : changes_) {
+        if (change.find('=') != change.npos) {
+            variables_.push_back(&change[0]);
+        }
+    }
+    variables_.push_back(nullptr);
 }

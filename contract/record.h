@@ -48,8 +48,17 @@ struct RecordedFunction {
 /// Who counts.
 enum class CounterSource { gcc, clang };
 
+/// What the compiler's text says of a source's counters.
+struct RecordedCounters {
+    std::uint32_t array_bytes = 0; ///< a multiple of 8
+    std::uint32_t or_bytes = 0;    ///< at the array's end, of counters that join by "or"
+    std::uint32_t version = 0;     ///< gcc
+    bool has_checksum = false;     ///< gcc: data files hold a checksum after the stamp
+    std::vector<RecordedFunction> functions;
+};
+
 /// An instrumented source and its object.
-struct Record {
+struct Record : RecordedCounters {
     std::string symbol;
     std::string source; ///< absolute path
     std::string object; ///< absolute path
@@ -58,11 +67,6 @@ struct Record {
     std::vector<std::pair<std::string, std::string>> path_maps; ///< real, recorded prefix
     CounterSource compiler = CounterSource::gcc;
     std::string reader;
-    std::uint32_t array_bytes = 0; ///< a multiple of 8
-    std::uint32_t or_bytes = 0;    ///< at the array's end, of counters that join by "or"
-    std::uint32_t version = 0;     ///< gcc
-    bool has_checksum = false;     ///< gcc: data files hold a checksum after the stamp
-    std::vector<RecordedFunction> functions;
     std::string notes; ///< gcc
 };
 

@@ -10,7 +10,7 @@ namespace
 /// Each counter has a place of its own in the array, and every reference leads into it.
 void check(const CounterText& out)
 {
-    const Record& record = out.record;
+    const RecordedCounters& record = out.record;
     std::vector<std::pair<std::uint64_t, std::uint64_t>> runs;
     for (const RecordedFunction& function : record.functions) {
         for (const CounterRun& run : function.counters) {

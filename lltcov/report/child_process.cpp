@@ -6,7 +6,6 @@
 #include "commonfunc/file_tree.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
-#include "commonfunc/text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -21,33 +20,12 @@
 #include <thread>
 #include <unistd.h>
 
-extern char** environ;
-
-namespace
-{
-
-/// The environment, but with messages in English, which are looked into.
-std::vector<char*> english_environment()
-{
-    static char english[] = "LC_ALL=C";
-    std::vector<char*> variables = {english};
-    for (char** variable = environ; *variable != nullptr; ++variable) {
-        if (!begins_with(*variable, "LC_ALL=")) {
-            variables.push_back(*variable);
-        }
-    }
-    variables.push_back(nullptr);
-    return variables;
-}
-
-} // namespace
-
 TemporaryDirectory::TemporaryDirectory()
     : path_((env_is_filled("TMPDIR") ? absolute_path(env_text("TMPDIR")) : "/tmp") +
             "/lltcov-XXXXXX")
 {
     if (::mkdtemp(&path_[0]) == nullptr) {
-        throw std::runtime_error("no temporary folder '" + path_ + "': " + std::strerror(errno));
+        throw std::runtime_error("no temporary directory '" + path_ + "': " + std::strerror(errno));
     }
 }
 
@@ -81,12 +59,12 @@ std::string TemporaryDirectory::read(const std::string& name) const
     return bytes;
 }
 
-pid_t start_program(const std::vector<std::string>& words, const TemporaryDirectory& folder,
+pid_t start_program(const std::vector<std::string>& words, const TemporaryDirectory& directory,
                     const std::string& name)
 {
     constexpr int WRITING = O_WRONLY | O_CREAT | O_TRUNC;
-    const std::string output = folder.path() + "/" + name + ".out";
-    const std::string errors = folder.path() + "/" + name + ".err";
+    const std::string output = directory.path() + "/" + name + ".out";
+    const std::string errors = directory.path() + "/" + name + ".err";
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
     for (const std::string& word : words) {
@@ -98,10 +76,11 @@ pid_t start_program(const std::vector<std::string>& words, const TemporaryDirect
     ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), WRITING, 0600);
     ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(), WRITING, 0600);
-    ::posix_spawn_file_actions_addchdir_np(&actions, folder.path().c_str());
+    ::posix_spawn_file_actions_addchdir_np(&actions, directory.path().c_str());
+    const ChangedEnvironment english({"LC_ALL=C"});
     pid_t child = 0;
     const int error = ::posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(),
-                                     english_environment().data());
+                                     english.variables());
     ::posix_spawn_file_actions_destroy(&actions);
     return error == 0 ? child : 0;
 }

@@ -69,7 +69,6 @@ TEST(ClangText, CountersBecomePlacesAndTheRestStays)
     const CounterText read = read_clang_text(text);
     EXPECT_EQ(with_array(read, "A"),
               "sum:\n\taddq\t$1, A+0+8(%rip)\n\tret\n" + names("003", "sum") + end);
-    EXPECT_EQ(read.record.compiler, CounterSource::clang);
     EXPECT_EQ(read.record.array_bytes, 16U);
     EXPECT_EQ(read.record.or_bytes, 0U);
     ASSERT_EQ(read.record.functions.size(), 1U);
@@ -122,7 +121,7 @@ TEST(ClangText, NamesAreThoseOfProfilesNotOfSymbols)
         SCOPED_TRACE(one.symbol);
         const std::string text =
             defined(one.symbol, 3, 8, "\t.quad\t1\n\t.quad\t0x18\n") + names(one.size, one.list);
-        const Record record = read_clang_text(text).record;
+        const RecordedCounters record = read_clang_text(text).record;
         ASSERT_EQ(record.functions.size(), 1U);
         EXPECT_EQ(record.functions[0].name, one.name);
         EXPECT_EQ(record.functions[0].hash, 24U);

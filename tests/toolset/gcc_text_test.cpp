@@ -70,7 +70,7 @@ TEST(GccText, ReferencesBecomePlacesInTheArrayWhateverTheMachineWrites)
 
 TEST(GccText, TablesTellWhatADataFileNeeds)
 {
-    const Record record = read_gcc_text(tables(ONE_TABLE, ONE_LIST) + ONE_COMMON).record;
+    const RecordedCounters record = read_gcc_text(tables(ONE_TABLE, ONE_LIST) + ONE_COMMON).record;
     EXPECT_EQ(record.version, 1110585898U);
     EXPECT_TRUE(record.has_checksum);
     EXPECT_EQ(record.array_bytes, 16U);
@@ -106,7 +106,7 @@ TEST(GccText, CountersKeepTheirAlignmentAndThoseJoinedByOrComeLast)
         "\t.size\t__gcov0.g, 8\n__gcov0.g:\n\t.zero\t8\n\torq\t$1, __gcov8.f(%rip)\n"
         "\tincq\t__gcov0.g(%rip)\n";
     const CounterText read = read_gcc_text(text);
-    const Record& record = read.record;
+    const RecordedCounters& record = read.record;
     EXPECT_EQ(record.functions[0].counters[0].offset, 0U);
     EXPECT_EQ(record.functions[1].counters[0].offset, 32U);
     EXPECT_EQ(record.functions[0].counters[1].kind, 8U);

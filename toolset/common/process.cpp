@@ -2,6 +2,7 @@
 // second process or thread, and nothing stays behind when a build is stopped.
 #include "toolset/common/process.h"
 
+#include "commonfunc/env.h"
 #include "commonfunc/message.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
@@ -14,8 +15,6 @@
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace
 {
@@ -97,10 +96,11 @@ int run_program(const Words& words, const Streams& streams)
         redirect(STDERR_FILENO, "", streams.errors);
     }
     flush_output();
+    const ChangedEnvironment environment(streams.environment);
     pid_t child = 0;
     int status = -1;
     const int error = ::posix_spawnp(&child, words[0].c_str(), &actions, nullptr,
-                                     pointers(words).data(), environ);
+                                     pointers(words).data(), environment.variables());
     while (error == 0 && ::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     for (const Redirection& one : redirections) {

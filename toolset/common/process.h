@@ -11,6 +11,7 @@ struct Streams {
     const std::string* input = nullptr; ///< text for its standard input
     std::string* output = nullptr;      ///< receives its standard output
     std::string* errors = nullptr;      ///< receives its standard error
+    Words environment = {};             ///< changes to it, as of `ChangedEnvironment`
 };
 
 /// Runs the program found through PATH and waits; its status as a shell's `$?`. 127, with the

@@ -198,7 +198,6 @@ void place_clang_counters(const ClangParts& parts, std::string_view text, Counte
         end = offsets.back() + counters.size;
         out.record.functions.push_back(std::move(function));
     }
-    out.record.compiler = CounterSource::clang;
     out.record.array_bytes = end;
     for (const auto& [piece, function] : parts.references) {
         const auto found = parts.index.find(function);

@@ -29,9 +29,7 @@ struct TextPiece {
 struct CounterText {
     std::vector<TextPiece> pieces;
     std::deque<std::string> own_texts; ///< of pieces that do not stand in the text
-    /// What the text says of the record: functions with their counters, size of the array, and for
-    /// gcc version and checksum.
-    Record record;
+    RecordedCounters record;
 };
 
 /// Larger arrays are taken for a mistake, in bytes.

@@ -149,7 +149,7 @@ void make_room_for_output(const std::string& project, const std::string& output)
         return;
     }
     notice(
-        "'%s' is also the place of a library's work area, which is removed: its members are reported as part of what links them; set qmr_current_prj_path to a folder of its own, as TUSK_INIT.SH does",
+        "'%s' is also the place of a library's work area, which is removed: its members are reported as part of what links them; set qmr_current_prj_path to a directory of its own, as TUSK_INIT.SH does",
         output.c_str());
     remove_tree(path);
 }

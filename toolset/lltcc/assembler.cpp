@@ -68,19 +68,12 @@ std::string content_of_path(const std::string& path)
 /// Joins what the driver knows and what the text says.
 Record complete_record(const HandedOver& job, const CounterText& text, std::string notes)
 {
-    Record record = text.record;
-    record.source = job.begun.source;
-    record.object = job.begun.object;
-    record.stub_mode = job.begun.stub_mode;
-    record.compile_command = job.begun.compile_command;
-    record.path_maps = job.begun.path_maps;
-    record.compiler = job.begun.compiler;
-    record.reader = job.begun.reader;
+    Record record = job.begun; // its symbol is still "-"
+    static_cast<RecordedCounters&>(record) = text.record;
     if (notes.size() >= STAMP_AT + STAMP_SIZE) {
         notes.replace(STAMP_AT, STAMP_SIZE, STAMP_SIZE, '\0');
     }
     record.notes = std::move(notes);
-    record.symbol = "-";
     record.symbol =
         symbol_of(record.source, {FORMAT_VERSION, to_bytes(record), with_array(text, "")});
     return record;

@@ -39,10 +39,10 @@ std::string beside(const std::string& compiler, const std::string& tool)
 }
 
 /// The directory as the beginning of a path, in the compiler's regular expressions.
-std::string as_expression(const std::string& folder)
+std::string as_expression(const std::string& directory)
 {
     std::string out = "^";
-    for (const char c : folder) {
+    for (const char c : directory) {
         out.append(std::string_view("\\^$.|?*+()[]{}").find(c) != std::string_view::npos, '\\');
         out += c;
     }
@@ -91,43 +91,33 @@ Words query_of(const CompileCommand& command)
     return words;
 }
 
-/// The call that answers in English, and names no directories of the user's as the compiler's own.
-Words asking(const Words& query)
-{
-    Words words = {"env"};
-    for (const char* name : {"CPATH", "C_INCLUDE_PATH", "CPLUS_INCLUDE_PATH", "DEPENDENCIES_OUTPUT",
-                             "SUNPRO_DEPENDENCIES"}) {
-        words.insert(words.end(), {"-u", name});
-    }
-    words.emplace_back("LC_ALL=C");
-    words.insert(words.end(), query.begin(), query.end());
-    return words;
-}
+/// Answers are in English, and name no directories of the user's as the compiler's own.
+const Words ASKING = {
+    "LC_ALL=C",           "CPATH", "C_INCLUDE_PATH", "CPLUS_INCLUDE_PATH", "DEPENDENCIES_OUTPUT",
+    "SUNPRO_DEPENDENCIES"};
 
-/// The assembler by its path, or as a name to be found through PATH.
-std::string assembler_of(const Words& compiler)
+struct Answer {
+    int status;
+    std::string output;
+    std::string errors;
+};
+
+/// What the compiler says when it is called with the options.
+Answer answer_to(Words query, const Words& options)
 {
-    Words query = asking(compiler);
-    query.emplace_back("-print-prog-name=as");
-    std::string answer;
-    std::string unused;
-    run_program(query, {nullptr, &answer, &unused});
-    answer.erase(answer.find_last_not_of("\r\n") + 1);
-    return answer.empty() ? "as" : answer;
+    query.insert(query.end(), options.begin(), options.end());
+    Answer answer;
+    answer.status = run_program(query, {nullptr, &answer.output, &answer.errors, ASKING});
+    return answer;
 }
 
 Compiler ask(const Words& query, const std::string& program)
 {
-    std::string answer;
-    for (const char* language : {"c++", "c"}) {
-        Words words = asking(query);
-        words.insert(words.end(), {"-E", "-v", "-x", language, "/dev/null"});
-        std::string unused;
-        if (run_program(words, {nullptr, &unused, &answer}) == 0) {
-            break;
-        }
+    Answer answer = answer_to(query, {"-E", "-v", "-x", "c++", "/dev/null"});
+    if (answer.status != 0) { // it may compile C alone
+        answer = answer_to(query, {"-E", "-v", "-x", "c", "/dev/null"});
     }
-    Compiler compiler = read_answer(answer);
+    Compiler compiler = read_answer(answer.errors);
     const std::string real = absolute_path(program);
     if (compiler.kind == Compiler::Kind::gcc) {
         const std::string reader = beside(program, "gcov");
@@ -135,7 +125,9 @@ Compiler ask(const Words& query, const std::string& program)
     } else if (compiler.kind == Compiler::Kind::clang) {
         compiler.reader = real.substr(0, real.rfind('/'));
     }
-    compiler.assembler = assembler_of(query);
+    // A path, or a name to be found through PATH.
+    const std::string assembler = answer_to(query, {"-print-prog-name=as"}).output;
+    compiler.assembler = assembler.empty() ? "as" : assembler.substr(0, assembler.find('\n'));
     return compiler;
 }
 
@@ -172,8 +164,8 @@ Compiler know_compiler(const std::string& area, const CompileCommand& command)
     ::stat(program.c_str(), &info);
     key.insert(key.end(), {FORMAT_VERSION, program, std::to_string(info.st_size),
                            std::to_string(info.st_mtim.tv_sec), std::to_string(info.st_ino)});
-    const std::string folder = area + "/compilers";
-    const std::string path = folder + "/" + hash_name(key);
+    const std::string directory = area + "/compilers";
+    const std::string path = directory + "/" + hash_name(key);
     Compiler compiler;
     std::string text;
     if (read_whole_file(path, text) == Reading::done && from_text(text, compiler)) {
@@ -181,7 +173,7 @@ Compiler know_compiler(const std::string& area, const CompileCommand& command)
     }
     compiler = ask(query, program);
     std::error_code unused;
-    std::filesystem::create_directories(folder, unused);
+    std::filesystem::create_directories(directory, unused);
     replace_file(path, to_text(compiler));
     return compiler;
 }

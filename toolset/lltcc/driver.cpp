@@ -180,7 +180,8 @@ int compile_counting(const Compilation& compilation, const CompileInput& input,
     try {
         const Record begun = begun_record(compilation, input);
         const Handover handover(begun, uncounted(compilation), compilation.compiler.assembler);
-        const int status = run_program(instrumented(compilation, input));
+        const int status = run_program(instrumented(compilation, input),
+                                       {nullptr, nullptr, nullptr, handover.environment()});
         trouble = handover.trouble();
         if (status == 0 && trouble.empty()) {
             leave_records_of(compilation, begun);
@@ -226,12 +227,10 @@ std::string refusal(const Compilation& compilation)
         return "no stub of mode " + std::to_string(compilation.stub_mode) +
                " declares counters; choose another one by qmr_coverage_stub_mold";
     }
-    for (const std::string& word : command.words) {
-        if (word.find('\n') != word.npos) {
-            return "a word of the command holds a line end";
-        }
-    }
-    return "";
+    const auto has_line_end = [](const std::string& word) { return word.find('\n') != word.npos; };
+    return std::any_of(command.words.begin(), command.words.end(), has_line_end)
+               ? "a word of the command holds a line end"
+               : "";
 }
 
 /// The same of the compiler, which is asked only when it may be needed.

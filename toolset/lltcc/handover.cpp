@@ -4,7 +4,6 @@
 
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
-#include "toolset/common/process.h"
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -14,12 +13,12 @@
 namespace
 {
 
-constexpr const char* RECORD = "LLTCC_RECORD";
-constexpr const char* NOTES = "LLTCC_NOTES";
-constexpr const char* EXCLUDE = "LLTCC_EXCLUDE";
-constexpr const char* TROUBLE = "LLTCC_TROUBLE";
-constexpr const char* ASSEMBLER = "LLTCC_ASSEMBLER";
-constexpr const char* CACHE_KEY = "CCACHE_EXTRAFILES";
+constexpr const char RECORD[] = "LLTCC_RECORD";
+constexpr const char NOTES[] = "LLTCC_NOTES";
+constexpr const char EXCLUDE[] = "LLTCC_EXCLUDE";
+constexpr const char TROUBLE[] = "LLTCC_TROUBLE";
+constexpr const char ASSEMBLER[] = "LLTCC_ASSEMBLER";
+constexpr const char CACHE_KEY[] = "CCACHE_EXTRAFILES";
 
 std::string path_of(int file)
 {
@@ -42,17 +41,20 @@ int notes_file()
 
 } // namespace
 
-Handover::Handover(const Record& begun, const std::string& headers, const std::string& assembler)
+Handover::Handover(const Record& begun, const std::string& excluded, const std::string& assembler)
     : notes_(notes_file()), trouble_(anonymous_file("")),
-      key_(anonymous_file(to_bytes(begun) + headers))
+      key_(anonymous_file(to_bytes(begun) + excluded))
 {
     if (notes_ < 0 || trouble_ < 0 || key_ < 0) {
         throw std::runtime_error("no more files can be opened");
     }
+    const auto set = [&](const char* name, const std::string& value) {
+        environment_.push_back(std::string(name) + "=" + value);
+    };
     const std::string notes = path_of(notes_);
     set(RECORD, to_bytes(begun));
     set(NOTES, notes.substr(0, notes.size() - 1));
-    set(EXCLUDE, headers);
+    set(EXCLUDE, excluded);
     set(TROUBLE, path_of(trouble_));
     set(ASSEMBLER, assembler);
     const std::string others = env_text(CACHE_KEY);
@@ -64,14 +66,6 @@ Handover::Handover(const Record& begun, const std::string& headers, const std::s
     set("ICECC", "no");
 }
 
-void Handover::set(const char* name, const std::string& value)
-{
-    const char* const before = std::getenv(name);
-    before_.emplace_back(name,
-                         before != nullptr ? std::optional<std::string>(before) : std::nullopt);
-    ::setenv(name, value.c_str(), 1);
-}
-
 std::string Handover::trouble() const
 {
     return content_of(trouble_);
@@ -79,9 +73,6 @@ std::string Handover::trouble() const
 
 Handover::~Handover()
 {
-    for (const auto& [name, value] : before_) {
-        value ? ::setenv(name, value->c_str(), 1) : ::unsetenv(name);
-    }
     ::close(notes_);
     ::close(trouble_);
     ::close(key_);

@@ -3,32 +3,30 @@
 #pragma once
 
 #include "contract/record.h"
+#include "toolset/common/process.h"
 
-#include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
-/// The driver's side, for one compile: sets the environment and takes it back. Also tells a
-/// compiler cache, in front of the compiler or under its name, what a hit must agree on beside the
-/// command.
+/// The driver's side, for one compile. Also tells a compiler cache, in front of the compiler or
+/// under its name, what a hit must agree on beside the command.
 class Handover
 {
 public:
-    /// `begun` is what is known of the source already; `headers` are the compiler's own (regular
-    /// expressions), `assembler` its assembler.
-    Handover(const Record& begun, const std::string& headers, const std::string& assembler);
+    /// `begun` is what is known of the source already; `excluded` is not to be counted (regular
+    /// expressions), `assembler` the compiler's own. Throws `std::runtime_error`.
+    Handover(const Record& begun, const std::string& excluded, const std::string& assembler);
     ~Handover();
     Handover(const Handover&) = delete;
     Handover& operator=(const Handover&) = delete;
+
+    /// Changes to the compile's environment.
+    const Words& environment() const { return environment_; }
 
     /// Why the assembler role could not count; empty when it could.
     std::string trouble() const;
 
 private:
-    void set(const char* name, const std::string& value);
-
-    std::vector<std::pair<const char*, std::optional<std::string>>> before_; ///< of the environment
+    Words environment_;
     int notes_;
     int trouble_;
     int key_;

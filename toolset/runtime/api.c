@@ -65,7 +65,7 @@ static size_t parent_length(const char* path, size_t length)
 /* Where the next module's dumps go. */
 static void choose_root(char* out, const char* area)
 {
-    static const char DEFAULT_NAME[] = "/" DUMP_FOLDER;
+    static const char DEFAULT_NAME[] = "/" DUMP_DIRECTORY;
     /* Not in a set-user-id program: its caller must not choose where it writes. */
     const char* from_environment = secure_getenv("LLTCOV_ROOT");
     if (from_environment != NULL && from_environment[0] != '\0') {

@@ -10,7 +10,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-enum { STEP = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, FILE_MODE = 0644, FOLDER_MODE = 0755 };
+enum {
+    STEP = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC,
+    FILE_MODE = 0644,
+    DIRECTORY_MODE = 0755
+};
 
 int is_secure(void)
 {
@@ -22,7 +26,7 @@ static int enter(int at, const char* name)
 {
     struct stat state;
     int fd = openat(at, name, STEP);
-    if (fd < 0 && errno == ENOENT && (mkdirat(at, name, FOLDER_MODE) == 0 || errno == EEXIST)) {
+    if (fd < 0 && errno == ENOENT && (mkdirat(at, name, DIRECTORY_MODE) == 0 || errno == EEXIST)) {
         fd = openat(at, name, STEP);
     }
     if (fd < 0 && errno == ENOTDIR) {
