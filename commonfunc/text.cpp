@@ -13,13 +13,9 @@ char lower(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-bool begins_nocase(const char* text, const char* start)
+bool are_equal(char a, char b)
 {
-    while (*start != '\0' && lower(*text) == lower(*start)) {
-        ++text;
-        ++start;
-    }
-    return *start == '\0';
+    return lower(a) == lower(b);
 }
 
 } // namespace
@@ -29,19 +25,16 @@ int to_int(const char* text)
     return static_cast<int>(std::strtol(text, nullptr, 10));
 }
 
-bool equals_nocase(const char* a, const char* b)
+bool equals_nocase(std::string_view a, std::string_view b)
 {
-    return std::strlen(a) == std::strlen(b) && begins_nocase(a, b);
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), are_equal);
 }
 
-bool contains_nocase(const std::string& text, const std::string& needle)
+bool contains_nocase(std::string_view text, std::string_view needle)
 {
-    for (const char* p = text.c_str(); *p != '\0'; ++p) {
-        if (begins_nocase(p, needle.c_str())) {
-            return true;
-        }
-    }
-    return needle.empty();
+    return std::search(text.begin(), text.end(), needle.begin(), needle.end(), are_equal) !=
+               text.end() ||
+           needle.empty();
 }
 
 bool names_project_file(const std::string& path)

@@ -15,7 +15,7 @@
 int to_int(const char* text);
 
 /// Comparison of whole texts without regard to the case of ASCII letters.
-bool equals_nocase(const char* a, const char* b);
+bool equals_nocase(std::string_view a, std::string_view b);
 
 /// True when the text starts with `start`.
 constexpr bool begins_with(std::string_view text, std::string_view start)
@@ -35,8 +35,8 @@ inline bool is_one_of(std::string_view text, std::initializer_list<std::string_v
     return std::find(list.begin(), list.end(), text) != list.end();
 }
 
-/// True when `needle` (ASCII, lower or upper case) occurs in `text` without regard to case.
-bool contains_nocase(const std::string& text, const std::string& needle);
+/// True when `needle` occurs in `text` without regard to the case of ASCII letters.
+bool contains_nocase(std::string_view text, std::string_view needle);
 
 /// True when the path names a project file, that is when it holds ".prj" anywhere, also in a
 /// directory name, in any case.

@@ -35,19 +35,19 @@ bool is_suffix_option(const std::string& argument)
 {
     const char* const options[] = {"-objsuffix", "-binsuffix", "-artool", "-arsuffix"};
     return std::any_of(std::begin(options), std::end(options),
-                       [&](const char* option) { return equals_nocase(argument.c_str(), option); });
+                       [&](const char* option) { return equals_nocase(argument, option); });
 }
 
 bool is_archiver(const std::string& argument)
 {
-    return !strArTools.empty() && equals_nocase(base_name(argument).c_str(), strArTools.c_str());
+    return !strArTools.empty() && equals_nocase(base_name(argument), strArTools);
 }
 
 /// The suffix is everything from the last dot of the whole argument, directories included.
 bool has_archive_suffix(const std::string& argument)
 {
     const std::size_t dot = argument.rfind('.');
-    return dot != argument.npos && equals_nocase(&argument[dot], strArSuffix.c_str());
+    return dot != argument.npos && equals_nocase(argument.substr(dot), strArSuffix);
 }
 
 Scan scan_arguments(const std::vector<std::string>& arguments)

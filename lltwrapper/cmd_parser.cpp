@@ -15,8 +15,10 @@
 #include "lltwrapper/word_size.h"
 #include "lltwrapper/wrapper_state.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <set>
 #include <string_view>
 #include <vector>
@@ -171,39 +173,30 @@ void keep_other(Walk& walk)
     walk.use(1);
 }
 
-bool equals(const char* argument, const char* text)
+bool equals(std::string_view argument, std::string_view text)
 {
-    return std::strcmp(argument, text) == 0;
-}
-
-bool contains(const char* argument, const char* text)
-{
-    return std::strstr(argument, text) != nullptr;
-}
-
-bool begins(const char* argument, const char* text)
-{
-    return std::strncmp(argument, text, std::strlen(text)) == 0;
+    return argument == text;
 }
 
 struct Row {
-    bool (*matches)(const char* argument, const char* text);
+    bool (*matches)(std::string_view argument, std::string_view text);
     const char* text;
     void (*apply)(Walk& walk);
+    bool is_own = false; ///< an option of the wrapper's own, which takes a value
 };
 
 constexpr Row ROWS[] = {
-    {equals, "-qmr_current_prj_path", drop_project_path},
-    {equals, "-projectname", drop_own_option},
-    {equals, "-qmr_coverage_stub_mold", drop_own_option},
-    {equals_nocase, "-lltwrapper_envfile", drop_own_option},
+    {equals, "-qmr_current_prj_path", drop_project_path, true},
+    {equals, "-projectname", drop_own_option, true},
+    {equals, "-qmr_coverage_stub_mold", drop_own_option, true},
+    {equals_nocase, "-lltwrapper_envfile", drop_own_option, true},
     {equals, "-mshort-load-bytes", drop_with_next},
     {equals, "-Wa,-march=armv7-a+sec", drop_armv7_extension},
     {contains, "-Wl,-rpath,$ORIGIN", keep_rpath_origin},
-    {equals, "-objsuffix", set_object_suffixes},
-    {equals, "-binsuffix", set_binary_suffix},
-    {equals, "-artool", set_archiver},
-    {equals, "-arsuffix", set_archive_suffix},
+    {equals, "-objsuffix", set_object_suffixes, true},
+    {equals, "-binsuffix", set_binary_suffix, true},
+    {equals, "-artool", set_archiver, true},
+    {equals, "-arsuffix", set_archive_suffix, true},
     {equals, "-Xlinker", keep_linker_option},
     // Kept: these take the next argument as a value, whatever it is.
     {equals, "-D", keep_with_value},
@@ -214,27 +207,33 @@ constexpr Row ROWS[] = {
     {equals, "-E", keep_with_value},
     {equals, "-L", keep_with_value},
     {equals, "-l", keep_with_value},
-    {begins, "-D", keep_escaped},
-    {begins, "-I", keep_escaped},
-    {begins, "-L", keep_escaped},
-    {begins, "-l", keep_escaped},
+    {begins_with, "-D", keep_escaped},
+    {begins_with, "-I", keep_escaped},
+    {begins_with, "-L", keep_escaped},
+    {begins_with, "-l", keep_escaped},
     {equals, "-m32", keep_word_size},
     {equals, "-m64", keep_word_size},
-    {begins, "", keep_other}, // anything else
+    {begins_with, "", keep_other}, // anything else
 };
 
+const Row& row_of(std::string_view argument)
+{
+    return *std::find_if(std::begin(ROWS), std::end(ROWS),
+                         [&](const Row& row) { return row.matches(argument, row.text); });
+}
+
 } // namespace
+
+bool is_own_option(const std::string& argument)
+{
+    return row_of(argument).is_own;
+}
 
 void rebuild_command(const std::vector<std::string>& arguments)
 {
     Walk walk{arguments};
     while (walk.at < arguments.size()) {
-        for (const Row& row : ROWS) {
-            if (row.matches(walk.argument(), row.text)) {
-                row.apply(walk);
-                break;
-            }
-        }
+        row_of(walk.argument()).apply(walk);
     }
 }
 

@@ -8,6 +8,9 @@
 /// options, rewrites a few compiler options, escapes paths for the shell.
 void rebuild_command(const std::vector<std::string>& arguments);
 
+/// True for an option of the wrapper's own, which is taken out together with its value.
+bool is_own_option(const std::string& argument);
+
 /// `rebuild_command` with argument 1 to the last, then `checkstate` with the unchanged vector.
 void parser(int argc, char** argv);
 

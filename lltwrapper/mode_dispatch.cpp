@@ -143,7 +143,7 @@ bool answer_without_command(const std::vector<std::string>& arguments)
         warn("'lltwrapper --help' shows the options");
         return true;
     }
-    if (equals_nocase(arguments[0].c_str(), "-v") || arguments[0] == "--version") {
+    if (equals_nocase(arguments[0], "-v") || arguments[0] == "--version") {
         ShowVersion();
         return true;
     }

@@ -31,7 +31,7 @@ std::vector<std::string> wrapped_command(const Arguments& arguments)
     const CommandLine line(is_plain ? Arguments() : Arguments(arguments.begin(), end), {},
                            {"--project"});
     if (line.has("--project")) {
-        ::setenv("qmr_current_prj_path", own_folder(line.value("--project")).c_str(), 1);
+        ::setenv("qmr_current_prj_path", own_directory(line.value("--project")).c_str(), 1);
     }
     std::vector<std::string> command;
     if (is_plain) {

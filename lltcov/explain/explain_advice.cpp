@@ -11,6 +11,7 @@
 #include "lltcov/common/tool_kind.h"
 #include "lltcov/explain/explain_words.h"
 #include "lltwrapper/classify.h"
+#include "lltwrapper/cmd_parser.h"
 #include "lltwrapper/wrapper_state.h"
 
 #include <algorithm>
@@ -52,7 +53,7 @@ void advise_on_places(const ExplainedStep& step, Advice& advice)
     const auto warn_of = [&](const std::string& place, const std::string& archive) {
         advice.warnings.push_back(
             quoted(place) + " stands where the coverage data of " + quoted(archive) +
-            " would go; set qmr_current_prj_path to a folder of their own, as TUSK_INIT.SH does");
+            " would go; set qmr_current_prj_path to a directory of their own, as TUSK_INIT.SH does");
     };
     if (root.empty()) {
         return;

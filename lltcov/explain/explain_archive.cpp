@@ -35,7 +35,7 @@ void advise_on_missing_archive(Advice& advice)
                                   : "no argument after the archiver ends in " + quoted(strArSuffix);
     advice.warnings.push_back(
         cause +
-        ": the step takes the project's folder itself for a work area, empties db/db*, obj/before and ini in it, and mostly fails; " +
+        ": the step takes the project's directory itself for a work area, empties db/db*, obj/before and ini in it, and mostly fails; " +
         (strArSuffix.empty() ? "add '-arsuffix .a' before the tool"
                              : "call the archiver without lltwrapper for this"));
 }
@@ -44,7 +44,7 @@ void advise_on_missing_archive(Advice& advice)
 char operation_of(const std::vector<std::string>& command)
 {
     const auto at = std::find_if(command.begin(), command.end(), [](const std::string& text) {
-        return equals_nocase(base_name(text).c_str(), strArTools.c_str());
+        return equals_nocase(base_name(text), strArTools);
     });
     if (at == command.end() || at + 1 == command.end() || (at + 1)->compare(0, 2, "--") == 0) {
         return '\0';

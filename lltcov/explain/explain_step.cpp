@@ -95,20 +95,6 @@ void take_the_road(ExplainedStep& step)
 
 } // namespace
 
-bool is_own_option(const std::string& argument)
-{
-    const char* const options[] = {"-qmr_current_prj_path",
-                                   "-projectname",
-                                   "-qmr_coverage_stub_mold",
-                                   "-lltwrapper_envfile",
-                                   "-objsuffix",
-                                   "-binsuffix",
-                                   "-artool",
-                                   "-arsuffix"};
-    return std::any_of(std::begin(options), std::end(options),
-                       [&](const char* option) { return equals_nocase(argument.c_str(), option); });
-}
-
 ExplainedStep explain_step(const std::vector<std::string>& command)
 {
     ExplainedStep step;

@@ -26,9 +26,6 @@ struct ExplainedStep : Plan {
     std::vector<std::string> said;      ///< its lines on standard error, without its name
 };
 
-/// True for the wrapper's own options, all of which have a value, in any case of letters.
-bool is_own_option(const std::string& argument);
-
 /// Explains the command that follows "lltwrapper". Runs and makes nothing, but sets the
 /// wrapper's state and environment as the command would: to be called once in a process.
 ExplainedStep explain_step(const std::vector<std::string>& command);
