@@ -23,14 +23,14 @@
  * drivers are told. */
 #define TEMPORARY_NAME "LLTTEMP"
 
-/* The folder that the settings give a project for all that the tool set writes. */
-#define OWN_FOLDER ".lltcov"
+/* The directory that the settings give a project for all that the tool set writes. */
+#define OWN_DIRECTORY ".lltcov"
 
 /* The end of a dump file's name, and what follows it in that of the file beside it. */
 #define DUMP_SUFFIX ".lltcov"
 #define SPARE_SUFFIX ".tmp"
 
 /* The directory for dumps of a project that names none. */
-#define DUMP_FOLDER "llt_result"
+#define DUMP_DIRECTORY "llt_result"
 
 #endif

@@ -6,9 +6,9 @@
 namespace places
 {
 
-std::string area_in(const std::string& folder)
+std::string area_in(const std::string& directory)
 {
-    return folder + "/" AREA_NAME;
+    return directory + "/" AREA_NAME;
 }
 
 std::string temporary_directory(const std::string& root)
@@ -56,19 +56,19 @@ std::string saved_object(const std::string& area, const std::string& symbol)
     return area + "/obj/before/" + symbol;
 }
 
-std::string table(const std::string& folder)
+std::string table(const std::string& directory)
 {
-    return folder + "/.tab";
+    return directory + "/.tab";
 }
 
-std::string compile_command(const std::string& folder)
+std::string compile_command(const std::string& directory)
 {
-    return folder + "/CompileCmd.txt";
+    return directory + "/CompileCmd.txt";
 }
 
-std::string record(const std::string& folder)
+std::string record(const std::string& directory)
 {
-    return folder + "/record";
+    return directory + "/record";
 }
 
 std::string tuple_db(const std::string& area)

@@ -11,7 +11,7 @@ namespace places
 
 // --- areas
 
-std::string area_in(const std::string& folder);           ///< FOLDER/codemeasure
+std::string area_in(const std::string& directory);        ///< DIRECTORY/codemeasure
 std::string temporary_directory(const std::string& root); ///< ROOT/LLTTEMP
 std::string temporary_area(const std::string& root);      ///< ROOT/LLTTEMP/codemeasure
 
@@ -38,10 +38,10 @@ std::string saved_object(const std::string& area, const std::string& symbol); //
 
 // --- in a directory of the database
 
-std::string table(const std::string& folder); ///< DB/.tab: AREA/db has the merged table
+std::string table(const std::string& directory); ///< DB/.tab: AREA/db has the merged table
 std::string
-compile_command(const std::string& folder);    ///< DB/CompileCmd.txt; AREA has the module's
-std::string record(const std::string& folder); ///< DB/record
+compile_command(const std::string& directory);    ///< DB/CompileCmd.txt; AREA has the module's
+std::string record(const std::string& directory); ///< DB/record
 
 // --- in a work area
 

@@ -4,8 +4,8 @@
 
 #include <string>
 
-/// The root of the data of the project that the path stands for: the folder of a project file, else
-/// the path itself; where one tree is built for several platforms ("isOverlappedCompile"), the
+/// The root of the data of the project that the path stands for: the directory of a project file,
+/// else the path itself; where one tree is built for several platforms ("isOverlappedCompile"), the
 /// platform's subdirectory. Empty for an empty path.
 std::string root_of_project(const std::string& path);
 

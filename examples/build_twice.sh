@@ -34,7 +34,7 @@ fetch() {
     get_project "$1" "$2/source"
 }
 
-# fetch_or_hello NAME FOLDER: as fetch, into FOLDER/NAME, or takes what needs no network; sets name
+# fetch_or_hello NAME DIRECTORY: as fetch, into DIRECTORY/NAME, or takes what needs no network; sets name
 fetch_or_hello() {
     local reason
     name=$1

@@ -49,7 +49,7 @@ void print_help(std::FILE* out)
     std::fputs(
         "\n"
         "The project is the one of --project, else of qmr_current_prj_path, else the current\n"
-        "folder. Exit status: 0, 1 when something was found or failed, 2 for a wrong call.\n"
+        "directory. Exit status: 0, 1 when something was found or failed, 2 for a wrong call.\n"
         "See lltcov(1).\n",
         out);
 }

@@ -11,8 +11,8 @@ places() {
     sed -n '/^| where |/,/^$/ { /^| `/p }' ARCHITECTURE.md | cut -d '|' -f 2 |
         awk -F '`' '{
             for (i = 2; i < NF; i += 2) {
-                if ($i ~ /\//) { folder = $i; sub(/\/?[^\/]*\/?$/, "", folder) }
-                else if (folder != "") $i = folder "/" $i
+                if ($i ~ /\//) { directory = $i; sub(/\/?[^\/]*\/?$/, "", directory) }
+                else if (directory != "") $i = directory "/" $i
                 sub(/\/$/, "", $i); print $i
             }
         }'

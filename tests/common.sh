@@ -9,7 +9,7 @@
 set -u
 unset CDPATH
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-programs=$(cd "${1:?no folder of the programs}" && pwd) || exit 2
+programs=$(cd "${1:?no directory of the programs}" && pwd) || exit 2
 shift
 # shellcheck disable=SC2034 # for the tests
 compiler=${CC:-gcc}
@@ -66,7 +66,7 @@ needs() {
     for program; do command -v "$program" >/dev/null || skip "$program is missing"; done
 }
 
-# enter_project FOLDER: the settings of a project whose data go into the folder itself, as a path
+# enter_project DIRECTORY: the settings of a project whose data go into the directory itself, as a path
 # that was set before does, and no longer those of another one
 enter_project() {
     unset lltcovRootpath

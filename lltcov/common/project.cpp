@@ -22,31 +22,31 @@ std::string project_root(const CommandLine& line)
     std::string root = is_named ? line.value("--project") : env_text("qmr_current_prj_path");
     if (is_named || root.empty()) {
         root = names_project_file(root) ? split_path(root).directory : root;
-        root = own_folder(root.empty() ? "." : root);
+        root = own_directory(root.empty() ? "." : root);
     } else {
         root = root_of_project(root);
     }
     std::string absolute = absolute_path(root);
     if (QMRPathIsDirectory(absolute.c_str()) == 0) {
-        throw UsageError("the project's folder '" + root + "' does not exist");
+        throw UsageError("the project's directory '" + root + "' does not exist");
     }
     return absolute;
 }
 
-std::string own_folder(const std::string& folder)
+std::string own_directory(const std::string& directory)
 {
-    std::string own = folder + "/" OWN_FOLDER;
-    return QMRPathIsDirectory(own.c_str()) != 0 ? own : folder;
+    std::string own = directory + "/" OWN_DIRECTORY;
+    return QMRPathIsDirectory(own.c_str()) != 0 ? own : directory;
 }
 
-bool is_own_folder(const std::string& root)
+bool is_own_directory(const std::string& root)
 {
-    return base_name(root) == OWN_FOLDER;
+    return base_name(root) == OWN_DIRECTORY;
 }
 
-std::string project_folder(const std::string& root)
+std::string project_directory(const std::string& root)
 {
-    const std::size_t at = (root + "/").rfind("/" OWN_FOLDER "/");
+    const std::size_t at = (root + "/").rfind("/" OWN_DIRECTORY "/");
     return at == std::string::npos ? root : root.substr(0, std::max<std::size_t>(at, 1));
 }
 
@@ -69,7 +69,7 @@ std::string dump_root(const std::string& root)
             return env_text(variable);
         }
     }
-    return root + "/" DUMP_FOLDER;
+    return root + "/" DUMP_DIRECTORY;
 }
 
 bool is_dump(const std::string& name)
@@ -83,12 +83,12 @@ bool is_spare_dump(const std::string& name)
     return ::fnmatch(".?*" DUMP_SUFFIX SPARE_SUFFIX, name.c_str(), 0) == 0;
 }
 
-bool is_inside(const std::string& path, const std::string& folder)
+bool is_inside(const std::string& path, const std::string& directory)
 {
-    return path.compare(0, folder.size() + 1, folder + "/") == 0;
+    return path.compare(0, directory.size() + 1, directory + "/") == 0;
 }
 
-std::string shown_path(const std::string& path, const std::string& folder)
+std::string shown_path(const std::string& path, const std::string& directory)
 {
-    return is_inside(path, folder) ? path.substr(folder.size() + 1) : path;
+    return is_inside(path, directory) ? path.substr(directory.size() + 1) : path;
 }

@@ -15,17 +15,17 @@ struct Module {
 /// The root of the project's data, absolute: of the option "--project", else of
 /// "qmr_current_prj_path" (whose project file, when it names one, stands for its directory, and
 /// whose platform's subdirectory counts where one tree is built for several), else the current
-/// directory. What is named by hand stands for its folder ".lltcov" where it has one.
+/// directory. What is named by hand stands for its directory ".lltcov" where it has one.
 std::string project_root(const CommandLine& line);
 
-/// FOLDER/.lltcov where the settings have made it, else the folder itself.
-std::string own_folder(const std::string& folder);
+/// DIRECTORY/.lltcov where the settings have made it, else the directory itself.
+std::string own_directory(const std::string& directory);
 
-/// True for FOLDER/.lltcov itself.
-bool is_own_folder(const std::string& root);
+/// True for DIRECTORY/.lltcov itself.
+bool is_own_directory(const std::string& root);
 
 /// The project's directory, in which its sources are: the root, or what holds ".lltcov" above it.
-std::string project_folder(const std::string& root);
+std::string project_directory(const std::string& root);
 
 /// The modules of the project, by name. LLTTEMP is none.
 std::vector<Module> modules_of(const std::string& root);
@@ -42,7 +42,7 @@ bool is_dump(const std::string& name);
 bool is_spare_dump(const std::string& name);
 
 /// True for a path below the directory, both absolute and without "." and "..".
-bool is_inside(const std::string& path, const std::string& folder);
+bool is_inside(const std::string& path, const std::string& directory);
 
 /// The path as people read it: relative to the directory when it is inside.
-std::string shown_path(const std::string& path, const std::string& folder);
+std::string shown_path(const std::string& path, const std::string& directory);

@@ -76,7 +76,7 @@ int run_doctor(const Arguments& arguments)
         std::printf("project path: %s; set qmr_current_prj_path\n", error.what());
         return 1;
     }
-    Examined examined = {read_modules(root, reading), files_below(project_folder(root))};
+    Examined examined = {read_modules(root, reading), files_below(project_directory(root))};
     bool is_sick = print("modules", reading);
     for (const Check& check : CHECKS) {
         Findings findings;
@@ -85,9 +85,9 @@ int run_doctor(const Arguments& arguments)
     }
     if (!is_sick) {
         const std::size_t modules = examined.data.modules.size();
-        std::printf("nothing found: %zu modules in '%s'%s\n", modules, examined.data.folder.c_str(),
-                    modules == 0 ? "; if it is built, lltcc has said what it compiles plainly"
-                                 : "");
+        std::printf(
+            "nothing found: %zu modules in '%s'%s\n", modules, examined.data.directory.c_str(),
+            modules == 0 ? "; if it is built, lltcc has said what it compiles plainly" : "");
     }
     return is_sick ? 1 : 0;
 }

@@ -140,7 +140,7 @@ void check_archives(Examined& examined, Findings& findings)
                 findings.add(
                     "taken places",
                     "'" + place + "' stands where the coverage data of '" + path +
-                        "' would go; set qmr_current_prj_path to a folder of their own, as TUSK_INIT.SH does");
+                        "' would go; set qmr_current_prj_path to a directory of their own, as TUSK_INIT.SH does");
             }
         }
     }

@@ -89,12 +89,12 @@ void check_project_path(Examined&, Findings& findings)
         findings.add("paths", "qmr_current_prj_path " + what);
     };
     if (path.empty()) {
-        add(std::string("is not set") + SOURCE_IT + " in the project's folder");
+        add(std::string("is not set") + SOURCE_IT + " in the project's directory");
         return;
     }
     if (path[0] != '/') {
         add("'" + path +
-            "' is relative: each folder of the build gets work areas of its own; set the absolute path");
+            "' is relative: each directory of the build gets work areas of its own; set the absolute path");
     }
     if (!std::all_of(path.begin(), path.end(), is_plain)) {
         add("'" + path +

@@ -61,7 +61,7 @@ void check_own_program(const std::string& name, Findings& findings)
                      name + " is not on PATH; append '" + program_directory() + "', or use shims");
     } else if (!on_path.empty() && !beside.empty() && !is_same_file(on_path, beside)) {
         findings.add("programs", "'" + on_path + "' is used, not '" + beside +
-                                     "'; put its folder first on PATH unless that is meant");
+                                     "'; put its directory first on PATH unless that is meant");
     }
 }
 

@@ -33,7 +33,7 @@ private:
 /// Starts a program, found through PATH, in the directory. Its output goes to NAME.out there, what
 /// it says on standard error, in English, to NAME.err; its input is empty. 0 when it cannot be
 /// started.
-pid_t start_program(const std::vector<std::string>& words, const TemporaryDirectory& folder,
+pid_t start_program(const std::vector<std::string>& words, const TemporaryDirectory& directory,
                     const std::string& name);
 
 /// Waits for it; its exit status as a shell's `$?`, 127 for 0.

@@ -47,14 +47,15 @@ class Cleaner
 {
 public:
     Cleaner(std::string root, Mode mode, Scope scope)
-        : root_(std::move(root)), folder_(project_folder(root_)), mode_(mode), scope_(scope)
+        : root_(std::move(root)), directory_(project_directory(root_)), mode_(mode), scope_(scope)
     {
     }
 
     /// Finds the work areas; false for a directory that has nothing of a project.
     bool find()
     {
-        bool is_project = is_own_folder(root_) || type_of(places::temporary_directory(root_)) != 0;
+        bool is_project =
+            is_own_directory(root_) || type_of(places::temporary_directory(root_)) != 0;
         if (mode_ == Mode::remove && type_of(set_aside()) != 0) {
             is_project = true;
             remove(set_aside());
@@ -76,7 +77,7 @@ public:
         clean_areas();
         if (scope_ == Scope::all) {
             clean_temporary();
-            clean_own_folder();
+            clean_own_directory();
         }
     }
 
@@ -86,7 +87,7 @@ public:
         if (!areas_.empty() || temporary_) {
             std::printf(", %zu work areas%s", areas_.size(), temporary_ ? ", LLTTEMP" : "");
         }
-        std::printf(" of '%s'\n", folder_.c_str());
+        std::printf(" of '%s'\n", directory_.c_str());
     }
 
     bool has_failed() const { return has_failed_; }
@@ -102,7 +103,7 @@ private:
             }
             const bool is_ours = is_dump(name) ? is_wanted_dump(path)
                                                : scope_ != Scope::gone && is_spare_dump(name) &&
-                                                     is_inside(path, folder_);
+                                                     is_inside(path, directory_);
             if (is_ours && remove(path)) {
                 dumps_ += is_dump(name) ? 1 : 0;
             }
@@ -143,10 +144,10 @@ private:
         }
     }
 
-    /// All that is in the folder of a project's settings was written by the tool set.
-    void clean_own_folder()
+    /// All that is in the directory of a project's settings was written by the tool set.
+    void clean_own_directory()
     {
-        if (is_own_folder(root_) && type_of(root_) == S_IFDIR) {
+        if (is_own_directory(root_) && type_of(root_) == S_IFDIR) {
             remove(root_);
         }
     }
@@ -160,12 +161,12 @@ private:
             const std::string real = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
             const std::string area = real.empty() ? named : real; // a program has taken its place
             const bool is_ours =
-                named[0] == '/' ? is_inside(area, root_) : is_inside(path, folder_);
+                named[0] == '/' ? is_inside(area, root_) : is_inside(path, directory_);
             const bool is_gone = !named.empty() && (areas_.count(area) != 0 ||
                                                     type_of(places::project_file(area)) == 0);
             return is_ours && (scope_ != Scope::gone || is_gone);
         } catch (const std::exception&) {
-            return is_inside(path, folder_) && scope_ != Scope::gone;
+            return is_inside(path, directory_) && scope_ != Scope::gone;
         }
     }
 
@@ -207,7 +208,7 @@ private:
     std::string set_aside() const { return root_ + "/.lltcov-clean"; }
 
     std::string root_;
-    std::string folder_; ///< of the project
+    std::string directory_; ///< of the project
     Mode mode_;
     Scope scope_;
     std::size_t dumps_ = 0;

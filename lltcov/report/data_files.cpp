@@ -49,7 +49,7 @@ void write_data_files(const ProjectData& data, const std::string& directory, Fin
             continue;
         }
         const fs::path stem =
-            fs::path(directory) / free_stem(stem_of(record.object, data.folder), taken);
+            fs::path(directory) / free_stem(stem_of(record.object, data.directory), taken);
         const RunCounters runs = all_runs(object);
         fs::create_directories(stem.parent_path());
         if (replace_file(stem.string() + ".gcno", record.notes) != Writing::done ||

@@ -70,7 +70,7 @@ Report report_of(const ProjectData& data, const Format& format, Counting countin
 {
     CoverageMaker maker(data, counting, findings);
     const std::vector<std::size_t> all = all_objects(data);
-    Report report{data.folder, counting, maker.coverage_of(all), {}};
+    Report report{data.directory, counting, maker.coverage_of(all), {}};
     if (format.has_tests && !data.tests.empty()) {
         report.tests.emplace_back("", maker.coverage_of_test("", all));
         for (const std::string& test : data.tests) {

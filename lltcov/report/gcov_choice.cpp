@@ -39,8 +39,8 @@ int GcovChoice::major_of(const std::string& program)
 {
     const auto [known, is_new] = majors_.emplace(program, 0);
     if (is_new &&
-        wait_for_program(start_program({program, "--version"}, folder_, "version")) == 0) {
-        known->second = gcov_major(folder_.read("version.out"));
+        wait_for_program(start_program({program, "--version"}, directory_, "version")) == 0) {
+        known->second = gcov_major(directory_.read("version.out"));
     }
     return known->second;
 }

@@ -24,7 +24,7 @@ public:
 private:
     int major_of(const std::string& program);
 
-    TemporaryDirectory folder_;
+    TemporaryDirectory directory_;
     std::map<std::string, int> majors_; ///< by program
     std::map<std::pair<std::string, int>, std::string> choices_;
 };

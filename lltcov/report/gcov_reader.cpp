@@ -108,19 +108,19 @@ private:
         for (const std::size_t i : run.objects) {
             const ObjectReading& object = *objects_[i];
             const std::string name = std::to_string(i);
-            folder_.write(name + ".gcno", object.record->notes);
-            folder_.write(name + ".gcda", data_file(*object.record, object.counters, 1));
+            directory_.write(name + ".gcno", object.record->notes);
+            directory_.write(name + ".gcda", data_file(*object.record, object.counters, 1));
             words.push_back(name + ".gcda");
         }
         run.name = std::to_string(run.objects[0]);
-        run.pid = start_program(words, folder_, run.name);
+        run.pid = start_program(words, directory_, run.name);
     }
 
     void finish(Run& run)
     {
         wait_for_program(run.pid);
-        const std::string output = folder_.read(run.name + ".out");
-        const std::string errors = folder_.read(run.name + ".err");
+        const std::string output = directory_.read(run.name + ".out");
+        const std::string errors = directory_.read(run.name + ".err");
         for (const std::size_t i : run.objects) {
             complaints_[i] = complaint_about(std::to_string(i), errors);
         }
@@ -186,7 +186,7 @@ private:
     const ObjectReadings& objects_;
     Counting counting_;
     Findings& findings_;
-    TemporaryDirectory folder_;
+    TemporaryDirectory directory_;
     GcovChoice choice_;
     std::vector<bool> is_read_;
     std::map<std::size_t, std::string> complaints_; ///< by index

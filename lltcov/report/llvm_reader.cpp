@@ -89,8 +89,8 @@ private:
         for (const ObjectReading* object : part.objects) {
             arguments += (arguments.empty() ? "" : "-object\n") + quoted(object->file);
         }
-        folder_.write(part.name + ".objects", arguments);
-        folder_.write(part.name + ".proftext", profile_text(part.objects));
+        directory_.write(part.name + ".objects", arguments);
+        directory_.write(part.name + ".proftext", profile_text(part.objects));
         return true;
     }
 
@@ -124,7 +124,7 @@ private:
             if (running.size() == number_of_processors()) {
                 finish();
             }
-            running.emplace_back(part, start_program(words(*part), folder_, part->name));
+            running.emplace_back(part, start_program(words(*part), directory_, part->name));
         }
         while (!running.empty()) {
             finish();
@@ -135,7 +135,7 @@ private:
     {
         progress_.step();
         try {
-            for (auto& [name, source] : read_lcov(folder_.read(part.name + ".out"))) {
+            for (auto& [name, source] : read_lcov(directory_.read(part.name + ".out"))) {
                 if (counting_ < Counting::branches) {
                     source.blocks.clear();
                 }
@@ -164,7 +164,7 @@ private:
 
     void tell_failure(const Part& part, const std::string& program)
     {
-        const std::string errors = folder_.read(part.name + ".err");
+        const std::string errors = directory_.read(part.name + ".err");
         const std::string said = errors.empty() ? "no result" : errors.substr(0, errors.find('\n'));
         findings_.add("unread objects",
                       "'" + part.objects[0]->record->object +
@@ -175,7 +175,7 @@ private:
     std::vector<Part>& parts_;
     Counting counting_;
     Findings& findings_;
-    TemporaryDirectory folder_;
+    TemporaryDirectory directory_;
     std::map<std::string, LlvmTools> tools_; ///< by recorded directory
     Progress progress_;
 };

@@ -19,9 +19,9 @@ LlvmTools both(const std::string& before, const std::string& after)
 
 } // namespace
 
-LlvmTools find_llvm_tools(const std::string& folder)
+LlvmTools find_llvm_tools(const std::string& directory)
 {
-    LlvmTools tools = folder.empty() ? LlvmTools() : both(folder + "/", "");
+    LlvmTools tools = directory.empty() ? LlvmTools() : both(directory + "/", "");
     if (tools.cov.empty()) {
         tools = both("", "");
     }

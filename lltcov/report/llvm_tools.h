@@ -11,4 +11,4 @@ struct LlvmTools {
 
 /// The tools in the directory that was recorded, else "llvm-profdata" and "llvm-cov" on PATH, else
 /// the newest ones there that have a version in their names ("llvm-cov-14").
-LlvmTools find_llvm_tools(const std::string& folder);
+LlvmTools find_llvm_tools(const std::string& directory);

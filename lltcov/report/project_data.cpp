@@ -232,7 +232,7 @@ ProjectData read_modules(const std::string& root, Findings& findings)
 {
     ProjectData data;
     data.root = root;
-    data.folder = project_folder(root);
+    data.directory = project_directory(root);
     const std::vector<Module> modules = modules_of(root);
     Progress progress("reading modules", modules.size());
     ModuleReader reader(data, findings);
@@ -267,7 +267,7 @@ ProjectData read_project_data(const CommandLine& line, Findings& findings)
     const std::string root = project_root(line);
     ProjectData data = read_modules(root, findings);
     if (data.modules.empty()) {
-        findings.add("projects", "'" + data.folder +
+        findings.add("projects", "'" + data.directory +
                                      "' holds no module with coverage data; build it " +
                                      "through lltwrapper, or name another one with --project");
     }

@@ -47,8 +47,8 @@ struct ModuleData {
 
 /// A project. Objects and modules refer to each other by index.
 struct ProjectData {
-    std::string root;   ///< absolute path of what the tool set has written
-    std::string folder; ///< absolute path of the project, in which its sources are
+    std::string root;      ///< absolute path of what the tool set has written
+    std::string directory; ///< absolute path of the project, in which its sources are
     std::vector<ModuleData> modules;
     std::vector<InstrumentedObject> objects; ///< an object that several modules hold is here once
     std::unordered_map<std::string, std::size_t> object_of_symbol;

@@ -184,7 +184,7 @@ void CoverageMaker::add(Coverage& sum, std::size_t object, const Coverage& cover
 
 bool CoverageMaker::is_shown(const InstrumentedObject& object, const std::string& path)
 {
-    if (is_system_header(path) && !is_inside(path, data_.folder)) {
+    if (is_system_header(path) && !is_inside(path, data_.directory)) {
         return false;
     }
     const std::optional<struct stat>& state = state_of(path);

@@ -141,8 +141,8 @@ int run_status(const Arguments& arguments)
     Findings findings;
     const ProjectData data = read_project_data(line, findings);
     const std::vector<Row> rows = rows_of(data, counting, findings);
-    line.has("--json") ? print_json(rows, counting, data.folder)
-                       : print_table(rows, counting, data.folder);
+    line.has("--json") ? print_json(rows, counting, data.directory)
+                       : print_table(rows, counting, data.directory);
     const bool is_written = finish_output();
     findings.print();
     return is_written && !findings.has_problems() ? 0 : 1;

@@ -156,14 +156,14 @@ int run_tests(const Arguments& arguments)
     }
     const bool has_line = !line.operands().empty();
     const Line wanted =
-        has_line ? line_of(line.operands()[0], project_folder(project_root(line))) : Line();
+        has_line ? line_of(line.operands()[0], project_directory(project_root(line))) : Line();
     Findings findings;
     const ProjectData data = read_project_data(line, findings);
     if (data.tests.empty()) {
         findings.print();
         warn(
             "no run of '%s' has the name of a test; run each test with LLTCOV_TEST=NAME in its environment",
-            data.folder.c_str());
+            data.directory.c_str());
         return 1;
     }
     const Counting counting = line.has("--unique") ? Counting::branches : Counting::lines;

@@ -238,7 +238,7 @@ fi
 for place in "$project/$module" "$project/$module/codemeasure"; do
     if [ ! -d "$place" ] && { [ -e "$place" ] || [ -h "$place" ]; }; then
         run_plainly "'$place' stands where the coverage data of '$archive' would go; \
-set qmr_current_prj_path to a folder of their own, as TUSK_INIT.SH does" "$@"
+set qmr_current_prj_path to a directory of their own, as TUSK_INIT.SH does" "$@"
     fi
 done
 if [ -n "$rewrite" ]; then

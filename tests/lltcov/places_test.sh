@@ -1,6 +1,6 @@
 #!/bin/bash
-# Where a build through shims puts its data: a folder of its own by the settings; where the project path
-# is the folder of the build itself, a library and a program that want one place; nowhere without settings.
+# Where a build through shims puts its data: a directory of its own by the settings; where the project path
+# is the directory of the build itself, a library and a program that want one place; nowhere without settings.
 # shellcheck source=tests/common.sh
 . "$(dirname "$0")/../common.sh"
 said=$work/said
@@ -24,7 +24,7 @@ build() { # build PROGRAM
 }
 hits() { lltcov status "$@" 2>&1 | awk '{ print $1, $4 }' | sed 1d | xargs; }
 
-# --- a folder of its own
+# --- a directory of its own
 fresh own && settings
 built='.lltcov foo foo.a lib.c lib.o main.c main.o'
 for round in first second 'after clean --all'; do
@@ -33,7 +33,7 @@ for round in first second 'after clean --all'; do
     expect 'git sees nothing of it' '*' "$(cat .lltcov/.gitignore)"
     lltcov clean >/dev/null && LLTCOV_TEST=run ./foo
     expect 'all is counted' 'foo 1/1 foo_exe 1/1 total 2/2' "$(hits)"
-    for folder in . .lltcov "$PWD"; do expect "--project $folder" "$(hits)" "$(hits --project "$folder")"; done
+    for directory in . .lltcov "$PWD"; do expect "--project $directory" "$(hits)" "$(hits --project "$directory")"; done
     expect 'sources are relative to the project' 'lib.c main.c' \
         "$(lltcov export --cobertura 2>/dev/null | sed -n 's/.* filename="\([^"]*\)".*/\1/p' | xargs)"
     expect 'a line of the project' 'TEST COUNT run 1' "$(cd / && lltcov tests lib.c:1 | xargs)"
@@ -41,7 +41,7 @@ for round in first second 'after clean --all'; do
     [ "$round" != second ] || { : >main.o && expect 'clean --all' "${built#* }" "$(lltcov clean --all >/dev/null; names)"; }
 done
 
-# --- the folder of the build itself: foo.a wants the place of the program foo
+# --- the directory of the build itself: foo.a wants the place of the program foo
 fresh shared && export qmr_current_prj_path=$PWD && settings && gcc -c lib.c && ar rcs foo.a lib.o
 clash="'$PWD/foo' stands where the coverage data of 'foo.a' would go"
 warns() { lltcov explain -- "$@" 2>&1 | grep -o "'[^']*' stands where .* would go"; }
@@ -56,14 +56,14 @@ expect 'built again' 0 "$(build foo)"
 expect 'which is said, too' "lltwrapper: 'ar' runs without coverage: $clash" "$(grep -o '.*would go' "$said")"
 expect 'counted again' 'foo_exe 2/2 total 2/2' "$(lltcov clean >/dev/null; ./foo; hits)"
 mkdir lib_x && : >lib_x/codemeasure
-expect 'a dash, and a file in the folder' "lib_x/codemeasure'" "$(ar rcs lib-x.a lib.o 2>&1 | grep -o 'lib_x/[^ ]*')"
+expect 'a dash, and a file in the directory' "lib_x/codemeasure'" "$(ar rcs lib-x.a lib.o 2>&1 | grep -o 'lib_x/[^ ]*')"
 expect 'the archive' lib.o "$(ar t lib-x.a)"
 export isOverlappedCompile=1 PlatformToken=BOARD BOARD=arm
 mkdir arm && : >arm/libp
 expect 'a platform' "arm/libp'" "$(ar rcs libp.a lib.o 2>&1 | grep -o 'arm/[^ ]*' | head -1)"
 export isOverlappedCompile=0
 mkdir keep && : >keep/mine && cp -r foo_exe/codemeasure keep && rm foo && mkdir foo_exe_2
-expect 'a folder with more in it stays' '1 keep/mine' "$(gcc main.o foo.a -o keep >"$said" 2>&1; echo $? keep/mi*)"
+expect 'a directory with more in it stays' '1 keep/mine' "$(gcc main.o foo.a -o keep >"$said" 2>&1; echo $? keep/mi*)"
 rm -rf keep* foo_exe && : >foo_exe
 expect 'a file in the place of a program' "0 '$PWD/foo_exe' stands where the work area of 'foo'" \
     "$(gcc main.o lib.o -o foo 2>"$said" >"$work/out"; echo $? "$(grep -o "'[^']*' stands .* of 'foo'" "$said")")"

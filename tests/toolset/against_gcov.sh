@@ -42,8 +42,8 @@ with_lltcov() {
 gcov_verdicts() {
     find "$1" -name '*.gcno' -print0 |
         xargs -0 -r -n 1 "${2:-gcov}" --json-format --stdout -b 2>/dev/null |
-        jq -r '.current_working_directory as $folder | .files[] |
-            (if .file | startswith("/") then .file else $folder + "/" + .file end) as $file |
+        jq -r '.current_working_directory as $directory | .files[] |
+            (if .file | startswith("/") then .file else $directory + "/" + .file end) as $file |
             (.functions[] | ["start", $file, .name, .start_line, 0, ""],
                 ["function", $file, .name, "", 0, .execution_count]),
             (.lines[] | ["line", $file, .line_number, "", 0, .count],

@@ -95,13 +95,13 @@ report third
 expect 'and the report with it' same "$(cmp "$work/first.info" "$work/third.info" && echo same)"
 
 # --- the same tree in another directory: without -g nothing that the compiler sees differs
-enter_project "$work/folders"
-for folder in one two; do
-    mkdir -p "$work/$folder/sub"
-    cd "$work/$folder" || exit
+enter_project "$work/directories"
+for directory in one two; do
+    mkdir -p "$work/$directory/sub"
+    cd "$work/$directory" || exit
     printf 'int half(int x)\n{\n    return x / 2;\n}\n' >sub/half.c
     logged lltwrapper ccache gcc -c sub/half.c -o half.o
-    expect "the record names folder $folder" "source $PWD/sub/half.c object $PWD/half.o" \
+    expect "the record names directory $directory" "source $PWD/sub/half.c object $PWD/half.o" \
         "$(grep -aE '^(source|object) ' half.o | paste -sd ' ')"
 done
 

@@ -38,7 +38,7 @@ TEST_F(CommandLineOfLltcov, HelpIsAnAnswerAndAWrongCallATwo)
         {"export --lcov --json", 2, "", "lltcov: choose one format\n"},
         {"clean --gone --all", 2, "", "lltcov: choose one of --gone and --all\n"},
         {"status --project=nowhere", 2, "",
-         "lltcov: the project's folder 'nowhere' does not exist"},
+         "lltcov: the project's directory 'nowhere' does not exist"},
         {"status --project=.", 1, "MODULE", ""},
     };
     for (const Call& call : calls) {

@@ -25,10 +25,10 @@ protected:
 
     /// Tools of which the first makes a file and the second shows the file that is named by the
     /// option for objects, or in a file of arguments: a tracefile takes the place of an object.
-    void add_tools(const std::string& folder)
+    void add_tools(const std::string& directory)
     {
-        add_program(folder + "/llvm-profdata", "cp \"$4\" \"$3\"");
-        add_program(folder + "/llvm-cov", "eval set -- $(cat \"${4#@}\"); cat \"$1\"");
+        add_program(directory + "/llvm-profdata", "cp \"$4\" \"$3\"");
+        add_program(directory + "/llvm-cov", "eval set -- $(cat \"${4#@}\"); cat \"$1\"");
     }
 
     Findings findings_;
