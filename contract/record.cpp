@@ -75,6 +75,8 @@ private:
                 lines_.rest_of_line() == "clang" ? CounterSource::clang : CounterSource::gcc;
         } else if (key == "reader") {
             record_.reader = lines_.rest_of_line();
+        } else if (key == "assembler") {
+            record_.assembler.emplace_back(lines_.rest_of_line());
         } else if (key == "array") {
             record_.array_bytes = number("size of the array", MAX_BYTES);
             record_.or_bytes = number("size of its end", record_.array_bytes);
@@ -164,8 +166,11 @@ std::string to_bytes(const Record& record)
     for (const auto& [real, recorded] : record.path_maps) {
         out << "map " << real << '=' << recorded << '\n';
     }
-    out << "compiler " << name_of(record.compiler) << "\nreader " << record.reader << "\narray "
-        << record.array_bytes << ' ' << record.or_bytes << '\n';
+    out << "compiler " << name_of(record.compiler) << "\nreader " << record.reader << '\n';
+    for (const std::string& word : record.assembler) {
+        out << "assembler " << word << '\n';
+    }
+    out << "array " << record.array_bytes << ' ' << record.or_bytes << '\n';
     if (record.compiler == CounterSource::gcc) {
         out << "version " << record.version << ' ' << record.has_checksum << '\n';
     }

@@ -11,10 +11,12 @@
 //     command gcc -g -O2           content of "CompileCmd.txt"
 //     map REAL=RECORDED            path prefix and what the compiler was told to record for it
 //     compiler gcc                 gcc or clang: who counts, and how the rest reads
-//     reader /usr/bin/gcov-12      program that reads the notes (gcc), LLVM's tools directory
-//     (clang) array 96 16                  bytes of the counters; how many at the end join by "or"
-//     version 1110585898 1         version word of notes and data; 1 when data have a checksum
-//     (gcc) function 70510028 1 99 f     identifier, checksums of lines and flow, name (gcc)
+//     reader /usr/bin/gcov-12      reads the notes (gcc); directory of LLVM's tools (clang)
+//     assembler as                 the compiler's assembler, and the options for its target
+//     assembler --64
+//     array 96 16                  bytes of the counters; how many at the end join by "or"
+//     version 1110585898 1         gcc: version word of notes and data; 1: data have a checksum
+//     function 70510028 1 99 f     gcc: identifier, checksums of lines and flow, name
 //     profile 24 f                 hash of the structure, name in profiles (clang)
 //     counters 0 4 32              of the function before: kind, number of 8-byte counters, offset
 //     notes SIZE                   last line; SIZE bytes follow, the notes of the compiler (gcc)
@@ -67,6 +69,7 @@ struct Record : RecordedCounters {
     std::vector<std::pair<std::string, std::string>> path_maps; ///< real, recorded prefix
     CounterSource compiler = CounterSource::gcc;
     std::string reader;
+    std::vector<std::string> assembler;
     std::string notes; ///< gcc
 };
 

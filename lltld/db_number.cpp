@@ -4,12 +4,16 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/build_id.h"
+#include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/ini_profile.h"
 #include "commonfunc/text.h"
 #include "contract/names.h"
 #include "lltld/counter_mode.h"
 #include "lltld/cov_paths.h"
+
+#include <cstdlib>
+#include <memory>
 
 namespace
 {
@@ -82,9 +86,24 @@ int LD_UpDateCovDbTab(_SOURCEFILE_TAB table, std::FILE* stub, std::FILE* tab)
         if (RenameFileDBDir(stem.c_str(), tab, &record, &start) < 1) {
             return 0;
         }
-        write_array(mode, stem, record.instnum, stub);
+        if (stub != nullptr) {
+            write_array(mode, stem, record.instnum, stub);
+        }
     }
     return write_project_keys(mode, static_cast<int>(start));
+}
+
+bool write_merged_table(const _SOURCEFILE_TAB& table, std::FILE* stub)
+{
+    char* bytes = nullptr;
+    std::size_t size = 0;
+    File tab(::open_memstream(&bytes, &size), &std::fclose);
+    const bool done = tab && LD_UpDateCovDbTab(table, stub, tab.get()) > 0;
+    tab.reset();
+    const std::unique_ptr<char, void (*)(void*)> owner(bytes, &std::free);
+    // Kept: what is complete is written, also when a source has no table of its own.
+    return bytes != nullptr && replace_file(merged_tab_path(), {bytes, size}) == Writing::done &&
+           done;
 }
 
 int RenameFileDBDir(const char* name, std::FILE* tab, _SOURCEFILE_OBJECT* record,

@@ -12,9 +12,14 @@
 std::string stem_of(const std::string& name);
 
 /// Completes each record of the table from its symbol's own table, appends it to `tab`, and writes
-/// its counter-array line to `stub`; then writes the keys of the project file. Changes the records
-/// that `table` shares with the caller. Returns 1, or 0 at the first failure, after a message.
+/// its counter-array line to `stub` (null: to none); then writes the keys of the project file.
+/// Changes the records that `table` shares with the caller. Returns 1, or 0 at the first failure,
+/// after a message.
 int LD_UpDateCovDbTab(_SOURCEFILE_TAB table, std::FILE* stub, std::FILE* tab);
+
+/// `LD_UpDateCovDbTab` with the work area's merged table, which is replaced. False when that
+/// failed.
+bool write_merged_table(const _SOURCEFILE_TAB& table, std::FILE* stub);
 
 /// Completes one record from the table of symbol `name`, appends it to `tab` and advances the
 /// running start index. Returns 1, or 0 after a message; a symbol with an empty table has no

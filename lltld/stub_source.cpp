@@ -24,9 +24,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 
 int g_noLinkCodemeasure = 0;
@@ -165,26 +163,12 @@ std::string read_gcc_option(const char* key, const char* path)
     return value;
 }
 
-/// Completes the merged table and writes the arrays into the stub.
-bool write_arrays_and_table(const _SOURCEFILE_TAB& table, std::FILE* stub)
-{
-    char* bytes = nullptr;
-    std::size_t size = 0;
-    File tab(::open_memstream(&bytes, &size), &std::fclose);
-    const bool done = tab && LD_UpDateCovDbTab(table, stub, tab.get()) > 0;
-    tab.reset();
-    const std::unique_ptr<char, void (*)(void*)> owner(bytes, &std::free);
-    // Kept: what is complete is written, also when a source has no table of its own.
-    return bytes != nullptr && replace_file(merged_tab_path(), {bytes, size}) == Writing::done &&
-           done;
-}
-
 /// Writes stub and table; true when the stub is complete and can be compiled.
 bool write_stub(const _SOURCEFILE_TAB& table, std::FILE* stub)
 {
     Caddis_CovInitCodeFile_Func_Declare(stub);
     Caddis_LD_CovTypeIsCustom();
-    if (!write_arrays_and_table(table, stub) || LD_LinuxCompileCovInitCodeFile(table, stub) <= 0) {
+    if (!write_merged_table(table, stub) || LD_LinuxCompileCovInitCodeFile(table, stub) <= 0) {
         return false;
     }
     if (std::fflush(stub) != 0) {

@@ -1,6 +1,5 @@
-// The same road as an archive step takes, on the objects of a link, and with the stub in the form
-// for programs. All arrays are weak: an object may be in a static library as well, whose own stub
-// defines the same array.
+// The same road as an archive step takes, on the objects of a link, up to the stub: that of a link
+// is a table, which only has to be assembled.
 #include "toolset/linkdriver/module_stub.h"
 
 #include "commonfunc/Caddis_func.h"
@@ -10,21 +9,24 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
+#include "commonfunc/text_lines.h"
 #include "contract/linked_libraries.h"
 #include "contract/names.h"
 #include "contract/places.h"
 #include "contract/project_root.h"
+#include "contract/record.h"
 #include "lltld/cov_paths.h"
+#include "lltld/db_number.h"
 #include "lltld/db_tidy.h"
 #include "lltld/inst_file_list.h"
 #include "lltld/inst_resolve.h"
 #include "lltld/module_compile.h"
 #include "lltld/prj_settings.h"
 #include "lltld/source_tab.h"
-#include "lltld/stub_source.h"
 #include "lltld/work_area.h"
 #include "toolset/common/process.h"
 #include "toolset/counters/counter_text.h"
+#include "toolset/linkdriver/module_table.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -73,18 +75,41 @@ std::string stub_options(const std::string& command)
     return std::string(is_kernel ? "" : " -fPIC") + " -O0 -g0 -fno-lto -w";
 }
 
-/// The module's recorded compile command, made fit for the stub.
-bool adapt_compile_command()
+/// The assembler of the objects, as the first source's record has it.
+Words assembler_of_module()
 {
-    const std::string header = std::string(g_lxprj->szCovDictPath) + "/obj/weak_arrays.h";
-    std::string pragmas;
     for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
-        pragmas += std::string("#pragma weak " ARRAY_PREFIX) + node->szInstFileName + "\n";
+        std::string bytes;
+        const std::string path = places::record(temp_db_dir(node->szInstFileName));
+        if (read_whole_file(path, bytes) == Reading::done) {
+            try {
+                const std::vector<Record> records = read_records(bytes);
+                if (!records.empty() && !records[0].assembler.empty()) {
+                    return records[0].assembler;
+                }
+            } catch (const FormatError& error) {
+                notice("'%s' is not read: %s", path.c_str(), error.what());
+            }
+        }
     }
-    const std::string command = g_lxprj->strCompileCmd + stub_options(g_lxprj->strCompileCmd) +
-                                " -include " + shell_word(header);
-    return replace_file(header, pragmas) == Writing::done &&
-           replace_file(compile_command_path(), command) == Writing::done;
+    return {"as"};
+}
+
+/// Assembles the module's table; its object, or an empty path after a message.
+std::string assemble_table()
+{
+    _SOURCEFILE_TAB sources;
+    const std::string object = stub_object_path();
+    std::remove(object.c_str());
+    std::string text;
+    if (CodeMeasure_Client_GetSourceFileTab(&sources) != 0 &&
+        write_merged_table(sources, nullptr)) {
+        text = module_table(sources);
+    }
+    release_table(sources);
+    Words command = assembler_of_module();
+    command.insert(command.end(), {"-o", object});
+    return !text.empty() && run_program(command, {&text}) == 0 ? object : "";
 }
 
 /// The definition of a symbol's counter array, as bytes; empty when its size is not known. 8 bytes
@@ -167,13 +192,10 @@ std::string make_stub(const std::vector<ScannedObject>& objects)
     empty_work_area();
     remove_entries(std::string(g_lxprj->szCovDictPath) + "/obj", PLAIN_ARRAYS);
     if (register_scanned_objects(objects) == 0 || !update_tuple_database() ||
-        TidyCoverageDB() == 0 || !adapt_compile_command()) {
+        TidyCoverageDB() == 0) {
         return "";
     }
-    const std::string stub = stub_object_path();
-    std::remove(stub.c_str());
-    const bool made = Caddis_Coverage_CreateCovInitCodeFile() != 0;
-    return made && QMRFileExists(stub.c_str()) != 0 ? stub : "";
+    return assemble_table();
 }
 
 std::string make_plain_object(const std::vector<ScannedObject>& objects,

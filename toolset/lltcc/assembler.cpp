@@ -24,7 +24,7 @@ namespace
 {
 
 /// A part of what every coverage symbol is a hash of: a change gives all sources new symbols.
-constexpr const char* FORMAT_VERSION = "lltcc 2";
+constexpr const char* FORMAT_VERSION = "lltcc 3";
 
 /// The stamp in the compiler's notes, the word after magic and version, differs from compile to
 /// compile; recorded as 0, which data files are given too.
@@ -34,8 +34,17 @@ constexpr std::size_t STAMP_SIZE = 4;
 /// The assembler's own command line.
 struct AssemblerCall {
     Words options;     ///< everything but the input
+    Words target;      ///< those of them that choose the target
     std::string input; ///< empty for standard input
 };
+
+/// Not a list of output, debug information, or a place of includes.
+bool chooses_target(const std::string& option)
+{
+    const bool has_file = begins_with(option, "-a") && contains(option, "=");
+    return !has_file && !begins_with(option, "-I") && !begins_with(option, "-g") &&
+           !begins_with(option, "--g");
+}
 
 AssemblerCall read_call(const Words& arguments)
 {
@@ -51,6 +60,9 @@ AssemblerCall read_call(const Words& arguments)
             call.input = word;
         } else if (word != "-" && word != "--") {
             call.options.push_back(word);
+            if (chooses_target(word)) {
+                call.target.push_back(word);
+            }
         }
     }
     return call;
@@ -65,16 +77,17 @@ std::string content_of_path(const std::string& path)
     return text;
 }
 
-/// Joins what the driver knows and what the text says.
-Record complete_record(const HandedOver& job, const CounterText& text, std::string notes)
+/// Joins what the driver knows and what text and command say.
+Record complete_record(Record record, const CounterText& text, const AssemblerCall& call,
+                       std::string notes)
 {
-    Record record = job.begun; // its symbol is still "-"
     static_cast<RecordedCounters&>(record) = text.record;
+    record.assembler.insert(record.assembler.end(), call.target.begin(), call.target.end());
     if (notes.size() >= STAMP_AT + STAMP_SIZE) {
         notes.replace(STAMP_AT, STAMP_SIZE, STAMP_SIZE, '\0');
     }
     record.notes = std::move(notes);
-    record.symbol =
+    record.symbol = // of all that is known but itself
         symbol_of(record.source, {FORMAT_VERSION, to_bytes(record), with_array(text, "")});
     return record;
 }
@@ -102,13 +115,13 @@ int assemble(const HandedOver& job, const AssemblerCall& call)
     const bool is_clang = job.begun.compiler == CounterSource::clang;
     const CounterText counters = is_clang ? read_clang_text(text) : read_gcc_text(text);
     const bool is_counted = counters.record.array_bytes != 0;
-    const Record record =
-        complete_record(job, counters, is_clang || !is_counted ? "" : content_of_path(job.notes));
+    const Record record = complete_record(
+        job.begun, counters, call, is_clang || !is_counted ? "" : content_of_path(job.notes));
     const int record_file = anonymous_file(to_bytes(record));
     const std::string input =
         head_and_record(record, record_file) + with_array(counters, ARRAY_PREFIX + record.symbol);
     Words command = call.options;
-    command.insert(command.begin(), job.assembler);
+    command.insert(command.begin(), job.begun.assembler.at(0));
     std::string errors;
     if (run_program(command, {&input, nullptr, &errors}) != 0) {
         throw NotInstrumentable("the assembler does not take the counters");

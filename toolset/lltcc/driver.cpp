@@ -123,6 +123,7 @@ Record begun_record(const Compilation& compilation, const CompileInput& input)
     record.compiler = compilation.compiler.kind == Compiler::Kind::clang ? CounterSource::clang
                                                                          : CounterSource::gcc;
     record.reader = compilation.compiler.reader;
+    record.assembler = {compilation.compiler.assembler};
     return record;
 }
 
@@ -166,10 +167,8 @@ int compile_plainly(const Words& command, const std::string& source, const std::
 std::string uncounted(const Compilation& compilation)
 {
     const CompileCommand& command = compilation.command;
-    if (command.is_optimised) {
-        return command.excluded;
-    }
-    return command.excluded + ";" + compilation.compiler.headers + ";^/usr/include/";
+    return command.excluded +
+           (command.is_optimised ? "" : ";" + compilation.compiler.headers + ";^/usr/include/");
 }
 
 /// Runs the compile that counts and leaves its records; its status, and in `trouble` why it must be
@@ -179,7 +178,7 @@ int compile_counting(const Compilation& compilation, const CompileInput& input,
 {
     try {
         const Record begun = begun_record(compilation, input);
-        const Handover handover(begun, uncounted(compilation), compilation.compiler.assembler);
+        const Handover handover(begun, uncounted(compilation));
         const int status = run_program(instrumented(compilation, input),
                                        {nullptr, nullptr, nullptr, handover.environment()});
         trouble = handover.trouble();

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <stdexcept>
 #include <unistd.h>
+#include <vector>
 
 namespace
 {
@@ -17,7 +18,6 @@ constexpr const char RECORD[] = "LLTCC_RECORD";
 constexpr const char NOTES[] = "LLTCC_NOTES";
 constexpr const char EXCLUDE[] = "LLTCC_EXCLUDE";
 constexpr const char TROUBLE[] = "LLTCC_TROUBLE";
-constexpr const char ASSEMBLER[] = "LLTCC_ASSEMBLER";
 constexpr const char CACHE_KEY[] = "CCACHE_EXTRAFILES";
 
 std::string path_of(int file)
@@ -41,7 +41,7 @@ int notes_file()
 
 } // namespace
 
-Handover::Handover(const Record& begun, const std::string& excluded, const std::string& assembler)
+Handover::Handover(const Record& begun, const std::string& excluded)
     : notes_(notes_file()), trouble_(anonymous_file("")),
       key_(anonymous_file(to_bytes(begun) + excluded))
 {
@@ -56,7 +56,6 @@ Handover::Handover(const Record& begun, const std::string& excluded, const std::
     set(NOTES, notes.substr(0, notes.size() - 1));
     set(EXCLUDE, excluded);
     set(TROUBLE, path_of(trouble_));
-    set(ASSEMBLER, assembler);
     const std::string others = env_text(CACHE_KEY);
     set(CACHE_KEY,
         (others.empty() ? "" : others + ":") + program_directory() + "/lltcc:" + path_of(key_));
@@ -64,11 +63,6 @@ Handover::Handover(const Record& begun, const std::string& excluded, const std::
     set("CCACHE_PREFIX", "");
     set("DISTCC_HOSTS", "localhost");
     set("ICECC", "no");
-}
-
-std::string Handover::trouble() const
-{
-    return content_of(trouble_);
 }
 
 Handover::~Handover()
@@ -92,6 +86,5 @@ HandedOver handed_over()
     out.begun = read_records(env_text(RECORD)).at(0);
     out.notes = env_text(NOTES) + "0";
     out.trouble = env_text(TROUBLE);
-    out.assembler = env_text(ASSEMBLER);
     return out;
 }

@@ -12,9 +12,9 @@
 class Handover
 {
 public:
-    /// `begun` is what is known of the source already; `excluded` is not to be counted (regular
-    /// expressions), `assembler` the compiler's own. Throws `std::runtime_error`.
-    Handover(const Record& begun, const std::string& excluded, const std::string& assembler);
+    /// `begun` is what is known of the source already, `excluded` what is not to be counted
+    /// (regular expressions). Throws `std::runtime_error`.
+    Handover(const Record& begun, const std::string& excluded);
     ~Handover();
     Handover(const Handover&) = delete;
     Handover& operator=(const Handover&) = delete;
@@ -23,7 +23,7 @@ public:
     const Words& environment() const { return environment_; }
 
     /// Why the assembler role could not count; empty when it could.
-    std::string trouble() const;
+    std::string trouble() const { return content_of(trouble_); }
 
 private:
     Words environment_;
@@ -35,9 +35,8 @@ private:
 /// The assembler's side.
 struct HandedOver {
     Record begun;
-    std::string notes;     ///< path of the file with the compiler's notes
-    std::string trouble;   ///< path of the file that takes the reason of a failure
-    std::string assembler; ///< that the compiler would run
+    std::string notes;   ///< path of the file with the compiler's notes
+    std::string trouble; ///< path of the file that takes the reason of a failure
 };
 
 /// True when a compile has called this process: it was handed something.
