@@ -62,4 +62,30 @@ TEST_F(EndToEnd, LongCommandsLeaveNothingWhenTheyAreStoppedAndSmallStacksDo)
     }
 }
 
+TEST_F(EndToEnd, NoTextOfASettingIsRunOrBreaksAStep)
+{
+    const std::string settings =
+        "qmr_coverage_stub_mold lltcovRootpath TimerPolicy SignalPolicy isOverlappedCompile "
+        "SupportSameName PRODUCT_VERSION LLT_TargetName LLT_TargetName_KO lltwrapper_cfg "
+        "LLTLD_AVOID_SAME_NAME LLT_DISABLE_SOCKET ATG_ENABLE USE_TUSK_COVERAGE USE_TUSK_TESTCASE "
+        "USE_TUSK_VBS LLT_DISABLE_USRCFG LLT_DISABLE_VISIBILITY TUSK_ENABLE_m32m64 LLT_EXCLUDE_CC "
+        "LLT_EXCLUDE_CCOPTION LLT_PLATFORM_CCOPTION LLT_REPLACE_CCOPTION PlatformToken TMPDIR";
+    write_file("o.o", "g_QMRCovData_x");
+    write_file(
+        "try",
+        "export qmr_current_prj_path=$PWD/p; mkdir p\n"
+        "long=$(head -c 131000 /dev/zero | tr '\\0' x)\n"
+        "for name in " +
+            settings +
+            "; do for value in '' \"$long\" '\";`touch pwned`$(touch pwned)' "
+            "99999999999 -1; do\n"
+            "for step in 'ar rcs libm.a o.o' 'gcc -c a.c -o a.o' 'gcc -o prog a.o'; do\n"
+            "env \"$name=$value\" '" LLTWRAPPER "' -artool ar -arsuffix .a $step >out 2>err\n"
+            "case $? in [01]) ;; *) echo $name $step; tail -n 3 err ;; esac\n"
+            "done; done; done >wrong; ls pwned >>wrong 2>/dev/null; sort -u log | wc -l >runs\n");
+    EXPECT_EQ(std::system("sh ./try"), 0) << read_file("wrong");
+    EXPECT_EQ(read_file("wrong"), "");
+    EXPECT_NE(read_file("runs"), "0\n");
+}
+
 } // namespace

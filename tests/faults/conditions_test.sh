@@ -1,0 +1,81 @@
+#!/bin/bash
+# Steps under conditions that a build brings about by itself: settings of any text and length, limits,
+# full and read-only disks, missing parts of the system, files that change while they are read. No
+# step crashes, what fails is said, others' files stay, and a step after it leaves what it always leaves.
+# usage: conditions_test.sh PROGRAMS
+# shellcheck disable=SC2016 # commands of the rows are evaluated under their conditions
+# shellcheck source=tests/faults/scenarios.sh
+. "$(dirname "$0")/scenarios.sh"
+
+others() { grep -E '(^| )\./(m[0-9]\..*|main\..*|LLTTEMP/.*)' "$1"; }
+
+# condition STATUS SAID COMMAND: STATUS is a pattern of what the command ends with (a shell's number),
+# SAID one of the program's own first line on standard error, empty for none
+condition() {
+    local what=$3 status said
+    begin
+    tree >../before
+    timeout 60 bash -c "$3" >../out 2>../err
+    status=$?
+    said=$(grep -m 1 '^lltwrapper: ' ../err)
+    # shellcheck disable=SC2254 # patterns
+    case $status in $1) ;; *) expect "$what" "status $1" "$status $(tail -n 5 ../err)" ;; esac
+    # shellcheck disable=SC2053 # a pattern
+    [[ $said = $2 ]] || expect "$what" "$2" "$said"
+    tree >../left
+    expect "others' files after $what" "$(others ../before)" "$(others ../left)"
+    unset LLTWRAPPER_LOG
+    recovers "a step after $what"
+}
+
+# in_namespace CONDITION COMMAND: the command where mounts are its own, where that may be
+in_namespace() {
+    unshare -m true 2>/dev/null || return 0
+    condition "$1" "$2" "unshare -m bash -c '$3'"
+}
+
+prepare archive_3
+export command="${step[*]}"
+
+# --- limits and signals
+condition 0 '' 'ulimit -s 64; $command'
+condition '[01]' '?*' 'ulimit -n 4; $command'
+condition '[01]' '?*' 'ulimit -n 5; $command'
+condition '[01]' '?*' 'ulimit -n 6; $command'
+condition '[01]' '?*' 'ulimit -n 8; $command'
+condition '[01]' '?*' 'ulimit -f 1; $command'
+condition 0 '' 'env --block-signal --ignore-signal=CHLD --ignore-signal=PIPE $command'
+condition 0 '' 'exec 3<m1.c 4<m2.c; $command && read -r line <&3 && [ -n "$line" ]'
+condition 0 '' 'setsid nice nohup $command'
+condition 0 '' '$command & sleep 0.01; for i in {1..50}; do kill -STOP $!; kill -CONT $!; done 2>/dev/null; wait $!'
+
+# --- members, areas
+condition '[01]' '?*' 'ulimit -v 20000; $command'
+condition 0 '' 'cp m1.o other.o; while :; do cp main.o x; mv x m1.o; : >m1.o; cp other.o m1.o; done 2>/dev/null & $command; s=$?;
+    kill $!; wait $! 2>/dev/null; cp other.o m1.o; rm -f x other.o; exit $s'
+condition 0 '' 'mkdir -p real; ln -s real libx; $command; s=$?; rm -rf real libx; exit $s'
+condition '[01]' '?*' 'ln -s none libx; $command; s=$?; rm libx; exit $s'
+condition '[01]' '?*' 'ln -s libx libx; $command; s=$?; rm libx; exit $s'
+condition '[01]' '?*' 'mkdir -p libx/codemeasure; : >libx/codemeasure/db; $command; s=$?; rm libx/codemeasure/db; exit $s'
+condition 0 '' 'mkdir -p libx/codemeasure/obj/before; (cd libx/codemeasure/obj/before && seq 40000 | xargs touch); $command'
+
+# --- project paths about the sizes of buffers; the steps of one are given another one's objects
+for length in 231 235 247 252 254 255 256 257 259 260 261 262 511 512 1024 3900; do
+    long=$work/long
+    while [ $((${#long} + 101)) -lt $length ]; do long=$long/$(printf '%0100d' 0); done
+    long=$long/$(printf "%0$((length - ${#long} - 1))d" 0)
+    mkdir -p "$long"
+    condition '[01]' '?*' "qmr_current_prj_path=$long \$command"
+done
+
+# --- disks, and what a system lacks
+for size in 16 64 256; do
+    [ $size = 256 ] && wanted='' || wanted='?*'
+    in_namespace '[01]' "$wanted" "mkdir libx; mount -t tmpfs -o size=${size}k none libx; \$command; s=\$?; umount libx; exit \$s"
+    in_namespace 0 '' "mkdir t; mount -t tmpfs -o size=${size}k none t; TMPDIR=\$PWD/t \$command; s=\$?; umount t; rmdir t; exit \$s"
+done
+in_namespace '[01]' '?*' 'mount --bind . . && mount -o remount,ro,bind . && cd . && $command; exit $?'
+in_namespace '[01]' '?*' 'umount -l /proc; $command'
+in_namespace '[01]' '?*' 'mount --bind /dev/null /bin/sh; $command'
+condition '[01]' '?*' 'cd "$(mktemp -d)" && rmdir "$PWD" && $command'
+finish
