@@ -30,28 +30,23 @@ bool failed(const char* what, const std::string& path)
     return false;
 }
 
-/// True for a link that names nothing: nothing is written through it.
-bool is_dangling_link(const std::string& path)
+/// True when nothing may be written there: through a link that names nothing, or, as opening it
+/// would empty the source, into the source itself.
+bool is_no_place_for(const struct stat& source, const std::string& destination)
 {
     struct stat info = {};
-    return ::lstat(path.c_str(), &info) == 0 && S_ISLNK(info.st_mode) &&
-           ::stat(path.c_str(), &info) != 0;
+    if (::lstat(destination.c_str(), &info) != 0) {
+        return false; // mostly: there is nothing yet
+    }
+    if (S_ISLNK(info.st_mode) && ::stat(destination.c_str(), &info) != 0) {
+        return true;
+    }
+    return source.st_dev == info.st_dev && source.st_ino == info.st_ino;
 }
 
-/// True when both paths lead to one file: opening the copy would empty the source.
-bool is_same_file(const std::string& a, const std::string& b)
+bool copy_through_buffer(int from, int to)
 {
-    struct stat first = {};
-    struct stat second = {};
-    return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 &&
-           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-}
-
-constexpr std::size_t COPY_SIZE = 65536;
-
-bool copy_bytes(int from, int to)
-{
-    std::string buffer(COPY_SIZE, '\0'); // a stack may be small
+    std::string buffer(65536, '\0'); // a stack may be small
     for (;;) {
         const ssize_t got = uninterrupted([&] { return ::read(from, &buffer[0], buffer.size()); });
         if (got <= 0) {
@@ -63,9 +58,29 @@ bool copy_bytes(int from, int to)
     }
 }
 
-bool copy_file(const std::string& source, const std::string& destination, mode_t mode)
+/// `size` is what the file is said to have; files of the kernel's own say 0.
+bool copy_bytes(int from, int to, off_t size)
 {
-    if (is_dangling_link(destination) || is_same_file(source, destination)) {
+    constexpr std::size_t PIECE = std::size_t{1} << 30;
+    bool is_begun = false;
+    while (size > 0) {
+        const ssize_t copied =
+            uninterrupted([&] { return ::copy_file_range(from, nullptr, to, nullptr, PIECE, 0); });
+        if (copied == 0 && is_begun) {
+            return true;
+        }
+        if (copied <= 0) {
+            break; // not between these two file systems, or a failure that the other way meets too
+        }
+        is_begun = true;
+        size = copied < size ? size - copied : 0;
+    }
+    return (is_begun && size == 0) || copy_through_buffer(from, to);
+}
+
+bool copy_file(const std::string& source, const std::string& destination, const struct stat& info)
+{
+    if (is_no_place_for(info, destination)) {
         errno = EEXIST;
         return failed("copy to", destination);
     }
@@ -76,7 +91,8 @@ bool copy_file(const std::string& source, const std::string& destination, mode_t
     // An existing destination keeps its mode and identity; one that cannot be opened is replaced.
     const auto open_copy = [&](int flag) {
         const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | flag;
-        return uninterrupted([&] { return ::open(destination.c_str(), flags, mode & 0777); });
+        const mode_t mode = info.st_mode & 0777;
+        return uninterrupted([&] { return ::open(destination.c_str(), flags, mode); });
     };
     int to = open_copy(O_TRUNC);
     if (to < 0) {
@@ -84,7 +100,7 @@ bool copy_file(const std::string& source, const std::string& destination, mode_t
         to = ::unlink(destination.c_str()) == 0 ? open_copy(O_EXCL) : -1;
         errno = to < 0 ? error : errno;
     }
-    bool done = to >= 0 && copy_bytes(from, to);
+    bool done = to >= 0 && copy_bytes(from, to, info.st_size);
     ::close(from);
     done = (to < 0 || ::close(to) == 0 || errno == EINTR) && done;
     return done || failed("copy to", destination);
@@ -147,7 +163,7 @@ bool copy_entry(const std::string& source, const std::string& destination, Fille
         return copy_link(source, destination);
     }
     if (S_ISREG(info.st_mode)) {
-        return copy_file(source, destination, info.st_mode);
+        return copy_file(source, destination, info);
     }
     ::unlink(destination.c_str());
     return ::mknod(destination.c_str(), info.st_mode & ~process_umask(), info.st_rdev) == 0 ||

@@ -9,6 +9,9 @@
 faults='openat EMFILE EACCES EINTR
 read EIO EINTR
 write ENOSPC EIO EINTR
+copy_file_range EXDEV ENOSPC EINTR
+getdents64 EIO
+newfstatat EACCES
 close EIO
 rename ENOSPC EACCES
 mkdir ENOSPC EACCES
