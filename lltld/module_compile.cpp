@@ -57,7 +57,7 @@ bool copy_compile_command(const char* symbol, std::string& command)
     if (copies_plainly(source, compile_command_path())) {
         flush_output();
         copy_tree(source, area);
-    } else {
+    } else if (QMRFileExists(source.c_str()) != 0) { // else it could only fail, for each symbol
         run_helper(command);
     }
     return QMRFileExists(compile_command_path().c_str()) != 0;
@@ -86,7 +86,13 @@ int load_module_settings()
         return 0;
     }
     std::string command;
+    bool is_told = false;
     for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
+        const std::string source = temp_compile_command_path(node->szInstFileName);
+        if (!is_told && QMRFileExists(source.c_str()) == 0) {
+            warn("'%s' is missing; compile the source of this symbol again", source.c_str());
+            is_told = true;
+        }
         if (copy_compile_command(node->szInstFileName, command)) {
             std::printf("copy_compile_command_for_lltld: %s\n\n", command.c_str());
             SetToolPath();

@@ -116,13 +116,18 @@ TEST_F(ModuleCompile, TakesTheFirstCompileCommandThatIsRecorded)
     EXPECT_FALSE(QMRFileExists("pwned"));
 }
 
-TEST_F(ModuleCompile, TakesTheCommandOfAnEarlierRunWhenTheCopyFails)
+TEST_F(ModuleCompile, TakesTheCommandOfAnEarlierRunAndTellsOnceOfMissingRecords)
 {
-    write_file("w/CompileCmd.txt", "earlier"); // no record of "none" can be copied
-    write_file("a.o", object_bytes("#none|"));
-    testing::internal::CaptureStderr(); // `cp` tells of the missing record
-    printed(1, [] { return GetInstInfo("a.o\0"); });
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("dbnone/CompileCmd.txt"),
-              std::string::npos);
+    const std::string missing = "lltwrapper: 'T/codemeasure/db/dbnone/CompileCmd.txt' is missing; "
+                                "compile the source of this symbol again\n";
+    write_file("a.o", object_bytes("#none|#nothing|"));
+    for (const std::string earlier : {"", "earlier"}) {
+        if (!earlier.empty()) {
+            write_file("w/CompileCmd.txt", earlier);
+        }
+        testing::internal::CaptureStderr();
+        printed(earlier.empty() ? 0 : 1, [] { return GetInstInfo("a.o\0"); });
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), missing) << earlier;
+    }
     EXPECT_EQ(g_lxprj->strCompileCmd, "earlier");
 }
