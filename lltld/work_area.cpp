@@ -108,6 +108,12 @@ bool clear_work_area()
             "nothing is cleared: the project path is not known; set 'qmr_current_prj_path' and name an archive");
         return true;
     }
+    if (absolute_path(g_lxprj->szCovDictPath) == places::area_in(g_lxprj->szLLTTEMP)) {
+        warn(
+            "a library named '%s' would take the project's temporary area, which holds what the compiles left; give it another name",
+            g_lxprj->modName);
+        return false;
+    }
     clear_numbered_databases();
     return clear_directory("obj/before") && clear_directory("ini");
 }

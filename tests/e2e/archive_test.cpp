@@ -159,6 +159,16 @@ TEST_F(ArchiveStep, AFailureKeepsTheArchiverFromRunningButAMissingStubDoesNot)
     EXPECT_EQ(answer("ar t libm.a"), "__code_measure_stub_lib_libm.o\na.o\n");
 }
 
+TEST_F(ArchiveStep, ALibraryOfTheTemporaryAreasNameDoesNotEmptyIt)
+{
+    compile("a", "a_1", 1);
+    answer("find T/ -type f | sort >left");
+    EXPECT_EQ(std::system("sh ./step LLTTEMP.a a.o >out 2>err") / 256, 1);
+    EXPECT_EQ(answer("find T/ -type f | sort | comm -23 left -; wc -l <left"), "4\n");
+    EXPECT_NE(read_file("err").find("a library named 'LLTTEMP' would take"), std::string::npos);
+    EXPECT_EQ(archive("a.o"), 0);
+}
+
 TEST_F(ArchiveStep, NothingThatComesFromAFileIsExecuted)
 {
     answer("mkdir LLTTEMP");
