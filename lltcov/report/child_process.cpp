@@ -1,6 +1,7 @@
 // Output goes to files: many programs can then run side by side, and none waits for its reader.
 #include "lltcov/report/child_process.h"
 
+#include "commonfunc/descriptor.h"
 #include "commonfunc/env.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_tree.h"
@@ -9,16 +10,61 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <fcntl.h>
+#include <set>
 #include <spawn.h>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+
+namespace
+{
+
+constexpr int ENDING_SIGNALS[] = {SIGINT, SIGTERM, SIGHUP};
+
+volatile std::sig_atomic_t ending_signal = 0;
+int number_of_directories = 0;
+std::set<pid_t> running_programs;
+
+void note_signal(int signal)
+{
+    ending_signal = signal;
+}
+
+/// Without restarting what is interrupted; a signal that is ignored stays so.
+void handle_signals(void (*handler)(int))
+{
+    for (const int signal : ENDING_SIGNALS) {
+        struct sigaction action = {};
+        if (::sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) {
+            action = {};
+            action.sa_handler = handler;
+            ::sigaction(signal, &action, nullptr);
+        }
+    }
+}
+
+/// What still runs would write into the directory.
+void throw_if_ending()
+{
+    if (ending_signal == 0) {
+        return;
+    }
+    for (const pid_t program : running_programs) {
+        ::kill(program, SIGKILL);
+        uninterrupted([&] { return ::waitpid(program, nullptr, 0); });
+    }
+    running_programs.clear();
+    throw std::runtime_error("interrupted by a signal");
+}
+
+} // namespace
 
 TemporaryDirectory::TemporaryDirectory()
     : path_((env_is_filled("TMPDIR") ? absolute_path(env_text("TMPDIR")) : "/tmp") +
@@ -27,6 +73,8 @@ TemporaryDirectory::TemporaryDirectory()
     if (::mkdtemp(&path_[0]) == nullptr) {
         throw std::runtime_error("no temporary directory '" + path_ + "': " + std::strerror(errno));
     }
+    ++number_of_directories;
+    handle_signals(note_signal);
 }
 
 // Also on the way out of an exception: what cannot be removed for want of memory stays.
@@ -37,6 +85,12 @@ TemporaryDirectory::~TemporaryDirectory()
     } catch (const std::exception& error) {
         std::fprintf(stderr, "lltcov: the temporary directory '%s' stays: %s\n", path_.c_str(),
                      error.what());
+    }
+    if (--number_of_directories == 0) {
+        handle_signals(SIG_DFL);
+        if (ending_signal != 0) {
+            std::raise(ending_signal);
+        }
     }
 }
 
@@ -62,6 +116,7 @@ std::string TemporaryDirectory::read(const std::string& name) const
 pid_t start_program(const std::vector<std::string>& words, const TemporaryDirectory& directory,
                     const std::string& name)
 {
+    throw_if_ending();
     constexpr int WRITING = O_WRONLY | O_CREAT | O_TRUNC;
     const std::string output = directory.path() + "/" + name + ".out";
     const std::string errors = directory.path() + "/" + name + ".err";
@@ -82,14 +137,21 @@ pid_t start_program(const std::vector<std::string>& words, const TemporaryDirect
     const int error = ::posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(),
                                      english.variables());
     ::posix_spawn_file_actions_destroy(&actions);
-    return error == 0 ? child : 0;
+    if (error != 0) {
+        return 0;
+    }
+    running_programs.insert(child);
+    return child;
 }
 
 int wait_for_program(pid_t program)
 {
     int status = -1;
     while (program != 0 && ::waitpid(program, &status, 0) < 0 && errno == EINTR) {
+        throw_if_ending();
     }
+    running_programs.erase(program);
+    throw_if_ending();
     return exit_status_of(status);
 }
 

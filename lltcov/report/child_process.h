@@ -7,7 +7,9 @@
 #include <sys/types.h>
 #include <vector>
 
-/// A directory that only its owner can enter; it is removed, with all it holds, in the end.
+/// A directory that only its owner can enter; it is removed, with all it holds, in the end. While
+/// there is one, SIGINT, SIGTERM and SIGHUP end the process only after that: the functions below
+/// throw, and the signal is passed on by the destructor.
 class TemporaryDirectory
 {
 public:
@@ -32,11 +34,11 @@ private:
 
 /// Starts a program, found through PATH, in the directory. Its output goes to NAME.out there, what
 /// it says on standard error, in English, to NAME.err; its input is empty. 0 when it cannot be
-/// started.
+/// started. Throws `std::runtime_error` when a signal wants the process to end.
 pid_t start_program(const std::vector<std::string>& words, const TemporaryDirectory& directory,
                     const std::string& name);
 
-/// Waits for it; its exit status as a shell's `$?`, 127 for 0.
+/// Waits for it; its exit status as a shell's `$?`, 127 for 0. Throws as `start_program` does.
 int wait_for_program(pid_t program);
 
 /// How many programs the machine runs side by side.

@@ -1,5 +1,6 @@
 // From counters to lines: the data file, the choice of gcov, what it says, and where the sources
 // are.
+#include "commonfunc/file_tree.h"
 #include "lltcov/report/gcov_choice.h"
 #include "lltcov/report/gcov_files.h"
 #include "lltcov/report/gcov_json.h"
@@ -7,9 +8,11 @@
 #include "lltcov/report/recorded_path.h"
 #include "tests/fixture.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <sys/stat.h>
 
 namespace
 {
@@ -210,6 +213,22 @@ TEST(GcovJson, ThatIsCutOrOfAnotherShapeIsRefused)
           R"({"data_file": "0.gcda", "files": [{"file": "a", "lines": [{}]}]})"}) {
         EXPECT_THROW(read_gcov_json(text), std::runtime_error) << text;
     }
+}
+
+TEST_F(GcovTest, ASignalEndsTheReadingAndLeavesNoDirectory)
+{
+    add_program("gcov", R"sh([ "$1" != --version ] || { echo 'gcov (test) 12.2.0'; exit; }
+kill -TERM $PPID; while :; do echo more >>more; done)sh");
+    ::setenv("TMPDIR", (dir + "/tmp").c_str(), 1);
+    ::mkdir("tmp", 0777);
+    Record record;
+    record.reader = dir + "/bin/gcov";
+    record.version = VERSION_12;
+    ObjectReading reading;
+    reading.record = &record;
+    EXPECT_EXIT(read_gcc_objects({&reading}, Counting::branches, findings_),
+                testing::KilledBySignal(SIGTERM), "");
+    EXPECT_EQ(names_in("tmp"), std::vector<std::string>());
 }
 
 TEST_F(GcovTest, AnObjectThatCannotBeReadDoesNotTakeOthersAlong)
