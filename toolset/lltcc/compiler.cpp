@@ -91,23 +91,25 @@ Words query_of(const CompileCommand& command)
     return words;
 }
 
-/// Answers are in English, and name no directories of the user's as the compiler's own.
-const Words ASKING = {
-    "LC_ALL=C",           "CPATH", "C_INCLUDE_PATH", "CPLUS_INCLUDE_PATH", "DEPENDENCIES_OUTPUT",
-    "SUNPRO_DEPENDENCIES"};
-
 struct Answer {
     int status;
     std::string output;
     std::string errors;
 };
 
-/// What the compiler says when it is called with the options.
+/// What the compiler says when it is called with the options: in English, and without directories
+/// of the user's.
 Answer answer_to(Words query, const Words& options)
 {
+    const Words environment = {"LC_ALL=C",
+                               "CPATH",
+                               "C_INCLUDE_PATH",
+                               "CPLUS_INCLUDE_PATH",
+                               "DEPENDENCIES_OUTPUT",
+                               "SUNPRO_DEPENDENCIES"};
     query.insert(query.end(), options.begin(), options.end());
     Answer answer;
-    answer.status = run_program(query, {nullptr, &answer.output, &answer.errors, ASKING});
+    answer.status = run_program(query, {nullptr, &answer.output, &answer.errors, environment});
     return answer;
 }
 
