@@ -154,3 +154,12 @@ void flush_output()
     std::fflush(stdout);
     std::fflush(stderr);
 }
+
+void stop_without_memory()
+{
+    constexpr char TEXT[] = ": stopped: out of memory; raise the memory limit and try again\n";
+    write_all(STDERR_FILENO, program_invocation_short_name,
+              std::strlen(program_invocation_short_name));
+    write_all(STDERR_FILENO, TEXT, sizeof TEXT - 1);
+    ::_exit(1);
+}

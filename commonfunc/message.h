@@ -62,6 +62,10 @@ int tool_output();
 /// Makes that the standard output of the program again.
 void restore_output();
 
+/// For `std::set_terminate`: ends the process with a line and status 1 where there is not even the
+/// memory to throw an exception. No crash, and no core file.
+[[noreturn]] void stop_without_memory();
+
 /// Flushes standard output and standard error; a write error is ignored, since messages never
 /// stop a build.
 void flush_output();

@@ -3,14 +3,16 @@
 #include "commonfunc/env.h"
 #include "commonfunc/text.h"
 
+#include <optional>
+
 namespace
 {
 
 /// A local static, so that the instance exists whichever source file asks for it first during
-/// static initialisation.
-LinuxPrjItem*& instance_slot()
+/// static initialisation. It needs no memory of the heap: nobody could catch its failure then.
+std::optional<LinuxPrjItem>& instance_slot()
 {
-    static LinuxPrjItem* instance = nullptr;
+    static std::optional<LinuxPrjItem> instance;
     return instance;
 }
 
@@ -23,16 +25,15 @@ LinuxPrjItem::LinuxPrjItem()
 
 LinuxPrjItem* LinuxPrjItem::GetInstance()
 {
-    if (instance_slot() == nullptr) {
-        instance_slot() = new LinuxPrjItem;
+    if (!instance_slot()) {
+        instance_slot().emplace();
     }
-    return instance_slot();
+    return &*instance_slot();
 }
 
 void LinuxPrjItem::ReleaseInstance()
 {
-    delete instance_slot();
-    instance_slot() = nullptr;
+    instance_slot().reset();
 }
 
 void LinuxPrjItem::set_vbsflag()

@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
-#include <unistd.h>
 
 namespace
 {
@@ -87,22 +86,12 @@ int run_command_named(const char* name, const Arguments& arguments)
     return 2;
 }
 
-/// Ends the process where an exception cannot be thrown any further: the JSON library's destructors
-/// need memory. No crash, and no core file.
-[[noreturn]] void stop_without_unwinding()
-{
-    constexpr char TEXT[] =
-        "lltcov: stopped: out of memory while a report was read; raise the memory limit and try again\n";
-    (void)!::write(STDERR_FILENO, TEXT, sizeof TEXT - 1);
-    ::_exit(1);
-}
-
 } // namespace
 
 int main(int argc, char** argv)
 {
     set_warning_name("lltcov");
-    std::set_terminate(stop_without_unwinding);
+    std::set_terminate(stop_without_memory);
     if (argc < 2) {
         print_help(stderr);
         return 2;

@@ -13,6 +13,7 @@
 
 int main(int argc, char** argv)
 {
+    std::set_terminate(stop_without_memory);
     try {
         prepare_process();
         if (answer_without_command({argv + std::min(argc, 1), argv + argc})) {

@@ -41,9 +41,8 @@ struct AssemblerCall {
 /// Not a list of output, debug information, or a place of includes.
 bool chooses_target(const std::string& option)
 {
-    const bool has_file = begins_with(option, "-a") && contains(option, "=");
-    return !has_file && !begins_with(option, "-I") && !begins_with(option, "-g") &&
-           !begins_with(option, "--g");
+    return (!begins_with(option, "-a") || !contains(option, "=")) && !begins_with(option, "-I") &&
+           !begins_with(option, "-g") && !begins_with(option, "--g");
 }
 
 AssemblerCall read_call(const Words& arguments)
@@ -114,9 +113,9 @@ int assemble(const HandedOver& job, const AssemblerCall& call)
         call.input.empty() ? content_of(STDIN_FILENO) : content_of_path(call.input);
     const bool is_clang = job.begun.compiler == CounterSource::clang;
     const CounterText counters = is_clang ? read_clang_text(text) : read_gcc_text(text);
-    const bool is_counted = counters.record.array_bytes != 0;
     const Record record = complete_record(
-        job.begun, counters, call, is_clang || !is_counted ? "" : content_of_path(job.notes));
+        job.begun, counters, call,
+        is_clang || counters.record.array_bytes == 0 ? "" : content_of_path(job.notes));
     const int record_file = anonymous_file(to_bytes(record));
     const std::string input =
         head_and_record(record, record_file) + with_array(counters, ARRAY_PREFIX + record.symbol);

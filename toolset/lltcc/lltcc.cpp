@@ -1,6 +1,7 @@
 // lltcc: the compiler driver. One program in three roles: `lltcc` stands in front of the
 // compiler, under the name `as` it is what that compiler takes for its assembler, and `lltcc -stub`
 // compiles stubs.
+#include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "toolset/common/process.h"
 #include "toolset/lltcc/assembler.h"
@@ -15,6 +16,7 @@ const char* const program_name = "lltcc";
 
 int main(int argc, char** argv)
 {
+    std::set_terminate(stop_without_memory);
     try {
         const Words arguments(argv + 1, argv + argc);
         if (base_name(argv[0]) == "as") {
