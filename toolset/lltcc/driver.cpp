@@ -198,8 +198,7 @@ int compile_input(const Compilation& compilation, const CompileInput& input, con
     if (!input.is_source) {
         return run_program(plain);
     }
-    // Of two at once each would take the other's object for its own; one within another cannot
-    // wait.
+    // Two at once would take each other's objects; one within another cannot wait.
     std::optional<TurnLock> turn;
     if (!is_within_compile()) {
         turn.emplace(compilation.area, absolute_path(object_of(compilation.command, input)));
