@@ -38,12 +38,11 @@ struct AssemblerCall {
     std::string input; ///< empty for standard input
 };
 
-/// Not a list of output, debug information, or a place of includes.
+/// Not a listing, debug information, a place of includes, or what prints the version.
 bool chooses_target(const std::string& option)
 {
-    const bool has_file = begins_with(option, "-a") && contains(option, "=");
-    return !has_file && !begins_with(option, "-I") && !begins_with(option, "-g") &&
-           !begins_with(option, "--g");
+    return !begins_with(option, "-a") && !begins_with(option, "-I") && !begins_with(option, "-g") &&
+           !begins_with(option, "--g") && option != "-v";
 }
 
 AssemblerCall read_call(const Words& arguments)

@@ -196,6 +196,7 @@ int compile_counting(const Compilation& compilation, const CompileInput& input,
 int compile_input(const Compilation& compilation, const CompileInput& input, const Words& plain)
 {
     if (!input.is_source) {
+        notice("compiled without coverage: '%s' is assembly", input.path.c_str());
         return run_program(plain);
     }
     // Of two at once each would take the other's object for its own; one within another cannot
