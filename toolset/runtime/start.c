@@ -11,7 +11,8 @@
 #pragma GCC visibility push(hidden)
 extern const struct lltcov_module lltcov_module;
 const struct lltcov_module lltcov_module __attribute__((weak)) = {0};
-void lltcov_start(void) __attribute__((constructor));
+/* Before constructors of the program that may fork or exit: the compiler leaves 101 and above. */
+void lltcov_start(void) __attribute__((constructor(101)));
 #pragma GCC visibility pop
 
 static void register_sources(void* list)
