@@ -48,6 +48,12 @@ line=$'line\nend.c' && cp twice.c "$line"
 expect 'a line end' '0 0' "$(compile "$line"; echo $? "$(counted twice.o)")"
 expect 'is said' 'lltcc: compiled without coverage: a word of the command holds a line end' "$(cat "$said")"
 
+# --- options of the assembler, and what it alone takes
+expect "a listing is the compile's" $'2\n0' "$({ compile main.c main.o -v -Wa,-alh && compile twice.c twice.o -v -Wa,-alh; } | grep -c 'LISTING.*page 1$'; join; grep -c 'LISTING\|version' "$work/out" "$said" | grep -vc ':0$')"
+: >f.s
+# shellcheck disable=SC2086
+expect 'assembly among sources' $'lltcc: compiled without coverage: \'f.s\' is assembly\n1' "$(lltcc $call "$compiler" -c twice.c f.s 2>&1; counted twice.o)"
+
 # --- names of arrays without records: texts of a program that builds test programs
 seq 3000 | sed 's/.*/.asciz "g_QMRCovData_t&_c"/' | "$compiler" -x assembler -c -o texts.o -
 works 'texts like names' 'compile; timeout 60 lltld $call "$compiler" main.o twice.o texts.o -o main'

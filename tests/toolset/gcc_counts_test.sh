@@ -18,6 +18,7 @@ statements -O3      | $CC -O3 -funroll-loops -c statements.c && $CC statements.o
 statements -Os      | $CC -Os -fPIE -c statements.c && $CC -pie statements.o -o prog && ./prog
 split debug data    | $CC -O2 -g -gsplit-dwarf -c statements.c && $CC -g -gsplit-dwarf statements.o -o prog && ./prog
 old debug data      | $CC -g -gdwarf-4 -fdebug-types-section -c statements.c && $CC statements.o -o prog && ./prog
+early constructor   | $CC -O2 -fPIC -c early.c && $CC early.o -o prog && ./prog
 precompiled C       | $CC -x c-header all.h -o all.h.gch && $CC -include all.h -c header.c && $CC header.o -o prog && ./prog
 precompiled -O2     | $CC -O2 -g all.h && $CC -O2 -g -include all.h -c header.c && $CC header.o -o prog && ./prog
 precompiled C++     | $CXX -x c++-header all.h -o all.h.gch && $CXX -include all.h -c throws.cpp shapes.cpp && $CXX throws.o shapes.o -o prog && ./prog

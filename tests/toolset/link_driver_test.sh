@@ -76,6 +76,7 @@ static|1 1|1|gcc -static -o static main.o libbeta.a
 group|1 1|1|gcc -o group -Wl,--start-group libbeta.a main.o -Wl,--end-group
 whole|1 1|1|gcc -o whole main.o -Wl,--whole-archive libbeta.a -Wl,--no-whole-archive
 library||1|gcc plain.o libbeta.a -o library
+whole_library||1|gcc plain.o -o whole_library -Wl,--whole-archive libbeta.a -Wl,--no-whole-archive
 shared|1 1|1|gcc main.o beta.o conv/libconv.a -o shared
 rawlib||1|gcc plain.o -o rawlib raw/libraw.a
 thin||1|gcc plain.o -o thin raw/thin.a

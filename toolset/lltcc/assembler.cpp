@@ -38,11 +38,12 @@ struct AssemblerCall {
     std::string input; ///< empty for standard input
 };
 
-/// Not a list of output, debug information, or a place of includes.
+/// Not a listing, debug information, a place of includes, or what prints the version.
 bool chooses_target(const std::string& option)
 {
-    return (!begins_with(option, "-a") || !contains(option, "=")) && !begins_with(option, "-I") &&
-           !begins_with(option, "-g") && !begins_with(option, "--g");
+    const bool is_listing = begins_with(option, "-a") && !is_one_of(option, {"-a32", "-a64"});
+    return !is_listing && !begins_with(option, "-I") && !begins_with(option, "-g") &&
+           !begins_with(option, "--g") && option != "-v";
 }
 
 AssemblerCall read_call(const Words& arguments)

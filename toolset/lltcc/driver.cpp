@@ -196,6 +196,7 @@ int compile_counting(const Compilation& compilation, const CompileInput& input,
 int compile_input(const Compilation& compilation, const CompileInput& input, const Words& plain)
 {
     if (!input.is_source) {
+        notice("compiled without coverage: '%s' is assembly", input.path.c_str());
         return run_program(plain);
     }
     // Two at once would take each other's objects; one within another cannot wait.

@@ -6,10 +6,13 @@
 #include <errno.h>
 #include <stddef.h>
 
-/* Each module has its own two, as it has its own copy of the runtime. */
+/* Each module has its own two, as it has its own copy of the runtime. "--whole-archive" brings this
+ * file into modules that have no table, only libraries with stubs: the empty one here says so. */
 #pragma GCC visibility push(hidden)
 extern const struct lltcov_module lltcov_module;
-void lltcov_start(void) __attribute__((constructor));
+const struct lltcov_module lltcov_module __attribute__((weak)) = {0};
+/* Before constructors of the program that may fork or exit: the compiler leaves 101 and above. */
+void lltcov_start(void) __attribute__((constructor(101)));
 #pragma GCC visibility pop
 
 static void register_sources(void* list)
@@ -24,6 +27,9 @@ static void register_sources(void* list)
 void lltcov_start(void)
 {
     const struct lltcov_module* const module = &lltcov_module;
+    if (module->name == NULL) {
+        return;
+    }
     if (module->has_timer != 0) {
         TUSK_CovSetTimerPolicy((int)module->timer_interval);
     }
@@ -50,6 +56,8 @@ void lltcov_start(void)
 
 static void __attribute__((destructor)) end(void)
 {
-    QMR_DumpModuleCovdata((char*)lltcov_module.name);
-    errno = 0;
+    if (lltcov_module.name != NULL) {
+        QMR_DumpModuleCovdata((char*)lltcov_module.name);
+        errno = 0;
+    }
 }
