@@ -19,6 +19,7 @@
 #include <set>
 #include <spawn.h>
 #include <stdexcept>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -32,9 +33,17 @@ volatile std::sig_atomic_t ending_signal = 0;
 int number_of_directories = 0;
 std::set<pid_t> running_programs;
 
+void do_nothing(int /*signal*/) {}
+
+/// From now on nothing waits for long: the signal may have come just before a wait.
 void note_signal(int signal)
 {
+    constexpr itimerval OFTEN = {{0, 50000}, {0, 50000}};
     ending_signal = signal;
+    struct sigaction interrupting = {};
+    interrupting.sa_handler = do_nothing;
+    ::sigaction(SIGALRM, &interrupting, nullptr);
+    ::setitimer(ITIMER_REAL, &OFTEN, nullptr);
 }
 
 /// Without restarting what is interrupted; a signal that is ignored stays so.

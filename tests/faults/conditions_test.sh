@@ -15,7 +15,7 @@ condition() {
     local what=$3 status said
     begin
     tree >../before
-    timeout 60 bash -c "$3" >../out 2>../err
+    timeout 60 bash -c "${3//'$command'/$command}" >../out 2>../err
     status=$?
     said=$(grep -m 1 '^lltwrapper: ' ../err)
     # shellcheck disable=SC2254 # patterns
@@ -35,7 +35,7 @@ in_namespace() {
 }
 
 prepare archive_3
-export command="${step[*]}"
+command=$(printf '%q ' "${step[@]}")
 
 # --- limits and signals
 condition 0 '' 'ulimit -s 64; $command'

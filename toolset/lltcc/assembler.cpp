@@ -41,9 +41,9 @@ struct AssemblerCall {
 /// Not a listing, debug information, a place of includes, or what prints the version.
 bool chooses_target(const std::string& option)
 {
-    const bool is_listing = begins_with(option, "-a") && !is_one_of(option, {"-a32", "-a64"});
-    return !is_listing && !begins_with(option, "-I") && !begins_with(option, "-g") &&
-           !begins_with(option, "--g") && option != "-v";
+    return is_one_of(option, {"-a32", "-a64"}) ||
+           (!is_one_of(option.substr(0, 2), {"-a", "-I", "-g", "-v"}) &&
+            !begins_with(option, "--g"));
 }
 
 AssemblerCall read_call(const Words& arguments)
