@@ -113,7 +113,7 @@ int RenameFileDBDir(const char* name, std::FILE* tab, _SOURCEFILE_OBJECT* record
     const std::string path = temp_tab_path(name);
     int result = GetOneSourceFileTabInfo2(path.c_str(), &own);
     if (result == 0) {
-        std::printf("Readinfo from '%s' failed in %s\n", path.c_str(), "RenameFileDBDir");
+        std::printf("Readinfo from '%s' failed in RenameFileDBDir\n", path.c_str());
     } else if (own.objlist != nullptr) {
         result = complete_record(*own.objlist, tab, *record, *start);
     }
