@@ -14,6 +14,7 @@
 #include "lltcov/report/coverage.h"
 #include "lltcov/report/project_data.h"
 #include "lltcov/report/shown_sources.h"
+#include "lltld/archive_file.h"
 #include "lltld/object_scan.h"
 
 #include <algorithm>
@@ -31,11 +32,6 @@ namespace
 constexpr std::size_t MAX_PATH_IN_RECORD = 259;
 /// A temporary file that is younger may be in use, in seconds.
 constexpr std::time_t MIN_AGE = 60;
-
-bool is_archive(const std::string& content)
-{
-    return begins_with(content, "!<arch>\n") || begins_with(content, "!<thin>\n");
-}
 
 bool holds_symbol(const ScannedObject& object, const std::string& symbol)
 {
