@@ -52,7 +52,7 @@ int DeleteAllFilesInDirectory(const char* path)
         return 0;
     }
     const std::string command = "rm -rf " + shell_word(path) + "/*";
-    std::printf("rm cmd:: %s, %s\n", command.c_str(), "DeleteAllFilesInDirectory");
+    std::printf("rm cmd:: %s, DeleteAllFilesInDirectory\n", command.c_str());
     return run_helper(command) == -1 ? 0 : 1;
 }
 

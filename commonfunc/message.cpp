@@ -4,6 +4,7 @@
 
 #include "commonfunc/descriptor.h"
 #include "commonfunc/env.h"
+#include "commonfunc/text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -90,7 +91,6 @@ void warn(const char* format, ...)
     va_start(args, format);
     std::string text = formatted(format, args);
     va_end(args);
-    const auto is_control = [](unsigned char c) { return c < 32 || c == 127; };
     std::replace_if(text.begin(), text.end(), is_control, ' '); // stays one line
     if (held != nullptr) {
         held->warnings.push_back(text);

@@ -29,6 +29,12 @@ constexpr bool contains(std::string_view text, std::string_view part)
     return text.find(part) != text.npos;
 }
 
+/// True for a byte that would break a line or move what a terminal shows.
+constexpr bool is_control(char c)
+{
+    return static_cast<unsigned char>(c) < 32 || c == 127;
+}
+
 /// True when the text is one of these.
 inline bool is_one_of(std::string_view text, std::initializer_list<std::string_view> list)
 {

@@ -2,6 +2,8 @@
 // of the work. Nothing in a number is taken on trust: files are cut, mixed up or written by others.
 #include "commonfunc/text_lines.h"
 
+#include "commonfunc/text.h"
+
 #include <cstddef>
 
 namespace
@@ -12,7 +14,7 @@ std::string shown(std::string_view field)
 {
     std::string text(field.substr(0, 40));
     for (char& c : text) {
-        c = static_cast<unsigned char>(c) < 32 || c == 127 ? '?' : c;
+        c = is_control(c) ? '?' : c;
     }
     return "'" + text + "'";
 }

@@ -23,6 +23,11 @@
  * drivers are told. */
 #define TEMPORARY_NAME "LLTTEMP"
 
+/* How the wrapper calls a driver: these with a value each, in this order, and then the command. */
+#define PROJECT_OPTION "-qmr_current_prj_path"
+#define NAME_OPTION "-projectname"
+#define MODE_OPTION "-qmr_coverage_stub_mold"
+
 /* The directory that the settings give a project for all that the tool set writes. */
 #define OWN_DIRECTORY ".lltcov"
 

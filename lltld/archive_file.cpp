@@ -15,8 +15,6 @@
 namespace
 {
 
-constexpr std::string_view MAGIC = "!<arch>\n";
-constexpr std::string_view THIN_MAGIC = "!<thin>\n";
 constexpr std::size_t HEADER_SIZE = 60;
 
 std::string_view up_to(std::string_view text, std::string_view end)
@@ -52,15 +50,20 @@ std::string_view name_of_member(std::string_view field, std::string_view long_na
 
 } // namespace
 
+bool is_archive(std::string_view bytes)
+{
+    return begins_with(bytes, ARCHIVE_MAGIC) || begins_with(bytes, THIN_ARCHIVE_MAGIC);
+}
+
 ArchiveFile read_archive_file(std::string_view bytes)
 {
     ArchiveFile archive;
-    archive.is_thin = begins_with(bytes, THIN_MAGIC);
-    if (!archive.is_thin && !begins_with(bytes, MAGIC)) {
+    archive.is_thin = begins_with(bytes, THIN_ARCHIVE_MAGIC);
+    if (!is_archive(bytes)) {
         return archive;
     }
     std::string_view long_names;
-    for (std::size_t at = MAGIC.size(); at + HEADER_SIZE <= bytes.size();) {
+    for (std::size_t at = ARCHIVE_MAGIC.size(); at + HEADER_SIZE <= bytes.size();) {
         const std::string_view field = bytes.substr(at, 16);
         const std::string_view name = up_to(field, " ");
         const std::string_view content =

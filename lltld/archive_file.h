@@ -18,6 +18,13 @@ struct ArchiveFile {
     std::vector<ArchiveMember> members;
 };
 
+/// How an archive and a thin archive begin, to the end of the line.
+inline constexpr std::string_view ARCHIVE_MAGIC = "!<arch>\n";
+inline constexpr std::string_view THIN_ARCHIVE_MAGIC = "!<thin>\n";
+
+/// True when the bytes, of which only the first eight matter, are those of an archive.
+bool is_archive(std::string_view bytes);
+
 /// Reads the bytes of an archive; nothing is in one that is none. What is cut off or does not make
 /// sense is left out.
 ArchiveFile read_archive_file(std::string_view bytes);

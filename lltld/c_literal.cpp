@@ -10,9 +10,8 @@ std::string escape_for_c(const std::string& text)
     for (const char c : text) {
         char octal[5];
         format_bounded(octal, "\\%03o", static_cast<unsigned char>(c));
-        const bool control = (c >= 0 && c < 32) || c == 127;
         const bool special = c == '"' || c == '\\';
-        out += control ? std::string(octal) : (special ? "\\" : "") + std::string(1, c);
+        out += is_control(c) ? std::string(octal) : (special ? "\\" : "") + std::string(1, c);
     }
     return out;
 }

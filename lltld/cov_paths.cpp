@@ -58,10 +58,6 @@ std::string stub_two_stage_object_path()
 {
     return stub_path(".obj");
 }
-std::string project_file_path()
-{
-    return places::project_file(g_lxprj->szCovDictPath);
-}
 std::string compile_command_path()
 {
     return places::compile_command(g_lxprj->szCovDictPath);

@@ -17,7 +17,6 @@ std::string saved_object_path(const char* symbol); ///< D/obj/before/S: copy of 
 std::string stub_source_path();                    ///< D/obj/__code_measure_stub_lib_M.c
 std::string stub_object_path();                    ///< D/obj/__code_measure_stub_lib_M.o
 std::string stub_two_stage_object_path();          ///< D/obj/__code_measure_stub_lib_M.obj
-std::string project_file_path();                   ///< D/.prj
 std::string compile_command_path(); ///< D/CompileCmd.txt: the module's compile command
 std::string compile_option_path();  ///< D/CompileOption.ini
 std::string agent_config_path();    ///< D/M.ini

@@ -6,9 +6,9 @@
 #include "commonfunc/build_id.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
-#include "commonfunc/ini_profile.h"
 #include "commonfunc/text.h"
 #include "contract/names.h"
+#include "contract/project_file.h"
 #include "lltld/counter_mode.h"
 #include "lltld/cov_paths.h"
 
@@ -32,24 +32,24 @@ void write_array(const CounterMode& mode, const std::string& stem, int instnum, 
 int write_project_keys(const CounterMode& mode, int start)
 {
     const char* const area = g_lxprj->szCovDictPath;
-    if (CodeMeasure_Tool_WriteScanCfgInt("start_instpoint", start) == 0) {
+    if (CodeMeasure_Tool_WriteScanCfgInt(project_key::START, start) == 0) {
         std::printf("Write Stub number to '%s/.prj' failed!\n", area);
         return 0;
     }
-    if (CodeMeasure_Tool_WriteScanCfgInt("coverage_counter_mode", mode.recorded_mode) == 0) {
+    if (CodeMeasure_Tool_WriteScanCfgInt(project_key::COUNTER_MODE, mode.recorded_mode) == 0) {
         std::printf("Write coverage_counter_mode to '%s/.prj' failed!\n", area);
         return 0;
     }
     char now[512];
     QMRTimeFormatStr(now, sizeof now, "%Y%m%d%H%M%S");
-    CodeMeasure_Tool_WriteScanCfgString("EndTime_Caddis", now);
-    // Kept: the key ends with a blank and the value is always 1; readers look for that.
-    if (CodeMeasure_Tool_WriteScanCfgInt("SupportSameName ", 1) == 0) {
+    CodeMeasure_Tool_WriteScanCfgString(project_key::BUILT, now);
+    // Kept: always 1.
+    if (CodeMeasure_Tool_WriteScanCfgInt(project_key::SAME_NAME, 1) == 0) {
         std::printf("Write \"SupportSameName\" to '%s/.prj' failed!\n", area);
         return 0;
     }
-    CodeMeasure_Tool_WriteScanCfgString("sutpath", g_lxprj->szObjFile);
-    CodeMeasure_Tool_WriteScanCfgString("BUID", TUSK_Build_GetBUID());
+    CodeMeasure_Tool_WriteScanCfgString(project_key::OUTPUT, g_lxprj->szObjFile);
+    CodeMeasure_Tool_WriteScanCfgString(project_key::BUILD_ID, TUSK_Build_GetBUID());
     return 1;
 }
 
@@ -113,7 +113,7 @@ int RenameFileDBDir(const char* name, std::FILE* tab, _SOURCEFILE_OBJECT* record
     const std::string path = temp_tab_path(name);
     int result = GetOneSourceFileTabInfo2(path.c_str(), &own);
     if (result == 0) {
-        std::printf("Readinfo from '%s' failed in %s\n", path.c_str(), "RenameFileDBDir");
+        std::printf("Readinfo from '%s' failed in RenameFileDBDir\n", path.c_str());
     } else if (own.objlist != nullptr) {
         result = complete_record(*own.objlist, tab, *record, *start);
     }
@@ -123,10 +123,10 @@ int RenameFileDBDir(const char* name, std::FILE* tab, _SOURCEFILE_OBJECT* record
 
 int CodeMeasure_Tool_WriteScanCfgString(const char* key, const char* value)
 {
-    return write_profile_string("project", key, value, project_file_path().c_str());
+    return set_project_value(g_lxprj->szCovDictPath, key, value);
 }
 
 int CodeMeasure_Tool_WriteScanCfgInt(const char* key, int value)
 {
-    return write_profile_int("project", key, value, project_file_path().c_str());
+    return CodeMeasure_Tool_WriteScanCfgString(key, std::to_string(value).c_str());
 }

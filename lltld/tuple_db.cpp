@@ -26,7 +26,7 @@ int ReadOldInstInfoFromDb(const char* path, std::vector<_STInstInfo>& out)
     case Reading::empty:
         return 1;
     case Reading::not_opened:
-        std::printf("fopen '%s' error, in FUNCTION '%s'\n", path, "ReadOldInstInfoFromDb");
+        std::printf("fopen '%s' error, in FUNCTION 'ReadOldInstInfoFromDb'\n", path);
         return 0;
     case Reading::no_memory:
     case Reading::failed:

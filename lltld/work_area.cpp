@@ -7,12 +7,12 @@
 #include "commonfunc/file_ops.h"
 #include "commonfunc/file_replace.h"
 #include "commonfunc/file_tree.h"
-#include "commonfunc/ini_profile.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
 #include "contract/places.h"
+#include "contract/project_file.h"
 #include "lltld/cov_paths.h"
 #include "lltld/prj_settings.h"
 #include "lltld/work_area_lock.h"
@@ -95,10 +95,7 @@ bool enter_work_area(const std::string& root, const std::string& module)
 
 std::string output_of_work_area()
 {
-    char output[sizeof g_lxprj->szObjFile] = {};
-    read_profile_string("project", "sutpath", output, sizeof output, nullptr,
-                        project_file_path().c_str());
-    return output;
+    return project_value(g_lxprj->szCovDictPath, project_key::OUTPUT);
 }
 
 bool clear_work_area()

@@ -13,8 +13,8 @@ void name_work_area(const std::string& root, const std::string& module);
 /// area could not be created.
 bool enter_work_area(const std::string& root, const std::string& module);
 
-/// The file that was last built with this work area, from "sutpath" of its ".prj", where percent
-/// signs may be squeezed; empty for a fresh area.
+/// The file that was last built with this work area, where percent signs may be squeezed; empty for
+/// a fresh area.
 std::string output_of_work_area();
 
 /// Removes what an earlier build left in db (but `tuple.db`), obj/before and ini. False when that

@@ -11,6 +11,7 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
+#include "contract/names.h"
 #include "lltwrapper/step_plan.h"
 #include "lltwrapper/word_size.h"
 #include "lltwrapper/wrapper_state.h"
@@ -74,7 +75,7 @@ void drop_own_option(Walk& walk)
 void drop_project_path(Walk& walk)
 {
     const char* next = walk.after(2);
-    const bool named = next != nullptr && std::strcmp(next, "-projectname") == 0;
+    const bool named = next != nullptr && std::strcmp(next, NAME_OPTION) == 0;
     if (!named) {
         say("error \"projectname\". \r\n");
     }
@@ -186,9 +187,9 @@ struct Row {
 };
 
 constexpr Row ROWS[] = {
-    {equals, "-qmr_current_prj_path", drop_project_path, true},
-    {equals, "-projectname", drop_own_option, true},
-    {equals, "-qmr_coverage_stub_mold", drop_own_option, true},
+    {equals, PROJECT_OPTION, drop_project_path, true},
+    {equals, NAME_OPTION, drop_own_option, true},
+    {equals, MODE_OPTION, drop_own_option, true},
     {equals_nocase, "-lltwrapper_envfile", drop_own_option, true},
     {equals, "-mshort-load-bytes", drop_with_next},
     {equals, "-Wa,-march=armv7-a+sec", drop_armv7_extension},

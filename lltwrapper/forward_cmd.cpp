@@ -72,9 +72,9 @@ const char* link_driver(int token)
 void GenerateCMD2LLTCC()
 {
     // Kept: the project name is always LLTTEMP, and two blanks follow it.
-    strLLTCC = "lltcc -qmr_current_prj_path " + lltdbRootpath +
-               " -projectname " TEMPORARY_NAME " " + " -qmr_coverage_stub_mold " + lltcovmode +
-               " " + pOriginalCmd;
+    strLLTCC = "lltcc " PROJECT_OPTION " " + lltdbRootpath +
+               " " NAME_OPTION " " TEMPORARY_NAME "  " MODE_OPTION " " + lltcovmode + " " +
+               pOriginalCmd;
 }
 
 void GenerateCMD2LLTLD()
@@ -88,8 +88,8 @@ void GenerateCMD2LLTLD()
     // As a C string: a byte that maps to NUL ends the name.
     strLinkName = identifier_form(target).c_str();
     if (const char* driver = link_driver(iToken_wrapper)) {
-        strLLTLD = std::string(driver) + " -qmr_current_prj_path " + lltdbRootpath +
-                   " -projectname " + strLinkName + " -qmr_coverage_stub_mold " + lltcovmode + " " +
+        strLLTLD = std::string(driver) + " " PROJECT_OPTION " " + lltdbRootpath +
+                   " " NAME_OPTION " " + strLinkName + " " MODE_OPTION " " + lltcovmode + " " +
                    pOriginalCmd;
     }
 }

@@ -1,4 +1,4 @@
-// The coverage symbols of an object, which is the whole input.
+// The coverage symbols of an object, which is the whole input, read at once and in pieces.
 #include "lltld/object_scan.h"
 #include "commonfunc/message.h"
 #include "contract/names.h"
@@ -13,6 +13,18 @@ namespace
 
 constexpr char PATH[] = "object.o";
 
+constexpr std::size_t MAX_PIECE = 64;
+
+/// Adds what is printed of a symbol, and its name where it is new.
+void add(const std::string& text, const std::string& name, std::string& output, fuzz::Texts& names)
+{
+    output += "symbol  " + text + "  in obj-file: " + PATH + "\n";
+    const std::string kept = name.substr(0, 259);
+    if (std::find(names.begin(), names.end(), kept) == names.end()) {
+        names.push_back(kept);
+    }
+}
+
 /// Names in the order in which they are found, each once, and what is printed.
 fuzz::Texts names_in(const std::string& object, std::string& output)
 {
@@ -20,17 +32,30 @@ fuzz::Texts names_in(const std::string& object, std::string& output)
     fuzz::Texts names;
     for (std::size_t at = 0;
          (at = fuzz::quirky_find(object, prefix, at, object.size())) != std::string::npos;) {
-        output += "symbol  " + std::string(object.c_str() + at) + "  in obj-file: " + PATH + "\n";
-        at += prefix.size();
         const std::string text = object.c_str() + at;
-        const std::string name = text.substr(0, text.find(' '));
-        at += name.size();
-        const std::string kept = name.substr(0, 259);
-        if (std::find(names.begin(), names.end(), kept) == names.end()) {
-            names.push_back(kept);
-        }
+        const std::string name = text.substr(prefix.size(), text.find(' ') - prefix.size());
+        add(text, name, output, names);
+        at += prefix.size() + name.size();
     }
     return names;
+}
+
+/// The same wherever a piece ends; of a test loader only that it is one.
+void scan_pieces(std::size_t piece, bool is_loader, const std::string& output,
+                 const fuzz::Texts& names)
+{
+    ScannedObject object;
+    fuzz::holds("the file is read in pieces", scan_object(PATH, object, piece));
+    fuzz::same("it is a test loader, in pieces", is_loader, object.has_test_loader);
+    std::string texts;
+    fuzz::Texts found;
+    for (const CoverageSymbol& symbol : object.symbols) {
+        add(object.runs[symbol.run].substr(symbol.offset), symbol.name, texts, found);
+    }
+    if (!is_loader) {
+        fuzz::same("texts of symbols, in pieces", output, texts);
+        fuzz::same("names, in pieces", names, found);
+    }
 }
 
 fuzz::Texts take_list()
@@ -65,5 +90,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const fuzz::Texts names = names_in(object, output);
     fuzz::same("what is printed", output, fuzz::printed());
     fuzz::same("names", names, take_list());
+    for (std::size_t piece = 1; piece <= MAX_PIECE && piece <= size + 1 && size > 0; ++piece) {
+        scan_pieces(piece, is_loader, output, names);
+    }
     return 0;
 }

@@ -3,6 +3,7 @@
 
 #include "commonfunc/env.h"
 #include "commonfunc/message.h"
+#include "commonfunc/text.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -115,7 +116,6 @@ Table::Table(const std::vector<std::string>& titles) : rows_(1)
 
 void Table::add(std::vector<std::string> cells)
 {
-    const auto is_control = [](unsigned char c) { return c < 32 || c == 127; };
     for (std::string& cell : cells) {
         std::replace_if(cell.begin(), cell.end(), is_control, '?');
     }

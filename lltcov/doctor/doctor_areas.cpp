@@ -14,6 +14,8 @@
 #include "lltcov/report/coverage.h"
 #include "lltcov/report/project_data.h"
 #include "lltcov/report/shown_sources.h"
+#include "lltld/archive_file.h"
+#include "lltld/inst_file_list.h"
 #include "lltld/object_scan.h"
 
 #include <algorithm>
@@ -27,15 +29,8 @@
 namespace
 {
 
-/// Longest path of a record.
-constexpr std::size_t MAX_PATH_IN_RECORD = 259;
 /// A temporary file that is younger may be in use, in seconds.
 constexpr std::time_t MIN_AGE = 60;
-
-bool is_archive(const std::string& content)
-{
-    return begins_with(content, "!<arch>\n") || begins_with(content, "!<thin>\n");
-}
 
 bool holds_symbol(const ScannedObject& object, const std::string& symbol)
 {
@@ -155,7 +150,7 @@ void check_names(Examined& examined, Findings& findings)
     for (const InstrumentedObject& object : examined.data.objects) {
         check_symbol(object.symbol, findings);
         for (const std::string& path : {object.record.source, object.record.object}) {
-            if (path.size() > MAX_PATH_IN_RECORD) {
+            if (path.size() >= INST_NAME_SIZE) {
                 findings.add(
                     "long paths",
                     "'" + path +

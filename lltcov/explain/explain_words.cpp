@@ -3,6 +3,8 @@
 // run programs. Brace lists count as live, since /bin/sh may be a shell that has them.
 #include "lltcov/explain/explain_words.h"
 
+#include "commonfunc/text.h"
+
 #include <cctype>
 #include <cstdio>
 
@@ -241,12 +243,11 @@ std::string visible(const std::string& text)
 {
     std::string out;
     for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
         if (c == '\t' || c == '\n') {
             out += c == '\t' ? "\\t" : "\\n";
-        } else if (byte < 32 || byte == 127) {
+        } else if (is_control(c)) {
             char code[8];
-            std::snprintf(code, sizeof code, "\\x%02x", byte);
+            std::snprintf(code, sizeof code, "\\x%02x", static_cast<unsigned char>(c));
             out += code;
         } else {
             out += c;

@@ -3,19 +3,18 @@
 // killed is gone on with by the next: work areas leave their places at once, by a rename, and
 // LLTTEMP, which tells that here is a project, goes last.
 #include "commonfunc/file_tree.h"
-#include "commonfunc/ini_profile.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "contract/dump_file.h"
 #include "contract/names.h"
 #include "contract/places.h"
+#include "contract/project_file.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/project.h"
 #include "lltcov/report/opened_dump.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -174,10 +173,8 @@ private:
     /// or holds nothing but directories.
     bool is_wanted_area(const std::string& area) const
     {
-        char output[PATH_MAX] = {};
-        read_profile_string("project", "sutpath", output, sizeof output, nullptr,
-                            places::project_file(area).c_str());
-        if (output[0] != '\0') {
+        const std::string output = project_value(area, project_key::OUTPUT);
+        if (!output.empty()) {
             return scope_ == Scope::all || type_of(output) == 0;
         }
         if (type_of(places::linked_libraries(area)) == S_IFREG) {

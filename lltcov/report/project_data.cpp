@@ -5,11 +5,11 @@
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
-#include "commonfunc/ini_profile.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text_lines.h"
 #include "contract/linked_libraries.h"
 #include "contract/places.h"
+#include "contract/project_file.h"
 #include "contract/source_table.h"
 
 #include <algorithm>
@@ -33,14 +33,6 @@ std::vector<_SOURCEFILE_OBJECT> read_tab(const std::string& path)
     return read_source_table(content);
 }
 
-std::string project_value(const Module& module, const char* key)
-{
-    char value[1024] = {};
-    read_profile_string("project", key, value, sizeof value, nullptr,
-                        places::project_file(module.area).c_str());
-    return value;
-}
-
 /// The time at which a file got its content; 0 when there is none.
 timespec time_of(const std::string& path)
 {
@@ -60,9 +52,9 @@ public:
     {
         ModuleData entry;
         entry.module = module;
-        entry.buid = project_value(module, "BUID");
-        entry.output = project_value(module, "sutpath");
-        entry.built = project_value(module, "EndTime_Caddis");
+        entry.buid = project_value(module.area, project_key::BUILD_ID);
+        entry.output = project_value(module.area, project_key::OUTPUT);
+        entry.built = project_value(module.area, project_key::BUILT);
         const std::string path = places::table(places::db(module.area));
         const std::vector<_SOURCEFILE_OBJECT> records = read_tab(path);
         if (records.empty() || entry.buid.empty()) {

@@ -2,6 +2,8 @@
 // the replacement character: a report that shows a name a little wrong can still be read.
 #include "lltcov/report/report_text.h"
 
+#include "commonfunc/text.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <cxxabi.h>
@@ -48,11 +50,6 @@ template <typename Replace> std::string converted(const std::string& text, Repla
         at += length == 0 ? 1 : length;
     }
     return out;
-}
-
-bool is_control(char c)
-{
-    return static_cast<unsigned char>(c) < 32 || c == 127;
 }
 
 } // namespace

@@ -43,7 +43,7 @@ x86:vectors         | $CC -O3 -mavx2 -c statements.c && $CC statements.o -o prog
 address sanitizer   | $CC -fsanitize=address -O1 -g -c statements.c && $CC -fsanitize=address statements.o -o prog && ./prog
 saved temporaries   | $CC -save-temps -O2 -c statements.c && $CC statements.o -o prog && ./prog
 response file       | echo -O2 -g statements.c -o s.o >args && $CC -c @args && $CC s.o -o prog && ./prog
-other directory        | mkdir out && cd out && $CC -O2 -c ../statements.c -o s.o && $CC s.o -o ../prog && ../prog
+other directory     | mkdir out && cd out && $CC -O2 -c ../statements.c -o s.o && $CC s.o -o ../prog && ../prog
 without a suffix    | $CC -x c -c plain -o plain.o && $CC plain.o -o prog && ./prog
 link-time optimiser | $CC -O2 -flto -ffat-lto-objects -c statements.c && $CC -fno-lto statements.o -o prog && ./prog
 atomic counts       | $CC -O2 -fprofile-update=atomic -c statements.c && $CC statements.o -o prog && ./prog

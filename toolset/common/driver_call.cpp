@@ -1,6 +1,9 @@
 // The options are taken as long as they stand in front: the wrapped command may have equal words.
 #include "toolset/common/driver_call.h"
 
+#include "commonfunc/text.h"
+#include "contract/names.h"
+
 #include <cctype>
 #include <cstdint>
 #include <cstdio>
@@ -10,14 +13,10 @@
 namespace
 {
 
-constexpr const char* PROJECT = "-qmr_current_prj_path";
-constexpr const char* NAME = "-projectname";
-constexpr const char* MODE = "-qmr_coverage_stub_mold";
-
 bool is_value(const std::string& option, const std::string& word)
 {
-    if (option != MODE) {
-        return word != NAME && word != MODE;
+    if (option != MODE_OPTION) {
+        return word != NAME_OPTION && word != MODE_OPTION;
     }
     const std::size_t sign = word[0] == '-' ? 1 : 0;
     return std::isdigit(static_cast<unsigned char>(word[sign])) != 0;
@@ -29,15 +28,15 @@ DriverCall read_driver_call(const Words& arguments)
 {
     DriverCall call;
     auto at = arguments.begin();
-    while (at != arguments.end() && (*at == PROJECT || *at == NAME || *at == MODE)) {
+    while (at != arguments.end() && is_one_of(*at, {PROJECT_OPTION, NAME_OPTION, MODE_OPTION})) {
         const std::string& option = *at++;
         if (at == arguments.end() || !is_value(option, *at)) {
             continue;
         }
-        if (option == MODE) {
+        if (option == MODE_OPTION) {
             call.stub_mode = std::atoi(at->c_str());
         } else {
-            (option == PROJECT ? call.project : call.name) = *at;
+            (option == PROJECT_OPTION ? call.project : call.name) = *at;
         }
         ++at;
     }

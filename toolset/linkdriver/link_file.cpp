@@ -4,17 +4,19 @@
 #include "toolset/linkdriver/link_file.h"
 
 #include "commonfunc/file_io.h"
+#include "commonfunc/text.h"
+#include "lltld/archive_file.h"
 #include "toolset/common/process.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <elf.h>
+#include <string_view>
 #include <sys/stat.h>
 
 namespace
 {
 
-constexpr char ELF_MAGIC[] = {0x7f, 'E', 'L', 'F'};
 constexpr std::size_t ELF_BYTE_ORDER = 5; ///< 1 or 2: little or big endian
 constexpr std::size_t ELF_TYPE = 16;      ///< two bytes, 1 for a relocatable object
 
@@ -48,23 +50,21 @@ FileKind kind_of(const std::string& path)
         return FileKind::missing;
     }
     std::FILE* const file = std::fopen(path.c_str(), "rbe");
-    unsigned char start[ELF_TYPE + 2] = {};
+    char start[ELF_TYPE + 2] = {};
     if (file != nullptr) {
         std::fread(start, 1, sizeof start, file);
         std::fclose(file);
     }
-    const auto begins_with = [&](const char* magic, std::size_t size) {
-        return std::memcmp(start, magic, size) == 0;
-    };
-    if (begins_with("!<arch>\n", 8) || begins_with("!<thin>\n", 8)) {
+    const std::string_view bytes(start, sizeof start);
+    if (is_archive(bytes)) {
         return FileKind::archive;
     }
-    if (begins_with(ELF_MAGIC, sizeof ELF_MAGIC)) {
+    if (begins_with(bytes, ELFMAG)) {
         const std::size_t low = start[ELF_BYTE_ORDER] == 2 ? 1 : 0;
-        const int type = start[ELF_TYPE + low] + 256 * start[ELF_TYPE + 1 - low];
-        return type == 1 ? FileKind::object : FileKind::image;
+        return start[ELF_TYPE + low] == 1 && start[ELF_TYPE + 1 - low] == 0 ? FileKind::object
+                                                                            : FileKind::image;
     }
-    return begins_with("BC\xC0\xDE", 4) ? FileKind::object : FileKind::text;
+    return begins_with(bytes, "BC\xC0\xDE") ? FileKind::object : FileKind::text;
 }
 
 bool read_input(const std::string& path, std::string& content)

@@ -1,6 +1,9 @@
 // Everything is weak and hidden: a program or library that has a definition of its own keeps it.
 // No header is included, for the text is compiled with the options of a project's own sources.
 #include "toolset/linkdriver/plain_functions.h"
+
+#include "commonfunc/text.h"
+#include "lltld/archive_file.h"
 #include "toolset/linkdriver/link_file.h"
 
 #include <set>
@@ -62,7 +65,7 @@ void find_replaced(const std::string& path, std::set<const Replaced*>& found)
     if (!read_input(path, content)) {
         return;
     }
-    const bool is_thin = content.compare(0, 7, "!<thin>") == 0;
+    const bool is_thin = begins_with(content, THIN_ARCHIVE_MAGIC);
     for (const Replaced& replaced : REPLACED) {
         const std::string name = std::string("__gcov_") + replaced.name;
         if (is_thin || content.find(name.c_str(), 0, name.size() + 1) != content.npos) {

@@ -29,11 +29,11 @@ std::string compiler_driver()
 std::vector<std::string> compilation_of(const DriverCall& call, const LinkCommand& link)
 {
     std::vector<std::string> words = {compiler_driver(),
-                                      "-qmr_current_prj_path",
+                                      PROJECT_OPTION,
                                       call.project,
-                                      "-projectname",
+                                      NAME_OPTION,
                                       TEMPORARY_NAME,
-                                      "-qmr_coverage_stub_mold",
+                                      MODE_OPTION,
                                       std::to_string(call.stub_mode)};
     std::vector<bool> left_out(link.words.size() + 1);
     for (const std::size_t position : link.link_only) {
