@@ -1,6 +1,7 @@
 // Output goes to files: many programs can then run side by side, and none waits for its reader.
 #include "lltcov/report/child_process.h"
 
+#include "commonfunc/descriptor.h"
 #include "commonfunc/env.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_tree.h"
@@ -45,42 +46,6 @@ void note_signal(int signal)
     ::setitimer(ITIMER_REAL, &OFTEN, nullptr);
 }
 
-/// Wakes who waits for a program.
-void note_child(int /*signal*/) {}
-
-/// Holds signals back while it lives, except in `suspend`: none is lost between a look at what they
-/// tell and the wait for them.
-class HeldSignals
-{
-public:
-    HeldSignals()
-    {
-        struct sigaction action = {};
-        action.sa_handler = note_child;
-        ::sigaction(SIGCHLD, &action, &child_action_);
-        sigset_t signals;
-        ::sigemptyset(&signals);
-        ::sigaddset(&signals, SIGCHLD);
-        for (const int signal : ENDING_SIGNALS) {
-            ::sigaddset(&signals, signal);
-        }
-        ::sigprocmask(SIG_BLOCK, &signals, &mask_);
-    }
-    ~HeldSignals()
-    {
-        ::sigprocmask(SIG_SETMASK, &mask_, nullptr);
-        ::sigaction(SIGCHLD, &child_action_, nullptr);
-    }
-    HeldSignals(const HeldSignals&) = delete;
-    HeldSignals& operator=(const HeldSignals&) = delete;
-
-    void suspend() const { ::sigsuspend(&mask_); }
-
-private:
-    sigset_t mask_ = {};
-    struct sigaction child_action_ = {};
-};
-
 /// Without restarting what is interrupted; a signal that is ignored stays so.
 void handle_signals(void (*handler)(int))
 {
@@ -102,8 +67,7 @@ void throw_if_ending()
     }
     for (const pid_t program : running_programs) {
         ::kill(program, SIGKILL);
-        while (::waitpid(program, nullptr, 0) < 0 && errno == EINTR) {
-        }
+        uninterrupted([&] { return ::waitpid(program, nullptr, 0); });
     }
     running_programs.clear();
     throw std::runtime_error("interrupted by a signal");
@@ -192,10 +156,8 @@ pid_t start_program(const std::vector<std::string>& words, const TemporaryDirect
 int wait_for_program(pid_t program)
 {
     int status = -1;
-    const HeldSignals held;
-    while (program != 0 && ::waitpid(program, &status, WNOHANG) == 0) {
+    while (program != 0 && ::waitpid(program, &status, 0) < 0 && errno == EINTR) {
         throw_if_ending();
-        held.suspend();
     }
     running_programs.erase(program);
     throw_if_ending();
