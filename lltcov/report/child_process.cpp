@@ -1,7 +1,6 @@
 // Output goes to files: many programs can then run side by side, and none waits for its reader.
 #include "lltcov/report/child_process.h"
 
-#include "commonfunc/descriptor.h"
 #include "commonfunc/env.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_tree.h"
@@ -67,7 +66,8 @@ void throw_if_ending()
     }
     for (const pid_t program : running_programs) {
         ::kill(program, SIGKILL);
-        uninterrupted([&] { return ::waitpid(program, nullptr, 0); });
+        while (::waitpid(program, nullptr, 0) < 0 && errno == EINTR) {
+        }
     }
     running_programs.clear();
     throw std::runtime_error("interrupted by a signal");

@@ -26,8 +26,7 @@ namespace
 /// A part of what every coverage symbol is a hash of: a change gives all sources new symbols.
 constexpr const char* FORMAT_VERSION = "lltcc 3";
 
-/// The stamp in the compiler's notes, the word after magic and version, differs from compile to
-/// compile; recorded as 0, which data files are given too.
+/// The stamp in the compiler's notes, another one in each compile: recorded as 0, as in data files.
 constexpr std::size_t STAMP_AT = 8;
 constexpr std::size_t STAMP_SIZE = 4;
 

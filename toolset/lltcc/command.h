@@ -34,9 +34,8 @@ struct Launchers {
     Words skipped; ///< names of what cannot work with this driver: other caches and distributors
 };
 
-/// Takes what stands in front of the compiler off the command. A cache may stay when its hits bring
-/// whole objects for the same inputs; what sends a compile to another machine finds no assembler of
-/// ours there.
+/// Takes what stands in front of the compiler off the command. A cache may stay; what sends a
+/// compile to another machine finds no assembler of ours there.
 Launchers take_launchers(Words& command);
 
 /// Reads the command, which begins with the compiler.
