@@ -7,10 +7,11 @@
 #include <stddef.h>
 
 /* Each module has its own two, as it has its own copy of the runtime. "--whole-archive" brings this
- * file into modules that have no table, only libraries with stubs: the empty one here says so. */
+ * file into modules that have no table, only libraries with stubs: the empty one here says so. Not
+ * const, as clang takes what a constant holds for known although a link may replace it. */
 #pragma GCC visibility push(hidden)
-extern const struct lltcov_module lltcov_module;
-const struct lltcov_module lltcov_module __attribute__((weak)) = {0};
+extern struct lltcov_module lltcov_module;
+struct lltcov_module lltcov_module __attribute__((weak)) = {0};
 /* Before constructors of the program that may fork or exit: the compiler leaves 101 and above. */
 void lltcov_start(void) __attribute__((constructor(101)));
 #pragma GCC visibility pop
