@@ -129,7 +129,7 @@ expect_export 'and run' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 
 dump=$(echo llt_result/prog_exe.*)
 cp "$dump" whole
 (exec 9<"$dump" && flock 9 && : >"$dump" && : >held && sleep 0.3 && cat whole >"$dump") &
-until [ -e held ]; do sleep 0.01; done
+until [ -e held ] || ! kill -0 $! 2>/dev/null; do sleep 0.01; done
 expect_export 'beside a writer' 0 '8 of 11 lines hit (72.7 %), 2 of 3 functions, 3 of 4 branches, in 2 sources'
 wait
 
