@@ -8,10 +8,13 @@
 #include "commonfunc/text.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <libgen.h>
 #include <string>
+#include <sys/auxv.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -73,12 +76,25 @@ int QMRGetCurrProcName(char* out)
     return 1;
 }
 
-std::string program_directory(std::size_t path_length)
+std::string cut_program_directory(std::size_t path_length)
 {
     char program[PROC_NAME_SIZE + 1] = {};
     GetCurrProcName(program);
     program[std::min(path_length, PROC_NAME_SIZE)] = '\0';
     return ::dirname(program);
+}
+
+std::string program_directory()
+{
+    char program[PATH_MAX] = {};
+    const ssize_t length = ::readlink("/proc/self/exe", program, sizeof program - 1);
+    if (length < 0) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how the kernel hands it over
+        const auto* const started = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
+        return started != nullptr && ::realpath(started, program) != nullptr ? ::dirname(program)
+                                                                             : ".";
+    }
+    return ::dirname(program); // the kernel's " (deleted)" comes after the name
 }
 
 int GetCurrProcName(char* out)

@@ -28,6 +28,10 @@ int QMRGetCurrProcName(char* out);
 /// Same as `QMRGetCurrProcName`.
 int GetCurrProcName(char* out);
 
-/// The directory of the running executable, of whose path `path_length` bytes are looked at; "."
-/// when it cannot be told.
-std::string program_directory(std::size_t path_length = 512);
+/// The directory of the path that `QMRGetCurrProcName` gives, of which `path_length` bytes are
+/// looked at; "." when it cannot be told.
+std::string cut_program_directory(std::size_t path_length);
+
+/// The directory of the running executable, by the path that it was started by where /proc is
+/// missing; "." when it cannot be told.
+std::string program_directory();

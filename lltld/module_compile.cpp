@@ -149,7 +149,7 @@ int register_scanned_objects(const std::vector<ScannedObject>& objects)
 
 void SetToolPath()
 {
-    g_lxprj->strToolPath = program_directory(261);
+    g_lxprj->strToolPath = cut_program_directory(261);
 }
 
 void SetModTcInc()

@@ -207,7 +207,7 @@ void Caddis_CovInitCodeFile_Func_Declare(std::FILE* stub)
 
 void Caddis_LD_CovTypeIsCustom()
 {
-    const std::string ini = program_directory() + "/InstCode.ini";
+    const std::string ini = cut_program_directory(512) + "/InstCode.ini";
     const std::string gcc = read_gcc_option("GccOption", ini.c_str());
     const std::string gcc_c = read_gcc_option("GccCOption", ini.c_str());
     if (gcc.empty() || gcc_c.empty()) {

@@ -3,11 +3,14 @@
 #include "lltwrapper/archive_prepare.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/response_file.h"
 #include "commonfunc/text.h"
+#include "lltld/archive_file.h"
+#include "lltld/cov_paths.h"
 #include "lltld/prj_settings.h"
 #include "lltld/work_area.h"
 #include "lltwrapper/wrapper_state.h"
@@ -69,6 +72,17 @@ void warn_if_work_area_is_shared()
     }
 }
 
+bool begins_as_archive(const std::string& path)
+{
+    bool is_one = false;
+    const auto look = [&](const char* piece, std::size_t size) {
+        is_one = is_archive({piece, size});
+        return false;
+    };
+    read_in_pieces(path, look, ARCHIVE_MAGIC.size());
+    return is_one;
+}
+
 std::vector<ScannedObject> members_with_coverage(const std::vector<std::string>& arguments)
 {
     std::vector<ScannedObject> members;
@@ -84,6 +98,25 @@ std::vector<ScannedObject> members_with_coverage(const std::vector<std::string>&
 }
 
 } // namespace
+
+void warn_of_stale_member()
+{
+    const auto is_gone = [](const CoverageSymbol& symbol) {
+        return QMRFileExists(temp_ini_path(symbol.name.c_str()).c_str()) == 0;
+    };
+    // To make an object again where an archive is to blame would not help.
+    std::stable_partition(vtor_obj.begin(), vtor_obj.end(), begins_as_archive);
+    for (const std::string& path : vtor_obj) {
+        ScannedObject object;
+        scan_object(path, object);
+        if (std::any_of(object.symbols.begin(), object.symbols.end(), is_gone)) {
+            warn(
+                "'%s' holds counters of an earlier compile, whose record is gone: delete it, and make it again",
+                path.c_str());
+            return;
+        }
+    }
+}
 
 ArchivePlan plan_archive(const std::vector<std::string>& arguments, EnterWorkArea enter)
 {

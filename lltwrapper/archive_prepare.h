@@ -21,3 +21,7 @@ struct ArchivePlan {
 /// the archive and the words of response files too. Tells when no archive name was found, when the
 /// work area belongs to another archive, and of an argument that is not inspected.
 ArchivePlan plan_archive(const std::vector<std::string>& arguments, EnterWorkArea enter);
+
+/// After a failed step: names the first member that holds counters of a source whose record is
+/// gone, an archive for the most part, which no compile makes anew.
+void warn_of_stale_member();

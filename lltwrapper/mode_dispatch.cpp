@@ -11,6 +11,7 @@
 #include "commonfunc/text.h"
 #include "lltld/cov_paths.h"
 #include "lltld/program_objects.h"
+#include "lltwrapper/archive_prepare.h"
 #include "lltwrapper/archive_sequence.h"
 #include "lltwrapper/forward_cmd.h"
 #include "lltwrapper/version.h"
@@ -73,6 +74,7 @@ bool prepare(Mode mode)
         warn_if_unset("qmr_coverage_stub_mold");
     }
     if (mode == Mode::archive && !bring_archive_up_to_date()) {
+        warn_of_stale_member();
         const std::string log = env_text("LLTWRAPPER_LOG");
         warn("nothing is archived, the coverage work failed: %s (%s%s tells why)",
              beginning_of(pOriginalCmd).c_str(), log.empty() ? "standard output" : "the log ",

@@ -97,6 +97,9 @@ void checkstate(int argc, char** argv)
 {
     try {
         const Plan plan = plan_step({argv + 1, argv + argc}, enter_work_area);
+        for (const ScannedObject& member : plan.archive.members) {
+            vtor_obj.push_back(member.path);
+        }
         if (!plan.archive.members.empty()) {
             register_scanned_objects(plan.archive.members);
         }

@@ -27,7 +27,8 @@ extern std::string strLinkNameUserKo;
 extern std::set<std::string> vtor_objtypes;
 /// Scratch iterator over `vtor_objtypes`; nothing uses it.
 extern std::set<std::string>::iterator itor_objtypes;
-/// Object files of the wrapped command; nothing fills it.
+/// Members of the archive that hold coverage symbols. Written by `checkstate`, read when the
+/// archive step fails.
 extern std::vector<std::string> vtor_obj;
 
 /// Mode flags: compile, link, archive, run unchanged, final kernel image link. `checkstate` sets

@@ -8,17 +8,18 @@
 # takes PROGRAMS from the arguments. The directory is removed after a success, kept and named after a failure.
 set -u
 unset CDPATH
+for variable in $(compgen -e); do
+    case $variable in
+        PATH | PWD | HOME | TMPDIR | STRICT | CC | *_proxy | *_PROXY | *SAN_OPTIONS) ;;
+        *) unset "$variable" ;;
+    esac
+done
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 programs=$(cd "${1:?no directory of the programs}" && pwd) || exit 2
 shift
 # shellcheck disable=SC2034 # for the tests
 compiler=${CC:-gcc}
-for variable in $(compgen -e); do
-    case $variable in
-        PATH | PWD | HOME | TMPDIR | STRICT | *_proxy | *_PROXY | *SAN_OPTIONS) ;;
-        *) unset "$variable" ;;
-    esac
-done
+unset CC
 export PATH=$programs:$PATH LC_ALL=C TZ=UTC CCACHE_DISABLE=1
 work=$(mktemp -d "${TMPDIR:-/tmp}/$(basename "$0" .sh).XXXXXX") && cd -P "$work" || exit 2
 work=$PWD cases=0 failures=0

@@ -116,6 +116,25 @@ TEST_F(ArchiveStep, ASecondRunSupersedesASymbolAndForgetsTheFirst)
         "obj/before: a_2 b_1\nb.c b.o b_1 a.c a.o a_2 ");
 }
 
+TEST_F(ArchiveStep, AnArchiveThatKeepsWhatWasSupersededIsNamed)
+{
+    compile("a", "a_1", 1);
+    answer("ar rcs old.a a.o");
+    compile("a", "a_2", 2);
+    EXPECT_EQ(archive("old.a a.o"), 0);
+    EXPECT_EQ(err, ""); // both are there
+    for (const std::string members : {"old.a a.o", "a.o old.a"}) {
+        EXPECT_EQ(archive(members), 1);
+        EXPECT_NE(err.find("lltwrapper: '" + dir + "/old.a' holds counters of an earlier"),
+                  err.npos)
+            << err;
+    }
+    answer("rm old.a");
+    compile("a", "a_3", 3);
+    EXPECT_EQ(archive("a.o"), 0);
+    EXPECT_EQ(answer("nm " + stub + " | grep -o 'B g_QMR.*'"), "B g_QMRCovData_a_3\n");
+}
+
 TEST_F(ArchiveStep, ATestLoaderIsNoMemberWithCoverage)
 {
     compile("a", "a_1", 1);

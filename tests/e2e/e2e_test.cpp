@@ -137,6 +137,11 @@ TEST_F(Forwarding, ArgumentsAreRewrittenAndEscaped)
 TEST_F(Forwarding, TheEnvironmentNamesTheProjectAndTheTarget)
 {
     const std::string on = "TUSK_ENABLE_m32m64=1", x(254, 'x'), deep(300, 'd');
+    std::string codes;
+    const std::string deletes(4000, '\x7F');
+    for (int i = 0; i < 255; ++i) {
+        codes += "127"; // of that sign
+    }
     const std::string root = "qmr_current_prj_path", mode = "qmr_coverage_stub_mold";
     check({
         {"a directory that looks like a project file", root + "=/u/my.prj.d/sub", "gcc -c a.c",
@@ -156,6 +161,7 @@ TEST_F(Forwarding, TheEnvironmentNamesTheProjectAndTheTarget)
          "[gcc][-L][-m32][-o][app]{m32m64=2}"},
         {"word sizes off", "TUSK_ENABLE_m32m64=0", "gcc -m32 -o app", ld("app")},
         {"a long name is cut", "TUSK_ENABLE_m32m64=", "gcc -o " + x + "--", ld(x + "45")},
+        {"a name is cut, then made longer", "", "gcc -o " + deletes, ld(codes)},
         {"driver of a kernel", "lltwrapper_cfg=2", "gcc -o app", ld("app", "lltld_kernel")},
         {"driver of a hot patch", "lltwrapper_cfg=3x", "gcc -o app", ld("app", "hotpatch")},
         {"driver without a system", "lltwrapper_cfg=4", "gcc -o app", ld("app", "lltld_noos")},

@@ -27,5 +27,6 @@ int main(int argc, char** argv)
     fclose(log);
     printf("%s ran\n", name);
     fflush(stdout);
+    signal(SIGPIPE, SIG_DFL);
     return status < 0 ? raise(-status) : status;
 }

@@ -58,6 +58,7 @@ condition 0 '' 'mkdir -p real; ln -s real libx; $command; s=$?; rm -rf real libx
 condition '[01]' '?*' 'ln -s none libx; $command; s=$?; rm libx; exit $s'
 condition '[01]' '?*' 'ln -s libx libx; $command; s=$?; rm libx; exit $s'
 condition '[01]' '?*' 'mkdir -p libx/codemeasure; : >libx/codemeasure/db; $command; s=$?; rm libx/codemeasure/db; exit $s'
+condition '[01]' '?*' 'mkdir -p libx/codemeasure; : >libx/codemeasure/obj; $command; s=$?; rm libx/codemeasure/obj; exit $s'
 condition 0 '' 'mkdir -p libx/codemeasure/obj/before; (cd libx/codemeasure/obj/before && seq 40000 | xargs touch); $command'
 
 # --- project paths about the sizes of buffers; the steps of one are given another one's objects
@@ -69,6 +70,26 @@ for length in 231 235 247 252 254 255 256 257 259 260 261 262 511 512 1024 3900;
     condition '[01]' '?*' "qmr_current_prj_path=$long \$command"
 done
 
+# --- names of libraries about the sizes of buffers and of what a system takes
+for length in 200 230 251 253 254 255 256 262 263 4000; do
+    stem=$(printf "%0${length}d" 0)
+    wanted='?*'
+    [ "$length" -gt 200 ] || wanted=''
+    condition '[01]' "$wanted" "${command/libx.a/$stem.a}; s=\$?; rm -rf 0*; exit \$s"
+done
+
+# --- places of the program: with a bracket, longer than a buffer, gone while it runs
+deep=$work/$(printf '%0250d' 1)/$(printf '%0250d' 2)/$(printf '%0250d' 3)
+for place in "$work/a (1)" "$work/(x" "$deep"; do
+    mkdir -p "$place" && cp "${step[0]}" "$place/"
+    condition 0 '' "$(printf %q "$place")/lltwrapper ${command#* }"
+done
+condition 0 '' "cp ${step[0]} gone; exec 9<gone; rm gone; exec /proc/self/fd/9 ${command#* }"
+
+mkdir "$work/b (1)" && cp -a "$programs"/lltcc{,.d} "$work/b (1)/"
+expect 'a compile by a program in such a place' '' "$("$work/b (1)/lltcc" -qmr_current_prj_path "$PWD" \
+    -projectname LLTTEMP -qmr_coverage_stub_mold 1 gcc -c m1.c 2>&1)"
+
 # --- disks, and what a system lacks
 for size in 16 64 256; do
     [ $size = 256 ] && wanted='' || wanted='?*'
@@ -76,7 +97,7 @@ for size in 16 64 256; do
     in_namespace 0 '' "mkdir t; mount -t tmpfs -o size=${size}k none t; TMPDIR=\$PWD/t \$command; s=\$?; umount t; rmdir t; exit \$s"
 done
 in_namespace '[01]' '?*' 'mount --bind . . && mount -o remount,ro,bind . && cd . && $command; exit $?'
-in_namespace '[01]' '?*' 'umount -l /proc; $command'
+in_namespace 0 '' 'umount -l /proc; $command'
 in_namespace '[01]' '?*' 'mount --bind /dev/null /bin/sh; $command'
 condition '[01]' '?*' 'cd "$(mktemp -d)" && rmdir "$PWD" && $command'
 finish

@@ -84,7 +84,7 @@ std::string find_library(const std::string& name, bool is_static,
     if (name[0] == ':') {
         files = {name.substr(1)};
     } else if (is_static) {
-        files = {files[1]};
+        files.erase(files.begin());
     }
     for (const std::string& directory : directories) {
         for (const std::string& file : files) {

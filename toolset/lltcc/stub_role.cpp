@@ -9,11 +9,14 @@
 #include "toolset/common/own_files.h"
 #include "toolset/counters/counter_text.h"
 
+#include <cerrno>
 #include <cstddef>
+#include <cstring>
 #include <fcntl.h>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 namespace
@@ -41,17 +44,32 @@ std::string front_of(const std::string& stub)
 int run_stub_compile(const Words& arguments)
 {
     Words words = arguments;
+    std::string on_disk; // where no file without a name can be opened by another program
     for (std::size_t i = 1; i < words.size(); ++i) {
         std::string stub;
         if (words[i - 1] == "-c" && read_whole_file(words[i], stub) == Reading::done) {
-            const int front = anonymous_file(front_of(stub));
-            ::fcntl(front, F_SETFD, 0); // the compiler reads it
+            const std::string text = front_of(stub);
+            const int file = anonymous_file(text);
+            ::fcntl(file, F_SETFD, 0); // the compiler reads it
+            std::string front = "/proc/self/fd/" + std::to_string(file);
+            if (::access(front.c_str(), R_OK) != 0) {
+                front = on_disk = words[i] + ".front";
+                if (replace_file(front, text) != Writing::done) {
+                    notice("cannot write '%s', which the stub needs: %s; make room there",
+                           front.c_str(), std::strerror(errno));
+                    return 1;
+                }
+            }
             // After all other headers: those see the C library's own.
             words.insert(words.begin() + static_cast<std::ptrdiff_t>(i) - 1,
-                         {"-pipe", "-I" + own_file("lltcc.d") + "/stub", "-include",
-                          "/proc/self/fd/" + std::to_string(front)});
+                         {"-pipe", "-I" + own_file("lltcc.d") + "/stub", "-include", front});
             break;
         }
     }
-    return become_program(words);
+    if (on_disk.empty()) {
+        return become_program(words);
+    }
+    const int status = run_program(words);
+    ::unlink(on_disk.c_str());
+    return status;
 }

@@ -22,7 +22,7 @@ enum { MODULE_LENGTH = 150, BUID_LENGTH = 40 };
 static void out_plain(struct out* out, const char* name, size_t length)
 {
     static const char KEPT[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.+";
-    for (size_t i = 0; name[i] != '\0' && i < length; ++i) {
+    for (size_t i = 0; i < length && name[i] != '\0'; ++i) {
         const char plain[] = {strchr(KEPT, name[i]) != NULL ? name[i] : '_', '\0'};
         out_text(out, plain);
     }
