@@ -91,6 +91,11 @@ std::string linked_libraries(const std::string& area)
     return area + "/libraries.txt";
 }
 
+std::string stub_state(const std::string& area)
+{
+    return area + "/stub.state";
+}
+
 std::string agent_config(const std::string& area, const std::string& module)
 {
     return area + "/" + module + ".ini";

@@ -49,6 +49,7 @@ std::string tuple_db(const std::string& area);         ///< AREA/db/tuple.db
 std::string project_file(const std::string& area);     ///< AREA/.prj
 std::string compile_option(const std::string& area);   ///< AREA/CompileOption.ini
 std::string linked_libraries(const std::string& area); ///< AREA/libraries.txt
+std::string stub_state(const std::string& area);       ///< AREA/stub.state
 
 /// AREA/MODULE.ini
 std::string agent_config(const std::string& area, const std::string& module);

@@ -80,7 +80,7 @@ in_order() { if [[ $file = */.prj ]]; then sort; else cat; fi; }
 # tree: a line for each file, but for the moment of the build
 tree() {
     find . -printf '%y %m %p %l\n' | sort
-    find . -type f | sort | while IFS= read -r file; do
+    find . -type f ! -name stub.state | sort | while IFS= read -r file; do
         echo "$file $(sed -E 's/Q[0-9]{10}/BUID/g; s/^(EndTime_Caddis=).*/\1/' "$file" | in_order | cksum)"
     done
 }

@@ -1,5 +1,7 @@
 // A directory is filled under a temporary name and then takes its place; where an older one stands
-// (the same source compiled again), the two change places and the old one goes.
+// (the same source compiled again), the two change places and the old one goes. What is there
+// already as it would be written stays: on disks, files that take the place of others cost most of
+// what a compile pays for its records.
 #include "toolset/common/records.h"
 
 #include "commonfunc/file_io.h"
@@ -14,6 +16,7 @@
 #include "contract/source_table.h"
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
+#include "toolset/common/file_state.h"
 #include "toolset/common/source_name.h"
 #include "toolset/common/turn_lock.h"
 
@@ -24,8 +27,11 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <iterator>
 #include <stdexcept>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -40,14 +46,14 @@ constexpr std::size_t NAME_PART = MAX_SYMBOL - 17;
 
 void make_directories(const std::string& path)
 {
-    for (std::size_t at = path.find('/', 1);; at = path.find('/', at + 1)) {
-        const std::string part = path.substr(0, at);
-        if (::mkdir(part.c_str(), 0777) != 0 && errno != EEXIST) {
-            fail("create", part);
-        }
-        if (at == path.npos) {
-            return;
-        }
+    const std::size_t end = path.rfind('/');
+    bool made = ::mkdir(path.c_str(), 0777) == 0 || errno == EEXIST;
+    if (!made && errno == ENOENT && end != path.npos && end != 0) {
+        make_directories(path.substr(0, end));
+        made = ::mkdir(path.c_str(), 0777) == 0 || errno == EEXIST;
+    }
+    if (!made) {
+        fail("create", path);
     }
 }
 
@@ -77,7 +83,18 @@ std::string table_record(const Record& record, SourceState state)
 
 void write_whole(const std::string& path, const std::string& text)
 {
-    if (replace_file(path, text) != Writing::done) {
+    if (!file_holds(path, text) && replace_file(path, text) != Writing::done) {
+        fail("write", path);
+    }
+}
+
+/// Writes a file of a directory that nobody else knows yet.
+void write_new(const std::string& path, const std::string& text)
+{
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const bool written = file >= 0 && write_all(file, text.data(), text.size());
+    if (file < 0 || (::close(file) != 0 && errno != EINTR) || !written) {
+        warn_not_written(path);
         fail("write", path);
     }
 }
@@ -133,11 +150,23 @@ void leave_records(const std::string& area, const Record& record, const std::str
     const std::string place = places::symbol_db(area, record.symbol);
     // Named after the object, so that its next compile removes what a killed one has left.
     const std::string beside = places::db(area) + "/." + hash_name({record.object});
+    const std::pair<std::string, std::string> files[] = {
+        // by their paths in the directory
+        {places::table(""), table_record(record, state)},
+        {places::compile_command(""), record.compile_command},
+        {places::record(""), to_bytes(record)}};
+    const auto stands = [&](const auto& file) {
+        return file_holds(place + file.first, file.second);
+    };
     const TurnLock turn(area, beside);
     remove_tree(beside);
+    if (std::all_of(std::begin(files), std::end(files), stands) &&
+        ::utimensat(AT_FDCWD, places::table(place).c_str(), nullptr, 0) == 0) {
+        return; // the time of the table is that of the compile: reports hold headers against it
+    }
     make_directories(beside);
-    write_whole(places::table(beside), table_record(record, state));
-    write_whole(places::compile_command(beside), record.compile_command);
-    write_whole(places::record(beside), to_bytes(record));
+    for (const auto& [path, text] : files) {
+        write_new(beside + path, text);
+    }
     move_into_place(beside, place);
 }

@@ -167,7 +167,7 @@ int link_module(const LinkCommand& link, LinkCoverage& coverage, const std::stri
     restore_lost_records(link, coverage);
     std::string stub;
     if (!coverage.objects.empty()) {
-        stub = make_stub(coverage.objects);
+        stub = make_stub(link, coverage.objects);
         if (stub.empty()) {
             const std::string log = env_text("LLTWRAPPER_LOG");
             const std::string reason =

@@ -3,6 +3,7 @@
 #include "toolset/linkdriver/module_stub.h"
 
 #include "commonfunc/Caddis_func.h"
+#include "commonfunc/build_id.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
@@ -24,8 +25,10 @@
 #include "lltld/prj_settings.h"
 #include "lltld/source_tab.h"
 #include "lltld/work_area.h"
+#include "toolset/common/file_state.h"
 #include "toolset/common/process.h"
 #include "toolset/counters/counter_text.h"
+#include "toolset/linkdriver/kept_stub.h"
 #include "toolset/linkdriver/module_table.h"
 
 #include <algorithm>
@@ -104,7 +107,7 @@ std::string assemble_table()
     std::string text;
     if (CodeMeasure_Client_GetSourceFileTab(&sources) != 0 &&
         write_merged_table(sources, nullptr)) {
-        text = module_table(sources);
+        text = module_table(sources, TUSK_Build_GetBUID());
     }
     release_table(sources);
     Words command = assembler_of_module();
@@ -184,18 +187,33 @@ void record_libraries(const std::vector<LinkedLibrary>& libraries)
     std::vector<LinkedLibrary> known;
     std::copy_if(libraries.begin(), libraries.end(), std::back_inserter(known),
                  [](const LinkedLibrary& library) { return !library.buid.empty(); });
-    replace_file(places::linked_libraries(g_lxprj->szCovDictPath), to_text(known));
+    const std::string path = places::linked_libraries(g_lxprj->szCovDictPath);
+    if (!file_holds(path, to_text(known))) {
+        replace_file(path, to_text(known));
+    }
 }
 
-std::string make_stub(const std::vector<ScannedObject>& objects)
+std::string make_stub(const LinkCommand& link, const std::vector<ScannedObject>& objects)
 {
+    const KeptStub kept(link, objects);
+    if (kept.is_valid()) {
+        std::printf("The stub of '%s' is kept: nothing that it is made of has changed.\n",
+                    g_lxprj->modName);
+        SetModCompileCmd();
+        return stub_object_path();
+    }
+    kept.forget();
     empty_work_area();
     remove_entries(std::string(g_lxprj->szCovDictPath) + "/obj", PLAIN_ARRAYS);
     if (register_scanned_objects(objects) == 0 || !update_tuple_database() ||
         TidyCoverageDB() == 0) {
         return "";
     }
-    return assemble_table();
+    std::string stub = assemble_table();
+    if (!stub.empty()) {
+        kept.keep();
+    }
+    return stub;
 }
 
 std::string make_plain_object(const std::vector<ScannedObject>& objects,

@@ -3,6 +3,7 @@
 
 #include "contract/linked_libraries.h"
 #include "lltld/object_scan.h"
+#include "toolset/linkdriver/link_command.h"
 
 #include <set>
 #include <string>
@@ -27,9 +28,10 @@ void make_room_for_output(const std::string& project, const std::string& output)
 /// their work areas, and their runs are told by this list alone.
 void record_libraries(const std::vector<LinkedLibrary>& libraries);
 
-/// Brings the work area up to date with these objects and compiles the stub that registers their
-/// counters. Returns the stub object, or an empty path after the library's messages.
-std::string make_stub(const std::vector<ScannedObject>& objects);
+/// Brings the work area up to date with these objects and assembles the stub that registers their
+/// counters; nothing is done where the last link has left both as they would be. Returns the stub
+/// object, or an empty path after the library's messages.
+std::string make_stub(const LinkCommand& link, const std::vector<ScannedObject>& objects);
 
 /// An object of the counter arrays of these objects and of `functions`, a text that takes the
 /// runtime's place, so that a link succeeds where the runtime cannot be. Needs the work area.

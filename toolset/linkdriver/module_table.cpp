@@ -2,7 +2,6 @@
 #include "toolset/linkdriver/module_table.h"
 
 #include "commonfunc/Caddis_func.h"
-#include "commonfunc/build_id.h"
 #include "contract/names.h"
 #include "lltld/c_literal.h"
 #include "lltld/counter_mode.h"
@@ -74,7 +73,7 @@ void write_sources(TableText& out, const _SOURCEFILE_TAB& sources)
     }
 }
 
-void write_module(TableText& out, int number_of_sources)
+void write_module(TableText& out, int number_of_sources, const char* build_id)
 {
     const LinuxPrjItem& prj = *g_lxprj;
     // The second name says that this has a stub: no archive step takes it for a member.
@@ -90,8 +89,8 @@ void write_module(TableText& out, int number_of_sources)
         out.address_of_text(escape_for_c(prj.lltcovRootpath));
     }
     out.address_of_text(escape_for_c("{\"projectname\":\"") + escape_for_json_in_c(prj.szPrjName) +
-                        escape_for_c("\",\"buid\":\"") +
-                        escape_for_json_in_c(TUSK_Build_GetBUID()) + escape_for_c("\"}"));
+                        escape_for_c("\",\"buid\":\"") + escape_for_json_in_c(build_id) +
+                        escape_for_c("\"}"));
     out.address(".Lsources");
     for (const int value : {number_of_sources, prj.stubmode, prj.TimerPolicy == 1 ? 1 : 0,
                             prj.TimeInterval, prj.SignalPolicy == 1 ? 1 : 0, prj.SignalNUM,
@@ -102,13 +101,13 @@ void write_module(TableText& out, int number_of_sources)
 
 } // namespace
 
-std::string module_table(const _SOURCEFILE_TAB& sources)
+std::string module_table(const _SOURCEFILE_TAB& sources, const char* build_id)
 {
     TableText out;
     out.line("\t.section\t.note.GNU-stack,\"\",%progbits");
     write_arrays(out, sources);
     out.line("\t.section\t.data.rel.ro,\"aw\"\n\t.balign\t8");
-    write_module(out, sources.elementcount);
+    write_module(out, sources.elementcount, build_id);
     write_sources(out, sources);
     return out.text();
 }
