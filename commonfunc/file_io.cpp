@@ -90,22 +90,33 @@ Reading take_pieces(const Opened& file, std::string& piece, const TakePiece& tak
 Reading read_whole_file(const std::string& path, std::string& content)
 {
     content.clear();
+    const Reading reading = read_file_into(path, [&](std::size_t size) -> char* {
+        try {
+            content.resize(size);
+            return &content[0];
+        } catch (const std::exception&) {
+            return nullptr;
+        }
+    });
+    if (reading != Reading::done) {
+        content.clear();
+    }
+    return reading;
+}
+
+Reading read_file_into(const std::string& path, const RoomFor& room)
+{
     Opened file;
     open_for_reading(path, file);
     if (file.reading != Reading::done) {
         return file.reading;
     }
-    try {
-        content.resize(file.size);
-    } catch (const std::exception&) {
+    char* const out = room(file.size);
+    if (out == nullptr) {
         errno = ENOMEM;
         return Reading::no_memory;
     }
-    if (!read_exactly(file.fd, &content[0], content.size())) {
-        content.clear();
-        return Reading::failed;
-    }
-    return Reading::done;
+    return read_exactly(file.fd, out, file.size) ? Reading::done : Reading::failed;
 }
 
 const char* why_not_read()

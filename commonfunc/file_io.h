@@ -16,6 +16,12 @@ enum class Reading { done, missing, not_opened, empty, no_memory, failed };
 /// when no system call failed.
 Reading read_whole_file(const std::string& path, std::string& content);
 
+/// Room for a file's bytes; null when there is none.
+using RoomFor = std::function<char*(std::size_t size)>;
+
+/// The same to where `room` says, which is asked once, for a file that is not empty.
+Reading read_file_into(const std::string& path, const RoomFor& room);
+
 /// The reason that `errno` gives after such a reading, as text.
 const char* why_not_read();
 

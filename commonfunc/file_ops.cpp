@@ -3,6 +3,7 @@
 // "rm -rf" would name a parent directory.
 #include "commonfunc/file_ops.h"
 
+#include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
@@ -23,6 +24,14 @@ namespace
 
 /// Room that a caller of `QMRGetCurrProcName` provides, in bytes.
 constexpr std::size_t PROC_NAME_SIZE = 512;
+
+/// Prints the command that clears the directory, and gives it.
+std::string shown_clearing_of(const std::string& path)
+{
+    const std::string command = "rm -rf " + shell_word(path) + "/*";
+    std::printf("rm cmd:: %s, DeleteAllFilesInDirectory\n", command.c_str());
+    return command;
+}
 
 } // namespace
 
@@ -54,9 +63,13 @@ int DeleteAllFilesInDirectory(const char* path)
             "will not clear a directory without a name: that would be the root directory; check 'qmr_current_prj_path'");
         return 0;
     }
-    const std::string command = "rm -rf " + shell_word(path) + "/*";
-    std::printf("rm cmd:: %s, DeleteAllFilesInDirectory\n", command.c_str());
-    return run_helper(command) == -1 ? 0 : 1;
+    return run_helper(shown_clearing_of(path)) == -1 ? 0 : 1;
+}
+
+void clear_directory_by_itself(const std::string& path)
+{
+    shown_clearing_of(path);
+    remove_entries(path, "");
 }
 
 int QMRGetCurrProcName(char* out)

@@ -20,6 +20,11 @@ int QMRCreateDirectory(const char* path);
 /// nothing is printed or run then, and the result is 0 with a warning.
 int DeleteAllFilesInDirectory(const char* path);
 
+/// Prints what `DeleteAllFilesInDirectory` prints, and removes the same without a shell, which
+/// takes longer to expand thousands of names than their removal does. A warning tells of what
+/// stays.
+void clear_directory_by_itself(const std::string& path);
+
 /// Writes the path of the running executable into `out`, at most 512 bytes without a NUL: the
 /// caller clears its buffer of at least 512 bytes first. The " (deleted)" that the system appends
 /// for a removed executable is cut off. On failure perror reports it. Always returns 1.

@@ -117,11 +117,14 @@ bool keep_owner(int fd, const struct stat* old)
            ::fchown(fd, old->st_uid, old->st_gid) == 0;
 }
 
-/// Writes the text and has the system say what it does not keep. Closing another descriptor of the
-/// file tells that, too, and leaves it locked.
-bool write_and_flush(int fd, const std::string& text)
+/// What writes the content to a descriptor, which it leaves open; false with `errno` on failure.
+using WriteTo = std::function<bool(int fd)>;
+
+/// Writes and has the system say what it does not keep. Closing another descriptor of the file
+/// tells that, too, and leaves it locked.
+bool write_and_flush(int fd, const WriteTo& write)
 {
-    if (!write_all(fd, text.data(), text.size())) {
+    if (!write(fd)) {
         return false;
     }
     const int other = ::dup(fd);
@@ -129,7 +132,7 @@ bool write_and_flush(int fd, const std::string& text)
 }
 
 /// Nothing is done when no file can be made beside. `old` is what it replaces, null for nothing.
-Writing write_beside_and_rename(const std::string& path, const std::string& text,
+Writing write_beside_and_rename(const std::string& path, const WriteTo& write,
                                 const struct stat* old)
 {
     const SignalsWait wait;
@@ -141,7 +144,7 @@ Writing write_beside_and_rename(const std::string& path, const std::string& text
     const bool kept = keep_owner(fd, old);
     const mode_t mode = old == nullptr ? 0666 & ~process_umask() : old->st_mode;
     ::fchmod(fd, mode & (kept ? 07777 : 0777)); // some file systems have no modes
-    const bool done = write_and_flush(fd, text) &&
+    const bool done = write_and_flush(fd, write) &&
                       uninterrupted([&] { return std::rename(beside.c_str(), path.c_str()); }) == 0;
     const int error = errno;
     if (!done) {
@@ -157,14 +160,23 @@ Writing write_beside_and_rename(const std::string& path, const std::string& text
     return done ? Writing::done : Writing::failed;
 }
 
-Writing write_directly(const std::string& path, const std::string& text)
+Writing write_directly(const std::string& path, const WriteTo& write)
 {
-    const File file = open_file(path, "we");
-    if (!file) {
+    struct stat info = {};
+    if (::stat(path.c_str(), &info) == 0 && S_ISFIFO(info.st_mode)) {
+        errno = ESPIPE; // it would block
         return Writing::not_opened;
     }
-    const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
-    return std::fflush(file.get()) == 0 && written ? Writing::done : Writing::failed;
+    const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
+    const int fd = uninterrupted([&] { return ::open(path.c_str(), flags, 0666); });
+    if (fd < 0) {
+        return Writing::not_opened;
+    }
+    const bool written = write(fd);
+    const int error = errno;
+    ::close(fd);
+    errno = error;
+    return written ? Writing::done : Writing::failed;
 }
 
 /// What helps against a refusal: of the file, or of its directory when there is none or it is
@@ -206,9 +218,7 @@ std::string cure_of(const std::string& path, int error)
     }
 }
 
-} // namespace
-
-Writing replace_file(const std::string& path, const std::string& text)
+Writing replace_by(const std::string& path, const WriteTo& write)
 {
     struct stat old = {};
     const bool exists = ::lstat(path.c_str(), &old) == 0;
@@ -216,18 +226,41 @@ Writing replace_file(const std::string& path, const std::string& text)
     const bool regular = ::stat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode);
     Writing result = Writing::not_opened;
     if (!exists) {
-        result = write_beside_and_rename(path, text, nullptr);
+        result = write_beside_and_rename(path, write, nullptr);
     } else if (regular && ::access(path.c_str(), W_OK) == 0) {
-        result = write_beside_and_rename(is_link ? absolute_path(path) : path, text, &old);
+        result = write_beside_and_rename(is_link ? absolute_path(path) : path, write, &old);
     }
     const bool only_beside_impossible = errno == EACCES || errno == EPERM || errno == EROFS;
     if (result == Writing::not_opened && (!regular || only_beside_impossible)) {
-        result = write_directly(path, text);
+        result = write_directly(path, write);
     }
     if (result != Writing::done) {
         warn_not_written(path);
     }
     return result;
+}
+
+} // namespace
+
+Writing replace_file(const std::string& path, const std::string& text)
+{
+    return replace_by(path, [&](int fd) { return write_all(fd, text.data(), text.size()); });
+}
+
+Writing replace_file(const std::string& path, const WriteContent& write)
+{
+    return replace_by(path, [&](int fd) {
+        const int other = ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
+        File file = other >= 0 ? open_descriptor(other, "w") : File(nullptr, &std::fclose);
+        if (!file) {
+            const int error = other >= 0 ? ENOMEM : errno;
+            ::close(other);
+            errno = error;
+            return false;
+        }
+        const bool written = write(file.get());
+        return std::fflush(file.get()) == 0 && written;
+    });
 }
 
 void warn_not_written(const std::string& path)

@@ -1,6 +1,8 @@
 // Files that take the place of older ones.
 #pragma once
 
+#include <cstdio>
+#include <functional>
 #include <string>
 
 /// How the replacement of a file ended.
@@ -13,6 +15,12 @@ enum class Writing { done, not_opened, failed };
 /// is opened and written. `warn_not_written` tells of anything but `done`; the old content stays
 /// unless that writing failed.
 Writing replace_file(const std::string& path, const std::string& text);
+
+/// Writes the content of a file; false when that failed, `errno` tells why.
+using WriteContent = std::function<bool(std::FILE* file)>;
+
+/// The same with a content that is never whole in memory.
+Writing replace_file(const std::string& path, const WriteContent& write);
 
 /// Tells on standard error why, by `errno`, the file cannot be written, and what to do.
 void warn_not_written(const std::string& path);

@@ -6,13 +6,11 @@
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <set>
 #include <string>
 #include <sys/stat.h>
@@ -30,15 +28,12 @@ bool failed(const char* what, const std::string& path)
     return false;
 }
 
-/// True when nothing may be written there: through a link that names nothing, or, as opening it
-/// would empty the source, into the source itself.
-bool is_no_place_for(const struct stat& source, const std::string& destination)
+/// True when nothing may be written to what is there: through a link that names nothing, or, as
+/// opening it would empty the source, into the source itself.
+bool is_no_place_for(const struct stat& source, const Place& there)
 {
     struct stat info = {};
-    if (::lstat(destination.c_str(), &info) != 0) {
-        return false; // mostly: there is nothing yet
-    }
-    if (S_ISLNK(info.st_mode) && ::stat(destination.c_str(), &info) != 0) {
+    if (::fstatat(there.directory, there.name(), &info, 0) != 0) {
         return true;
     }
     return source.st_dev == info.st_dev && source.st_ino == info.st_ino;
@@ -78,83 +73,113 @@ bool copy_bytes(int from, int to, off_t size)
     return (is_begun && size == 0) || copy_through_buffer(from, to);
 }
 
-bool copy_file(const std::string& source, const std::string& destination, const struct stat& info)
+/// Opens the copy, which mostly is new. An existing one keeps its mode and identity; one that
+/// cannot be opened is replaced.
+int open_copy(const Place& place, const struct stat& source)
 {
-    if (is_no_place_for(info, destination)) {
-        errno = EEXIST;
-        return failed("copy to", destination);
-    }
-    const int from = uninterrupted([&] { return ::open(source.c_str(), O_RDONLY | O_CLOEXEC); });
-    if (from < 0) {
-        return failed("read", source);
-    }
-    // An existing destination keeps its mode and identity; one that cannot be opened is replaced.
-    const auto open_copy = [&](int flag) {
+    const auto open_as = [&](int flag) {
         const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | flag;
-        const mode_t mode = info.st_mode & 0777;
-        return uninterrupted([&] { return ::open(destination.c_str(), flags, mode); });
+        const mode_t mode = source.st_mode & 0777;
+        return uninterrupted([&] { return ::openat(place.directory, place.name(), flags, mode); });
     };
-    int to = open_copy(O_TRUNC);
-    if (to < 0) {
-        const int error = errno;
-        to = ::unlink(destination.c_str()) == 0 ? open_copy(O_EXCL) : -1;
-        errno = to < 0 ? error : errno;
+    int fd = open_as(O_EXCL);
+    if (fd >= 0 || errno != EEXIST) {
+        return fd;
     }
+    if (is_no_place_for(source, place)) {
+        errno = EEXIST;
+        return -1;
+    }
+    fd = open_as(O_TRUNC);
+    if (fd < 0) {
+        const int error = errno;
+        fd = ::unlinkat(place.directory, place.name(), 0) == 0 ? open_as(O_EXCL) : -1;
+        errno = fd < 0 ? error : errno;
+    }
+    return fd;
+}
+
+bool copy_file(const Place& source, const Place& destination, const struct stat& info)
+{
+    const int from = uninterrupted(
+        [&] { return ::openat(source.directory, source.name(), O_RDONLY | O_CLOEXEC); });
+    if (from < 0) {
+        return failed("read", source.path);
+    }
+    const int to = open_copy(destination, info);
     bool done = to >= 0 && copy_bytes(from, to, info.st_size);
     ::close(from);
     done = (to < 0 || ::close(to) == 0 || errno == EINTR) && done;
-    return done || failed("copy to", destination);
+    return done || failed("copy to", destination.path);
 }
 
-bool copy_link(const std::string& source, const std::string& destination)
+bool copy_link(const Place& source, const Place& destination)
 {
     std::string target(PATH_MAX, '\0');
-    const ssize_t length = ::readlink(source.c_str(), &target[0], target.size());
+    const ssize_t length = ::readlinkat(source.directory, source.name(), &target[0], target.size());
     if (length < 0) {
-        return failed("read", source);
+        return failed("read", source.path);
     }
     target.resize(static_cast<std::size_t>(length));
-    ::unlink(destination.c_str());
-    return ::symlink(target.c_str(), destination.c_str()) == 0 || failed("create", destination);
+    ::unlinkat(destination.directory, destination.name(), 0);
+    return ::symlinkat(target.c_str(), destination.directory, destination.name()) == 0 ||
+           failed("create", destination.path);
 }
 
 /// The directories, by device and number, into which one copy has put something.
 using Filled = std::set<std::pair<dev_t, ino_t>>;
 
-bool copy_entry(const std::string& source, const std::string& destination, Filled& filled);
+bool copy_entry(const Place& source, const Place& destination, Filled& filled);
 
-bool copy_directory(const std::string& source, const std::string& destination,
-                    const struct stat& info, Filled& filled)
+/// What the source holds, into the opened directory.
+bool copy_entries(const Place& source, const Place& destination, int opened, Filled& filled)
 {
-    if (filled.count({info.st_dev, info.st_ino}) != 0) {
-        warn("the directory '%s' is not copied into itself; name a destination outside of it",
-             source.c_str());
-        return false;
-    }
-    const mode_t mode = (info.st_mode & 0777) | S_IRWXU;
-    const bool made = uninterrupted([&] { return ::mkdir(destination.c_str(), mode); }) == 0;
-    const int error = made ? 0 : errno;
-    struct stat target = {};
-    if (::lstat(destination.c_str(), &target) != 0 || !S_ISDIR(target.st_mode)) {
-        errno = error;
-        return failed("create", destination);
-    }
-    filled.insert({target.st_dev, target.st_ino});
+    const Directory stream = open_directory(source, O_NOFOLLOW);
     bool done = true;
-    for (const std::string& name : names_in(source)) {
-        done = copy_entry(source + "/" + name, destination + "/" + name, filled) && done;
-    }
-    if (made) {
-        ::chmod(destination.c_str(), info.st_mode & 01777 & ~process_umask());
+    for (const std::string& name : names_of(stream, source.path)) {
+        done = copy_entry({source, ::dirfd(stream.get()), name}, {destination, opened, name},
+                          filled) &&
+               done;
     }
     return done;
 }
 
-bool copy_entry(const std::string& source, const std::string& destination, Filled& filled)
+bool copy_directory(const Place& source, const Place& destination, const struct stat& info,
+                    Filled& filled)
+{
+    if (filled.count({info.st_dev, info.st_ino}) != 0) {
+        warn("the directory '%s' is not copied into itself; name a destination outside of it",
+             source.path.c_str());
+        return false;
+    }
+    const mode_t mode = (info.st_mode & 0777) | S_IRWXU;
+    const bool made = uninterrupted([&] {
+                          return ::mkdirat(destination.directory, destination.name(), mode);
+                      }) == 0;
+    const int error = made ? 0 : errno;
+    const int opened = uninterrupted([&] {
+        return ::openat(destination.directory, destination.name(),
+                        O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    });
+    struct stat target = {};
+    if (opened < 0 || ::fstat(opened, &target) != 0) {
+        errno = made ? errno : error;
+        return failed("create", destination.path);
+    }
+    filled.insert({target.st_dev, target.st_ino});
+    const bool done = copy_entries(source, destination, opened, filled);
+    ::close(opened);
+    if (made && mode != (info.st_mode & 01777)) {
+        ::chmod(destination.path.c_str(), info.st_mode & 01777 & ~process_umask());
+    }
+    return done;
+}
+
+bool copy_entry(const Place& source, const Place& destination, Filled& filled)
 {
     struct stat info = {};
-    if (::lstat(source.c_str(), &info) != 0) {
-        return failed("read", source);
+    if (::fstatat(source.directory, source.name(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+        return failed("read", source.path);
     }
     if (S_ISDIR(info.st_mode)) {
         return copy_directory(source, destination, info, filled);
@@ -165,73 +190,68 @@ bool copy_entry(const std::string& source, const std::string& destination, Fille
     if (S_ISREG(info.st_mode)) {
         return copy_file(source, destination, info);
     }
-    ::unlink(destination.c_str());
-    return ::mknod(destination.c_str(), info.st_mode & ~process_umask(), info.st_rdev) == 0 ||
-           failed("create", destination);
+    ::unlinkat(destination.directory, destination.name(), 0);
+    return ::mknodat(destination.directory, destination.name(), info.st_mode & ~process_umask(),
+                     info.st_rdev) == 0 ||
+           failed("create", destination.path);
 }
 
-void tell_unless_gone(int result, const std::string& path)
+/// True when there is, or can be, no file of the name that a call refused.
+bool is_gone()
 {
-    if (result != 0 && errno != ENOENT) {
-        failed("remove", path);
+    return errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG;
+}
+
+bool is_directory(const Place& place)
+{
+    struct stat info = {};
+    return ::fstatat(place.directory, place.name(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+           S_ISDIR(info.st_mode);
+}
+
+bool remove_entry(const Place& place)
+{
+    if (::unlinkat(place.directory, place.name(), 0) == 0 || is_gone()) {
+        return true;
     }
+    const int error = errno;
+    if (error != EISDIR && !is_directory(place)) {
+        errno = error;
+        return failed("remove", place.path);
+    }
+    const Directory stream = open_directory(place, O_NOFOLLOW);
+    for (const std::string& name : names_of(stream, place.path)) {
+        remove_entry({place, ::dirfd(stream.get()), name});
+    }
+    if (::unlinkat(place.directory, place.name(), AT_REMOVEDIR) == 0 || is_gone()) {
+        return true;
+    }
+    // A directory that still holds something was told of by what it holds.
+    return errno != ENOTEMPTY && failed("remove", place.path);
 }
 
 } // namespace
 
-std::vector<std::string> names_in(const std::string& directory)
-{
-    std::vector<std::string> names;
-    const int fd = uninterrupted(
-        [&] { return ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(fd < 0 ? nullptr : ::fdopendir(fd),
-                                                     &::closedir);
-    if (fd >= 0 && !stream) {
-        ::close(fd);
-        errno = ENOMEM;
-    }
-    errno = stream ? 0 : errno;
-    while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
-        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
-            names.emplace_back(entry->d_name);
-        }
-        errno = 0;
-    }
-    if (errno != 0 && errno != ENOENT && errno != ENOTDIR) {
-        warn("the directory '%s' is not read: %s; what it holds is passed by", directory.c_str(),
-             std::strerror(errno));
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 void remove_tree(const std::string& path)
 {
     const std::string last = base_name(path);
-    struct stat info = {};
-    if (last == "." || last == ".." || ::lstat(path.c_str(), &info) != 0) {
-        return;
+    if (last != "." && last != "..") {
+        remove_entry(Place(path));
     }
-    if (!S_ISDIR(info.st_mode)) {
-        tell_unless_gone(::unlink(path.c_str()), path);
-        return;
-    }
-    for (const std::string& name : names_in(path)) {
-        remove_tree(path + "/" + name);
-    }
-    // A directory that still holds something was told of by what it holds.
-    const int result = ::rmdir(path.c_str());
-    tell_unless_gone(errno == ENOTEMPTY ? 0 : result, path);
 }
 
-void remove_entries(const std::string& directory, const std::string& start)
+bool remove_entries(const std::string& directory, const std::string& start)
 {
-    for (const std::string& name : names_in(directory)) {
+    bool done = true;
+    const Place place(directory);
+    const Directory stream = open_directory(place);
+    for (const std::string& name : names_of(stream, directory)) {
         const bool hidden = name[0] == '.' && start.substr(0, 1) != ".";
         if (!hidden && name.compare(0, start.size(), start) == 0) {
-            remove_tree(directory + "/" + name);
+            done = remove_entry({place, ::dirfd(stream.get()), name}) && done;
         }
     }
+    return done;
 }
 
 bool copy_tree(const std::string& source, const std::string& destination)
@@ -239,8 +259,9 @@ bool copy_tree(const std::string& source, const std::string& destination)
     Filled filled;
     struct stat info = {};
     if (::stat(destination.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
-        return copy_entry(source, destination, filled);
+        return copy_entry(Place(source), Place(destination), filled);
     }
     const std::string name = base_name(source.substr(0, source.find_last_not_of('/') + 1));
-    return copy_entry(source, name == ".." ? destination : destination + "/" + name, filled);
+    return copy_entry(Place(source), Place(name == ".." ? destination : destination + "/" + name),
+                      filled);
 }

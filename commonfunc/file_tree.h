@@ -1,20 +1,17 @@
 // Directory trees removed and copied as `rm -rf` and `cp -rf` do, without a shell per tree.
 #pragma once
 
-#include <string>
-#include <vector>
+#include "commonfunc/directory.h" // IWYU pragma: export
 
-/// The names in the directory, in byte order, without "." and ".."; empty when it cannot be read.
-/// All are read before the first is given: removal would disturb a directory that is being read.
-std::vector<std::string> names_in(const std::string& directory);
+#include <string>
 
 /// Removes the file or directory tree like "rm -rf": links themselves, not what they name; a
 /// missing path is no error; what cannot be removed stays, and so do "." and "..".
 void remove_tree(const std::string& path);
 
 /// Removes what the shell pattern DIRECTORY/START* names: entries whose name begins with `start`;
-/// hidden ones only when `start` begins with a dot itself.
-void remove_entries(const std::string& directory, const std::string& start);
+/// hidden ones only when `start` begins with a dot itself. False when one of them stays.
+bool remove_entries(const std::string& directory, const std::string& start);
 
 /// Copies a file or tree like "cp -rf SOURCE DESTINATION": into the destination when that is a
 /// directory (a source ".." to it), else to it. Links are copied as links, special files are made

@@ -17,6 +17,9 @@
 namespace
 {
 
+/// What most files fit into: thousands of them are read for one archive.
+constexpr std::size_t SMALL_FILE_SIZE = 4096;
+
 /// Positions that a search found, -1 where it found nothing.
 struct Positions {
     int section_start = -1, section_end = -1;
@@ -58,8 +61,14 @@ IniText load_text(const char* path)
         return result;
     }
     result.opened = true;
-    result.text.resize(INI_BUFFER_SIZE);
-    std::size_t length = std::fread(&result.text[0], 1, INI_BUFFER_SIZE, file.get());
+    std::size_t length = 0;
+    for (const std::size_t size : {SMALL_FILE_SIZE, std::size_t{INI_BUFFER_SIZE}}) {
+        result.text.resize(size);
+        length += std::fread(&result.text[length], 1, size - length, file.get());
+        if (length < size) {
+            break;
+        }
+    }
     result.error = std::ferror(file.get()) != 0 ? errno : 0;
     tell_if_unread(result, path);
     result.too_large = length == INI_BUFFER_SIZE;
@@ -194,19 +203,27 @@ int parse_file(const char* section, const char* key, const char* text, int* sect
     return found.value_start >= 0 ? 1 : 0;
 }
 
+std::string profile_text(const char* path)
+{
+    return load_text(path).text;
+}
+
+bool profile_value(const std::string& text, const char* section, const char* key, char* out,
+                   int size)
+{
+    const Positions found = search(section, key, text.c_str());
+    if (found.value_start >= 0) {
+        const auto start = static_cast<std::size_t>(found.value_start);
+        const auto end = static_cast<std::size_t>(found.value_end);
+        QMRStrcpy(out, text.substr(start, end - start).c_str(), size);
+    }
+    return found.value_start >= 0;
+}
+
 int read_profile_string(const char* section, const char* key, char* out, int size,
                         const char* default_value, const char* path)
 {
-    const IniText loaded = load_text(path);
-    const Positions found = search(section, key, loaded.text.c_str());
-    if (found.value_start >= 0) {
-        const int length = found.value_end - found.value_start;
-        QMRStrcpy(out,
-                  loaded.text
-                      .substr(static_cast<std::size_t>(found.value_start),
-                              static_cast<std::size_t>(length))
-                      .c_str(),
-                  size);
+    if (profile_value(profile_text(path), section, key, out, size)) {
         return 1;
     }
     if (default_value != nullptr && size > 0) {

@@ -1,5 +1,5 @@
 // INI profile files: sections in brackets, lines of key, '=' and value, comments after ';'.
-// Every call loads the file anew; a write replaces the whole file.
+// Every call with a path loads the file anew; a write replaces the whole file.
 #pragma once
 
 #include <string>
@@ -27,6 +27,14 @@ int load_ini_file(const char* path, char* buffer, int* length);
 /// `value_end` the line end.
 int parse_file(const char* section, const char* key, const char* text, int* section_start,
                int* section_end, int* key_start, int* key_end, int* value_start, int* value_end);
+
+/// The text of the file, as `load_ini_file` loads it; empty when it cannot be opened.
+std::string profile_text(const char* path);
+
+/// Looks the key up in such a text: true when it was found and its value is in `out`, cleared over
+/// its whole `size` and cut to `size` - 1 bytes. Nothing is written else.
+bool profile_value(const std::string& text, const char* section, const char* key, char* out,
+                   int size);
 
 /// Reads a value into `out` (cleared over its whole `size`), cut to `size` - 1 bytes; 1 when
 /// found. Otherwise 0, and the default, unless it is null, is copied with at most `size` bytes

@@ -20,9 +20,10 @@ std::string source_ini(const std::string& source, const std::string& object)
 
 bool read_source_ini(const char* path, char* source, char* object, int size)
 {
-    if (QMRGetPrivateProfileString(SECTION, SOURCE, source, size, nullptr, path) == 0) {
+    const std::string text = profile_text(path);
+    if (!profile_value(text, SECTION, SOURCE, source, size)) {
         return false;
     }
-    QMRGetPrivateProfileString(SECTION, OBJECT, object, size, nullptr, path);
+    profile_value(text, SECTION, OBJECT, object, size);
     return true;
 }

@@ -11,9 +11,7 @@
 #include "contract/project_file.h"
 #include "lltld/counter_mode.h"
 #include "lltld/cov_paths.h"
-
-#include <cstdlib>
-#include <memory>
+#include "lltld/prj_settings.h"
 
 namespace
 {
@@ -21,7 +19,8 @@ namespace
 /// The array line of a record whose symbol has a directory; nothing otherwise.
 void write_array(const CounterMode& mode, const std::string& stem, int instnum, std::FILE* stub)
 {
-    if (QMRFileExists(symbol_db_dir(stem.c_str()).c_str()) != 0) {
+    // Where same names are told apart it is the directory whose table has just been read.
+    if (g_iSupportSameName != 0 || QMRFileExists(symbol_db_dir(stem.c_str()).c_str()) != 0) {
         const bool custom_type = g_lxprj->szCov_type[0] != '\0';
         const std::int64_t length = array_length(mode, instnum);
         std::fputs(array_line(mode, stem.c_str(), length, custom_type).c_str(), stub);
@@ -95,15 +94,13 @@ int LD_UpDateCovDbTab(_SOURCEFILE_TAB table, std::FILE* stub, std::FILE* tab)
 
 bool write_merged_table(const _SOURCEFILE_TAB& table, std::FILE* stub)
 {
-    char* bytes = nullptr;
-    std::size_t size = 0;
-    File tab(::open_memstream(&bytes, &size), &std::fclose);
-    const bool done = tab && LD_UpDateCovDbTab(table, stub, tab.get()) > 0;
-    tab.reset();
-    const std::unique_ptr<char, void (*)(void*)> owner(bytes, &std::free);
-    // Kept: what is complete is written, also when a source has no table of its own.
-    return bytes != nullptr && replace_file(merged_tab_path(), {bytes, size}) == Writing::done &&
-           done;
+    bool done = false;
+    const auto write = [&](std::FILE* tab) {
+        done = LD_UpDateCovDbTab(table, stub, tab) > 0;
+        // Kept: what is complete is written, also when a source has no table of its own.
+        return std::ferror(tab) == 0;
+    };
+    return replace_file(merged_tab_path(), write) == Writing::done && done;
 }
 
 int RenameFileDBDir(const char* name, std::FILE* tab, _SOURCEFILE_OBJECT* record,

@@ -41,7 +41,7 @@ bool tidy_symbols(std::FILE* merged, _SOURCEFILE_TAB& work)
 {
     int counter = 0;
     for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
-        const char* symbol = node->szInstFileName;
+        const char* const symbol = node->szInstFileName.c_str();
         std::printf("[lltld:TidyCoverageDB]symbol=%s\n", symbol);
         if (SrcFileTabInfoWriteToCovTab(temp_tab_path(symbol).c_str(), merged, &work, &counter) <
             1) {

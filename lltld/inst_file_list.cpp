@@ -3,22 +3,16 @@
 // lives no longer than the one operation that records them all.
 #include "lltld/inst_file_list.h"
 
-#include "commonfunc/text.h"
-
 #include <cstdio>
-#include <cstring>
 #include <new>
-#include <utility>
 
 namespace
 {
 
 /// The name as a node stores it, so that names stay unique when a long one is cut.
-std::string stored_form(const char* name)
+std::string stored_form(const std::string& name)
 {
-    char stored[INST_NAME_SIZE];
-    QMRStrcpy(stored, name, INST_NAME_SIZE);
-    return stored;
+    return std::string(name.c_str()).substr(0, INST_NAME_SIZE - 1);
 }
 
 int append(const std::string& name)
@@ -43,8 +37,15 @@ InstNameRecorder::InstNameRecorder()
 
 int InstNameRecorder::record(const std::string& name)
 {
-    const auto [stored, is_new] = names_.insert(stored_form(name.c_str()));
-    return is_new ? append(*stored) : 1;
+    const std::string stored = stored_form(name);
+    if (names_.count(stored) != 0) {
+        return 1;
+    }
+    if (append(stored) == 0) {
+        return 0;
+    }
+    names_.insert(instFileList.pTail->szInstFileName);
+    return 1;
 }
 
 int WriteDBNameToList(const char* name)
@@ -56,7 +57,7 @@ int WriteDBNameToList(const char* name)
 int IsFileExistInList(const char* name)
 {
     for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
-        if (std::strcmp(node->szInstFileName, name) == 0) {
+        if (node->szInstFileName == name) {
             return 1;
         }
     }
@@ -65,7 +66,7 @@ int IsFileExistInList(const char* name)
 
 void WriteInstFileNameTolist(const char* name, _InstFileList* list, _InstFile* node)
 {
-    QMRStrcpy(node->szInstFileName, name, INST_NAME_SIZE);
+    node->szInstFileName = stored_form(name);
     node->pNext = nullptr;
     if (list->pHead == nullptr) {
         list->pHead = node;

@@ -3,17 +3,19 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <unordered_set>
 
 /// Bytes of a coverage symbol name or a recorded path, with its NUL.
 constexpr int INST_NAME_SIZE = 260;
 
-/// One instrumented source.
+/// One instrumented source. Its texts have at most 259 bytes and take no more than they have: an
+/// archive has thousands.
 struct _InstFile {
-    _InstFile* pNext = nullptr;               ///< next node, null at the tail
-    char szInstFileName[INST_NAME_SIZE] = {}; ///< coverage symbol name
-    char szSrcFileName[INST_NAME_SIZE] = {};  ///< source path, filled by `GetNewInstInfo`
-    char szObjFileName[INST_NAME_SIZE] = {};  ///< object path, likewise
+    _InstFile* pNext = nullptr; ///< next node, null at the tail
+    std::string szInstFileName; ///< coverage symbol name
+    std::string szSrcFileName;  ///< source path, filled by `GetNewInstInfo`
+    std::string szObjFileName;  ///< object path, likewise
 };
 
 /// A list of instrumented sources; it owns its nodes and lives until the process ends.
@@ -41,7 +43,7 @@ public:
     int record(const std::string& name);
 
 private:
-    std::unordered_set<std::string> names_;
+    std::unordered_set<std::string_view> names_; ///< the nodes' own texts
 };
 
 /// 1 when a node of `instFileList` has exactly this name, else 0.

@@ -5,16 +5,18 @@
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
-#include "commonfunc/text.h"
 #include "contract/source_ini.h"
 #include "lltld/cov_paths.h"
 #include "lltld/expired_inst.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
-#include <list>
+#include <numeric>
 #include <string>
-#include <unordered_map>
+#include <string_view>
+#include <utility>
 
 namespace
 {
@@ -40,10 +42,21 @@ void report_unresolved(_STInstInfo& info, std::vector<_STInstInfo>& old_records)
     print_fatal("please clear your environment, and recompile your source code.\n");
 }
 
-/// Source and object path of a record, as one key.
-std::string place_of(const _STInstInfo& record)
+/// Source and object path of a record.
+std::pair<std::string_view, std::string_view> place_of(const _STInstInfo& record)
 {
-    return std::string(record.szSrcFileName) + '\0' + record.szObjFileName;
+    return {record.szSrcFileName, record.szObjFileName};
+}
+
+/// The indexes of the records, those of one place side by side in their order.
+std::vector<std::size_t> sorted_by_place(const std::vector<_STInstInfo>& records)
+{
+    std::vector<std::size_t> indexes(records.size());
+    std::iota(indexes.begin(), indexes.end(), std::size_t{0});
+    std::stable_sort(indexes.begin(), indexes.end(), [&](std::size_t a, std::size_t b) {
+        return place_of(records[a]) < place_of(records[b]);
+    });
+    return indexes;
 }
 
 } // namespace
@@ -51,32 +64,35 @@ std::string place_of(const _STInstInfo& record)
 int GetSrcObjPath(char* src, char* obj, const char* symbol)
 {
     const std::string ini = symbol_ini_path(symbol);
+    if (read_source_ini(ini.c_str(), src, obj, INST_NAME_SIZE)) {
+        return 1;
+    }
     if (QMRFileExists(ini.c_str()) == 0) {
         TUSKLog(LOG_COMPONENT, LOG_MODULE, LOG_ERROR, CODE_NO_INI_FILE,
                 "Can not find the initialization file '%s'!\n", ini.c_str());
-        return 0;
-    }
-    if (!read_source_ini(ini.c_str(), src, obj, INST_NAME_SIZE)) {
+    } else {
         std::printf("Get the value of 'StubFilePath1' from the initialization file '%s' failed!\n",
                     ini.c_str());
-        return 0;
     }
-    return 1;
+    return 0;
 }
 
 int GetNewInstInfo(_InstFileList& list, std::vector<_STInstInfo>& new_records,
                    std::vector<_STInstInfo>& old_records)
 {
+    new_records.reserve(new_records.size() + static_cast<std::size_t>(list.iCount));
     _InstFile* node = list.pHead;
     for (int i = 0; i < list.iCount && node != nullptr; ++i, node = node->pNext) {
         _STInstInfo info;
-        copy_bounded(info.szSymbolName, node->szInstFileName);
-        if (GetSrcObjPath(info.szSrcFileName, info.szObjFileName, info.szSymbolName) == 0) {
+        info.szSymbolName = node->szInstFileName.c_str();
+        char source[INST_NAME_SIZE] = {};
+        char object[INST_NAME_SIZE] = {};
+        if (GetSrcObjPath(source, object, info.szSymbolName) == 0) {
             report_unresolved(info, old_records);
             return 0;
         }
-        copy_bounded(node->szSrcFileName, info.szSrcFileName);
-        copy_bounded(node->szObjFileName, info.szObjFileName);
+        info.szSrcFileName = (node->szSrcFileName = source).c_str();
+        info.szObjFileName = (node->szObjFileName = object).c_str();
         new_records.push_back(info);
     }
     return 1;
@@ -86,8 +102,8 @@ int GetSymbolInfoFromTuple(_STInstInfo* info, std::vector<_STInstInfo>& old_reco
 {
     for (const _STInstInfo& old : old_records) {
         if (std::strcmp(old.szSymbolName, info->szSymbolName) == 0) {
-            copy_bounded(info->szSrcFileName, old.szSrcFileName);
-            copy_bounded(info->szObjFileName, old.szObjFileName);
+            info->szSrcFileName = old.szSrcFileName;
+            info->szObjFileName = old.szObjFileName;
             return 1;
         }
     }
@@ -101,37 +117,42 @@ void UpdateDB_DelExpiredFile(std::vector<_STInstInfo>& old_records,
         old_records = new_records;
         return;
     }
-    // The old records of each place in order, so that one look replaces a scan. A replacement is
-    // appended and takes part in later comparisons, as it would in the scan.
-    std::list<_STInstInfo> records(old_records.begin(), old_records.end());
-    std::unordered_map<std::string, std::list<std::list<_STInstInfo>::iterator>> by_place;
-    for (auto it = records.begin(); it != records.end(); ++it) {
-        by_place[place_of(*it)].push_back(it);
-    }
+    std::vector<std::size_t> by_place = sorted_by_place(old_records);
+    const auto is_before = [&](std::size_t index, const _STInstInfo& record) {
+        return place_of(old_records[index]) < place_of(record);
+    };
     for (const _STInstInfo& fresh : new_records) {
-        auto& same_place = by_place[place_of(fresh)];
-        for (auto at = same_place.begin(); at != same_place.end(); ++at) {
-            if (std::strcmp((*at)->szSymbolName, fresh.szSymbolName) != 0) {
-                DeleteInstInfoFromLLTTEMP((*at)->szSymbolName);
-                records.erase(*at);
-                same_place.erase(at);
-                same_place.push_back(records.insert(records.end(), fresh));
-                break;
-            }
+        auto at = std::lower_bound(by_place.begin(), by_place.end(), fresh, is_before);
+        const auto end = std::find_if(at, by_place.end(), [&](std::size_t index) {
+            return place_of(old_records[index]) != place_of(fresh);
+        });
+        at = std::find_if(at, end, [&](std::size_t index) {
+            return std::strcmp(old_records[index].szSymbolName, fresh.szSymbolName) != 0;
+        });
+        if (at != end) {
+            DeleteInstInfoFromLLTTEMP(old_records[*at].szSymbolName);
+            old_records[*at].szSymbolName = nullptr; // taken out below, so that indexes stay
+            // The new record is the last one of its place, and of all.
+            std::rotate(at, at + 1, end);
+            *(end - 1) = old_records.size();
+            old_records.push_back(fresh);
         }
     }
-    old_records.assign(records.begin(), records.end());
+    const auto is_out = [](const _STInstInfo& record) { return record.szSymbolName == nullptr; };
+    old_records.erase(std::remove_if(old_records.begin(), old_records.end(), is_out),
+                      old_records.end());
 }
 
 bool update_tuple_database()
 {
     std::vector<_STInstInfo> old_records;
     std::vector<_STInstInfo> new_records;
+    InstTexts old_texts;
     const std::string path = tuple_db_path();
     if (!path_fits(path)) {
         return false;
     }
-    ReadOldInstInfoFromDb(path.c_str(), old_records);
+    ReadOldInstInfoFromDb(path.c_str(), old_records, old_texts);
     if (GetNewInstInfo(instFileList, new_records, old_records) == 0) {
         return false;
     }

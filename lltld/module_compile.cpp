@@ -88,12 +88,12 @@ int load_module_settings()
     std::string command;
     bool is_told = false;
     for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
-        const std::string source = temp_compile_command_path(node->szInstFileName);
+        const std::string source = temp_compile_command_path(node->szInstFileName.c_str());
         if (!is_told && QMRFileExists(source.c_str()) == 0) {
             warn("'%s' is missing; compile the source of this symbol again", source.c_str());
             is_told = true;
         }
-        if (copy_compile_command(node->szInstFileName, command)) {
+        if (copy_compile_command(node->szInstFileName.c_str(), command)) {
             std::printf("copy_compile_command_for_lltld: %s\n\n", command.c_str());
             SetToolPath();
             SetModTcInc();

@@ -4,7 +4,6 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/file_io.h"
-#include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
 #include "commonfunc/text.h"
 #include "lltld/cov_paths.h"
@@ -20,11 +19,6 @@ namespace
 
 constexpr unsigned int CODE_EMPTY_TABLE = 10;
 constexpr unsigned int CODE_EMPTY_MERGED_TABLE = 11;
-
-void log_empty(unsigned int code, const char* path)
-{
-    TUSKLog(LOG_COMPONENT, LOG_MODULE, LOG_WARNING, code, "The content of '%s' is empty!\n", path);
-}
 
 /// Makes room for `size` bytes; the buffer only grows. False after a message.
 bool grow(_SOURCEFILE_TAB& table, int size)
@@ -44,40 +38,47 @@ bool grow(_SOURCEFILE_TAB& table, int size)
     return true;
 }
 
-/// The two readers differ in when an empty file is noticed and under which code it is logged.
-int read_table(const char* path, _SOURCEFILE_TAB& table, bool grow_first, unsigned int empty_code)
+/// Reads the file into the table. Tells, of what can go wrong, only that there is no memory.
+Reading load_table(const char* path, _SOURCEFILE_TAB& table)
 {
-    const File file = open_file(path, "rbe");
-    if (!file) {
+    std::size_t bytes = 0;
+    bool is_too_large = false;
+    const Reading reading = read_file_into(path, [&](std::size_t size) -> char* {
+        bytes = size;
+        is_too_large = size > INT_MAX;
+        return !is_too_large && grow(table, static_cast<int>(size))
+                   ? reinterpret_cast<char*>(table.objlist)
+                   : nullptr;
+    });
+    if (reading == Reading::done) {
+        if (bytes < sizeof(_SOURCEFILE_OBJECT)) {
+            warn("'%s' holds %zu bytes, less than one record; recompile the source", path, bytes);
+        }
+        table.elementcount = static_cast<int>(bytes / sizeof(_SOURCEFILE_OBJECT));
+    }
+    return is_too_large ? Reading::failed : reading;
+}
+
+/// The result of a reading, after its message; the readers log an empty file under codes of theirs.
+int result_of(Reading reading, const char* path, unsigned int empty_code)
+{
+    switch (reading) {
+    case Reading::missing:
+    case Reading::not_opened:
         std::printf("File \"%s\" open failed!\n", path);
         return 0;
-    }
-    std::fseek(file.get(), 0, SEEK_END);
-    const long size = std::ftell(file.get());
-    std::rewind(file.get());
-    if (size < 0 || size > INT_MAX) {
+    case Reading::failed:
         std::printf("Error:Read insted info from '%s' failed!\n", path);
         return 0;
-    }
-    if (grow_first && !grow(table, static_cast<int>(size))) {
+    case Reading::no_memory:
         return 0;
-    }
-    if (size == 0) {
-        log_empty(empty_code, path);
+    case Reading::empty:
+        TUSKLog(LOG_COMPONENT, LOG_MODULE, LOG_WARNING, empty_code,
+                "The content of '%s' is empty!\n", path);
         return 1;
+    case Reading::done:
+        break;
     }
-    if (!grow_first && !grow(table, static_cast<int>(size))) {
-        return 0;
-    }
-    const auto bytes = static_cast<std::size_t>(size);
-    if (std::fread(static_cast<void*>(table.objlist), 1, bytes, file.get()) != bytes) {
-        std::printf("Error:Read insted info from '%s' failed!\n", path);
-        return 0;
-    }
-    if (bytes < sizeof(_SOURCEFILE_OBJECT)) {
-        warn("'%s' holds %zu bytes, less than one record; recompile the source", path, bytes);
-    }
-    table.elementcount = static_cast<int>(bytes / sizeof(_SOURCEFILE_OBJECT));
     return 1;
 }
 
@@ -85,21 +86,23 @@ int read_table(const char* path, _SOURCEFILE_TAB& table, bool grow_first, unsign
 
 int GetOneSourceFileTabInfo2(const char* path, _SOURCEFILE_TAB* table)
 {
-    return path != nullptr ? read_table(path, *table, true, CODE_EMPTY_TABLE) : 0;
+    return path != nullptr ? result_of(load_table(path, *table), path, CODE_EMPTY_TABLE) : 0;
 }
 
 int CodeMeasure_Client_GetSourceFileTab(_SOURCEFILE_TAB* table)
 {
-    return read_table(merged_tab_path().c_str(), *table, false, CODE_EMPTY_MERGED_TABLE);
+    const std::string path = merged_tab_path();
+    return result_of(load_table(path.c_str(), *table), path.c_str(), CODE_EMPTY_MERGED_TABLE);
 }
 
 int SrcFileTabInfoWriteToCovTab(const char* path, std::FILE* out, _SOURCEFILE_TAB* table,
                                 int* counter)
 {
-    if (QMRFileExists(path) == 0) {
+    const Reading reading = load_table(path, *table);
+    if (reading == Reading::missing) {
         return 1;
     }
-    if (GetOneSourceFileTabInfo2(path, table) == 0) {
+    if (result_of(reading, path, CODE_EMPTY_TABLE) == 0) {
         return 0;
     }
     if (table->objlist == nullptr) {

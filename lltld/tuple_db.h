@@ -2,21 +2,25 @@
 // symbols, as the last archive step of the work area left it.
 #pragma once
 
-#include "lltld/inst_file_list.h"
-
+#include <deque>
+#include <string>
 #include <vector>
 
-/// One instrumented source, in memory and as the record of the file. NUL-terminated texts.
+/// One instrumented source. The texts are those of a node of the list, or of a record that was
+/// read.
 struct _STInstInfo {
-    char szSrcFileName[INST_NAME_SIZE] = {}; ///< path of the source
-    char szObjFileName[INST_NAME_SIZE] = {}; ///< path of the object
-    char szSymbolName[INST_NAME_SIZE] = {};  ///< coverage symbol, the key
+    const char* szSrcFileName = ""; ///< path of the source
+    const char* szObjFileName = ""; ///< path of the object
+    const char* szSymbolName = "";  ///< coverage symbol, the key
 };
 
-/// Appends every record of the file to `out`; an incomplete last record is filled up with zeros.
-/// Returns 1, also when there is no file, or 0 when it cannot be read (a message tells when it
-/// cannot be opened).
-int ReadOldInstInfoFromDb(const char* path, std::vector<_STInstInfo>& out);
+/// The texts of records that were read; they stay where they are.
+using InstTexts = std::deque<std::string>;
+
+/// Appends every record of the file to `out`, and its texts to `texts`; an incomplete last record
+/// is filled up with zeros. Returns 1, also when there is no file, or 0, with nothing appended to
+/// `out`, when it cannot be read (a message tells when it cannot be opened).
+int ReadOldInstInfoFromDb(const char* path, std::vector<_STInstInfo>& out, InstTexts& texts);
 
 /// Writes the file anew from `instFileList`. Returns 1, or 0 when it cannot be opened. On any
 /// failure the old file stays and a warning is given.

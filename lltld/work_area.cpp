@@ -1,6 +1,4 @@
-// Without a work area every path would begin at the root directory, so nothing is removed then. The
-// numbered databases and the two directories are removed by commands of the shell, which builds
-// print in their logs; what such a command leaves is removed here.
+// Without a work area every path would begin at the root directory, so nothing is removed then.
 #include "lltld/work_area.h"
 
 #include "commonfunc/Caddis_func.h"
@@ -9,7 +7,6 @@
 #include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
-#include "commonfunc/shell.h"
 #include "commonfunc/text.h"
 #include "contract/places.h"
 #include "contract/project_file.h"
@@ -45,9 +42,7 @@ void clear_numbered_databases()
     if (!path_fits(db, DB_DIR_LENGTH) || QMRPathIsDirectory(db.c_str()) == 0) {
         return;
     }
-    if (run_helper("rm -rf " + shell_word(db) + "/db*") != 0) {
-        // More names than one command line holds keep `rm` from starting.
-        remove_entries(db, "db");
+    if (!remove_entries(db, "db")) {
         warn_if_left(db);
     }
 }
@@ -62,10 +57,7 @@ bool clear_directory(const char* name)
     if (QMRPathIsDirectory(path.c_str()) == 0) {
         return true;
     }
-    if (DeleteAllFilesInDirectory(path.c_str()) == 0) {
-        return false;
-    }
-    remove_entries(path, ""); // in case `rm` could not start
+    clear_directory_by_itself(path);
     return true;
 }
 

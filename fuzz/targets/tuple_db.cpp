@@ -36,15 +36,22 @@ std::vector<Texts> records_in(std::string file)
     return records;
 }
 
-std::string bytes_of(const std::vector<_STInstInfo>& records)
+std::vector<Texts> texts_of(const std::vector<_STInstInfo>& records)
 {
-    return {reinterpret_cast<const char*>(records.data()), 780 * records.size()};
+    std::vector<Texts> texts;
+    for (const _STInstInfo& record : records) {
+        texts.push_back({record.szSrcFileName, record.szObjFileName, record.szSymbolName});
+    }
+    return texts;
 }
 
+/// Records with the texts of the others, up to a NUL.
 std::vector<_STInstInfo> in_memory(const std::vector<Texts>& records)
 {
-    std::vector<_STInstInfo> out(records.size());
-    bytes_of(records).copy(reinterpret_cast<char*>(out.data()), 780 * out.size());
+    std::vector<_STInstInfo> out;
+    for (const Texts& texts : records) {
+        out.push_back({texts[0].c_str(), texts[1].c_str(), texts[2].c_str()});
+    }
     return out;
 }
 
@@ -104,7 +111,8 @@ void check_update(std::vector<Texts> old, const std::vector<Texts>& fresh)
             }
         }
     }
-    std::vector<_STInstInfo> records = in_memory(old), new_records = in_memory(fresh);
+    const std::vector<Texts> before = old;
+    std::vector<_STInstInfo> records = in_memory(before), new_records = in_memory(fresh);
     UpdateDB_DelExpiredFile(records, new_records);
     std::set<std::string> expected = files;
     for (const std::string& symbol : replace_superseded(old, fresh)) {
@@ -117,7 +125,7 @@ void check_update(std::vector<Texts> old, const std::vector<Texts>& fresh)
             expected.erase(is_gone ? file : "");
         }
     }
-    fuzz::same("records after the update", bytes_of(old), bytes_of(records));
+    fuzz::same("records after the update", bytes_of(old), bytes_of(texts_of(records)));
     for (const std::string& file : files) {
         fuzz::same(file.c_str(), static_cast<long long>(expected.count(file)),
                    std::filesystem::remove(file));
@@ -128,8 +136,8 @@ void check_write(const std::vector<Texts>& records)
 {
     std::vector<_InstFile> nodes(records.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
-        records[i][0].copy(nodes[i].szSrcFileName, 259);
-        records[i][1].copy(nodes[i].szObjFileName, 259);
+        nodes[i].szSrcFileName = records[i][0];
+        nodes[i].szObjFileName = records[i][1];
         WriteInstFileNameTolist(records[i][2].c_str(), &instFileList, &nodes[i]);
     }
     fuzz::same("the file is written", 1, WriteNewInstInfoToDb("new.db"));
@@ -152,7 +160,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const std::vector<Texts> old = records_in(file);
     fuzz::write_file("old.db", file);
     std::vector<_STInstInfo> read;
-    fuzz::same("the file is read", 1, ReadOldInstInfoFromDb("old.db", read));
+    InstTexts texts;
+    fuzz::same("the file is read", 1, ReadOldInstInfoFromDb("old.db", read, texts));
     fuzz::same("number of records", static_cast<long long>(old.size()),
                static_cast<long long>(read.size()));
     for (std::size_t i = 0; i < old.size(); ++i) {
@@ -160,7 +169,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                    {read[i].szSrcFileName, read[i].szObjFileName, read[i].szSymbolName});
     }
     for (const Texts& record : fresh) {
-        _STInstInfo info = in_memory({{"?", "?", record[2]}})[0];
+        _STInstInfo info = {"?", "?", record[2].c_str()};
         const auto first = std::find_if(old.begin(), old.end(),
                                         [&](const Texts& other) { return other[2] == record[2]; });
         const bool is_known = first != old.end();

@@ -47,4 +47,10 @@ TEST_F(FileOps, DeleteAllFilesInDirectoryPrintsAndRunsTheWholeCommand)
     EXPECT_EQ(DeleteAllFilesInDirectory(""), 0);
     EXPECT_EQ(read_file("a b/f"), "kept");
     EXPECT_EQ(read_file("log"), "<-rf><a b/f><-rf><" + long_path + "/*>");
+    testing::internal::CaptureStdout();
+    clear_directory_by_itself("a b"); // the same without it
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "rm cmd:: rm -rf 'a b'/*, DeleteAllFilesInDirectory\n");
+    EXPECT_TRUE(std::filesystem::is_directory("a b/.hidden"));
+    EXPECT_FALSE(std::filesystem::exists("a b/f"));
 }

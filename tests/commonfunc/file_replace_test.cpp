@@ -2,7 +2,9 @@
 #include "commonfunc/file_replace.h"
 #include "tests/fixture.h"
 
+#include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -81,6 +83,17 @@ TEST_F(FileReplace, AFailureKeepsTheOldFileAndNamesTheCure)
               "lltwrapper: cannot write 't': File too large; raise the limit on the size of files "
               "(ulimit -f)\nlltwrapper: cannot write 'no/t': No such file or directory; check that "
               "its directory is there, and build again\n");
+    testing::internal::CaptureStderr();
+    const auto give_up = [](std::FILE* file) {
+        std::fputs("part", file);
+        errno = ENOSPC;
+        return false;
+    };
+    EXPECT_EQ(replace_file("t", give_up), Writing::failed);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "lltwrapper: cannot write 't': No space left on device; make room there\n");
+    EXPECT_EQ(read_file("t"), "old");
+    EXPECT_FALSE(std::filesystem::exists(".lltwrapper-t"));
 }
 
 TEST_F(FileReplace, AnotherUsersFileKeepsItsOwnerOrTheLineSaysWhatToDo)

@@ -29,7 +29,7 @@ TEST_F(InstFileList, AnswersAfterAnyChangeOfTheList)
     EXPECT_EQ(IsFileExistInList("a") + IsFileExistInList("b"), 2);
     EXPECT_EQ(IsFileExistInList("A") + IsFileExistInList("") + IsFileExistInList("ab"), 0);
 
-    copy_bounded(recorded.pHead->szInstFileName, "new"); // a node is renamed
+    recorded.pHead->szInstFileName = "new"; // a node is renamed
     EXPECT_EQ(IsFileExistInList("a"), 0);
     EXPECT_EQ(IsFileExistInList("new"), 1);
 

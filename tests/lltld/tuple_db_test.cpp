@@ -11,12 +11,16 @@ namespace
 {
 using Records = std::vector<_STInstInfo>;
 
+/// The texts of records, for the whole test.
+InstTexts texts;
+
 Records records_of(const std::string& words) // SOURCE OBJECT SYMBOL ...
 {
     Records all;
     std::istringstream in(words);
-    for (_STInstInfo r; in >> r.szSrcFileName >> r.szObjFileName >> r.szSymbolName;) {
-        all.push_back(r);
+    const auto kept = [](const std::string& word) { return texts.emplace_back(word).c_str(); };
+    for (std::string source, object, symbol; in >> source >> object >> symbol;) {
+        all.push_back({kept(source), kept(object), kept(symbol)});
     }
     return all;
 }
@@ -52,7 +56,7 @@ TEST_F(TupleDatabase, IsReadAndReplacedInRecordsOf780Bytes)
         SCOPED_TRACE(row.what);
         write_file("db", row.file);
         Records records = records_of("z z Z");
-        EXPECT_EQ(ReadOldInstInfoFromDb("db", records), 1);
+        EXPECT_EQ(ReadOldInstInfoFromDb("db", records, texts), 1);
         EXPECT_EQ(words_of(records), "z z Z " + row.records);
     }
     answer("ln db reader"); // one who has the old version open

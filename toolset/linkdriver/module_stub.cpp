@@ -83,7 +83,7 @@ Words assembler_of_module()
 {
     for (const _InstFile* node = instFileList.pHead; node != nullptr; node = node->pNext) {
         std::string bytes;
-        const std::string path = places::record(temp_db_dir(node->szInstFileName));
+        const std::string path = places::record(temp_db_dir(node->szInstFileName.c_str()));
         if (read_whole_file(path, bytes) == Reading::done) {
             try {
                 const std::vector<Record> records = read_records(bytes);
