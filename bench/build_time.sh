@@ -18,6 +18,7 @@ time_build() {
 
 fetch_or_hello "${1:-zlib}" "$root/build/bench"
 prepare "$name" "$root/build/bench/$name"
+begin_results "build-$name"
 say "$name: $rounds builds of each kind in turn, on $(nproc) processors"
 for variant in "${variants[@]}"; do
     (make_tree "$variant")

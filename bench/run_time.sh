@@ -57,7 +57,7 @@ time_reports() {
     say "$name: report: lltcov $(median report.lltcov) ms, lcov $(median report.lcov) ms"
 }
 
-mkdir -p "$root/build/bench"
+begin_results run
 cat /usr/bin/* 2>/dev/null | head -c 60000000 >"$data" || true
 if use_project zlib; then
     in_turn long long_zlib
