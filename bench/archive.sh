@@ -47,7 +47,7 @@ time_step() {
     printf '%s\n' "$stub &&" "ar rcs plain.a ${stub##* -c } @list" | sed '2s/[.]c /.o /' >pieces
     ar rcs plain.a @list
     compare "$rounds" 1 '' "ar.$1" 'ar rcs plain.a @list' "wrapped.$1" "${step[*]}" "pieces.$1" 'sh pieces'
-    echo "$1 $(median "ar.$1") $(median "pieces.$1") $(median "wrapped.$1")" >>"$work/curve"
+    echo "$1 $(typical "ar.$1") $(typical "pieces.$1") $(typical "wrapped.$1")" >>"$work/curve"
 }
 
 # The archiver comes last: what its caller has taken until then is the peak.

@@ -29,7 +29,7 @@ for ((round = 0; round < rounds; round++)); do
 done
 printf '%-10s %12s %12s %18s\n' build 'minimum ms' 'median ms' 'median to plain'
 for variant in "${variants[@]}"; do
-    printf '%-10s %12s %12s %18s\n' "$variant" "$(nth 1 "$variant")" "$(median "$variant")" \
+    printf '%-10s %12s %12s %18s\n' "$variant" "$(nth 1 "$variant")" "$(typical "$variant")" \
         "$(ratio "$variant" plain)"
 done
 against "$name: build, wrapped to gcov" wrapped gcov "${3:-1.05}"

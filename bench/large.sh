@@ -44,7 +44,7 @@ done
 rm -rf "$place/tree" "$place/project"
 
 # per_source STEP SIZE: milliseconds
-per_source() { awk "BEGIN { printf \"%.3f\", $(median "$1.$2") / $2 }"; }
+per_source() { awk "BEGIN { printf \"%.3f\", $(typical "$1.$2") / $2 }"; }
 
 printf '%-10s' 'ms/source'
 printf '%12d' "${sizes[@]}"

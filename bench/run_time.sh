@@ -33,7 +33,7 @@ in_turn() {
         done
     done
     say "$name: $1 runs: $(for variant in "${variants[@]}"; do
-        printf '%s %s ms, ' "$variant" "$(median "$1.$variant")"
+        printf '%s %s ms, ' "$variant" "$(typical "$1.$variant")"
     done)wrapped to plain $(ratio "$1.wrapped" "$1.plain")"
 }
 
@@ -54,7 +54,7 @@ time_reports() {
         timed report.lltcov report_lltcov
         timed report.lcov report_lcov
     done
-    say "$name: report: lltcov $(median report.lltcov) ms, lcov $(median report.lcov) ms"
+    say "$name: report: lltcov $(typical report.lltcov) ms, lcov $(typical report.lcov) ms"
 }
 
 begin_results run

@@ -5,23 +5,25 @@
 . "$(dirname "$0")/../common.sh"
 type -P jq make >/dev/null || skip 'jq or make is missing'
 
-figures() { # figures COMMAND...: with the lists below
-    bash -c '. "$1/bench/figures.sh"; work=$2 results=$2/results.json; "${@:3}"' bash "$root" "$work" "$@"
+figures() { # figures PERCENT COMMAND...: with the lists below
+    bash -c '. "$1/bench/figures.sh"; work=$2 results=$2/results.json percent=$3; "${@:4}"' bash "$root" "$work" "$@"
 }
 
 printf '%s\n' 30 9.5 100 >odd.times
 printf '%s\n' 10 40 20 30 >even.times
 echo '{"results": []}' >results.json
-while IFS='|' read -r command expected; do
+printf '%s\n' {12..1} >twelve.times
+while IFS='|' read -r percent command expected; do
     # shellcheck disable=SC2086 # words
-    expect "$command" "$expected" "$(figures $command | tr -s ' ')"
+    expect "$percent: $command" "$expected" "$(figures "$percent" $command | tr -s ' ')"
 done <<'END'
-median odd|30
-median even|20
-nth 1 odd|9.5
-ratio even odd|0.67
-against reached odd even 1.5|reached 1.50 x goal: at most 1.5 x
-result missed 17 MiB 16|missed 17 MiB goal: at most 16 MiB (missed)
+50|typical odd|30
+50|typical even|20
+10|typical odd|9.5
+10|typical twelve|2
+50|ratio even odd|0.67
+50|against reached odd even 1.5|reached 1.50 x goal: at most 1.5 x
+50|result missed 17 MiB 16|missed 17 MiB goal: at most 16 MiB (missed)
 END
 expect 'results as JSON' '["reached",1.5,"x",1.5]
 ["missed",17,"MiB",16]' "$(jq -c '.results[] | [.what, .value, .unit, .goal]' results.json)"
