@@ -18,6 +18,7 @@ time_build() {
 
 fetch_or_hello "${1:-zlib}" "$root/build/bench"
 prepare "$name" "$root/build/bench/$name"
+begin_results "build-$name"
 say "$name: $rounds builds of each kind in turn, on $(nproc) processors"
 for variant in "${variants[@]}"; do
     (make_tree "$variant")
@@ -28,7 +29,7 @@ for ((round = 0; round < rounds; round++)); do
 done
 printf '%-10s %12s %12s %18s\n' build 'minimum ms' 'median ms' 'median to plain'
 for variant in "${variants[@]}"; do
-    printf '%-10s %12s %12s %18s\n' "$variant" "$(nth 1 "$variant")" "$(median "$variant")" \
+    printf '%-10s %12s %12s %18s\n' "$variant" "$(nth 1 "$variant")" "$(typical "$variant")" \
         "$(ratio "$variant" plain)"
 done
 against "$name: build, wrapped to gcov" wrapped gcov "${3:-1.05}"

@@ -33,7 +33,7 @@ in_turn() {
         done
     done
     say "$name: $1 runs: $(for variant in "${variants[@]}"; do
-        printf '%s %s ms, ' "$variant" "$(median "$1.$variant")"
+        printf '%s %s ms, ' "$variant" "$(typical "$1.$variant")"
     done)wrapped to plain $(ratio "$1.wrapped" "$1.plain")"
 }
 
@@ -54,10 +54,10 @@ time_reports() {
         timed report.lltcov report_lltcov
         timed report.lcov report_lcov
     done
-    say "$name: report: lltcov $(median report.lltcov) ms, lcov $(median report.lcov) ms"
+    say "$name: report: lltcov $(typical report.lltcov) ms, lcov $(typical report.lcov) ms"
 }
 
-mkdir -p "$root/build/bench"
+begin_results run
 cat /usr/bin/* 2>/dev/null | head -c 60000000 >"$data" || true
 if use_project zlib; then
     in_turn long long_zlib
