@@ -126,7 +126,7 @@ int run_run(const Arguments& arguments)
         return 1;
     }
     const Place place = place_of(line);
-    const std::string shims = place.data + "/shims";
+    const std::string shims = place.data + RUN_SHIMS;
     if (shims.find_first_of(UNFIT) != std::string::npos) {
         warn(
             "'%s': the wrapper cannot pass a path on that holds blanks, ':' or characters of the shell; nothing is run: build in another directory, or name one with --project",

@@ -49,6 +49,10 @@ if command -v genhtml >/dev/null; then
     expect 'pages' 2 "$(find .lltcov/html -name '*.c.gcov.html' | wc -l)"
 fi
 
+expect 'doctor misses no setting' "nothing found: 2 modules in '$PWD'" "$(lltcov doctor)"
+expect 'but before a build' '1 project path: no setting is set;' \
+    "$(mkdir new && lltcov doctor --project new >"$said"; echo "$? $(grep -o '^project path: no setting is set;' "$said")")"
+
 # --- a change: what runs after a build counts, what ran before it does not
 sed -i '5s/.*/    int two = 2;\n    return two * x;/' lib.c
 run make -s CFLAGS='-g -O0'
