@@ -19,16 +19,23 @@ struct Command {
 };
 
 constexpr Command COMMANDS[] = {
+    {"run", "[--project DIR] -- COMMAND...",
+     "run a build or its configure step; its tools go through lltwrapper", run_run},
+    {"report", "[-o DIR] [--allow-empty] [SELECTION]", "the coverage of all runs as HTML pages",
+     run_report},
+    {"status", "[--json | --files | --directories] [SELECTION]",
+     "hit rates of modules, sources or directories", run_status},
+    {"export", "--lcov|--json|--cobertura|--gcda DIR [-o FILE] [--allow-empty] [SELECTION]",
+     "the coverage of all runs, for other tools", run_export},
+    {"diff", "REVISION|FILE [--allow-empty] [SELECTION]",
+     "which lines of a change, since a git revision or of a diff file, have run", run_diff},
+    {"tests", "[FILE:LINE | --unique] [--project DIR]",
+     "which tests reach a line, or alone reach some line", run_tests},
     {"explain", "[--project DIR] -- COMMAND...",
      "what lltwrapper would do with a command; runs nothing", run_explain},
     {"doctor", "[--project DIR]",
      "what is missing or odd in settings, tools and work areas, with cures", run_doctor},
-    {"export", "--lcov|--json|--cobertura|--gcda DIR [-o FILE] [--project DIR]",
-     "the coverage of all runs, for other tools", run_export},
-    {"status", "[--json] [--project DIR]", "modules, sources, symbols and hit rates", run_status},
-    {"tests", "[FILE:LINE | --unique] [--project DIR]",
-     "which tests reach a line, or alone reach some line", run_tests},
-    {"clean", "[--gone | --all] [--dry-run] [--project DIR]",
+    {"clean", "[--old | --gone | --all] [--dry-run] [--project DIR]",
      "remove the counts of all runs, or what is left of a build", run_clean},
     {"shims", "DIR", "write compilers and archivers that go through lltwrapper on demand",
      run_shims},
@@ -36,7 +43,7 @@ constexpr Command COMMANDS[] = {
 
 bool is_help(const char* word)
 {
-    return std::strcmp(word, "--help") == 0;
+    return std::strcmp(word, "--help") == 0 || std::strcmp(word, "-h") == 0;
 }
 
 void print_help(std::FILE* out)
@@ -47,9 +54,11 @@ void print_help(std::FILE* out)
     }
     std::fputs(
         "\n"
+        "SELECTION: [--include PATTERN]... [--exclude PATTERN]... [--no-markers]\n"
+        "    [--fail-under-line PERCENT] [--fail-under-branch PERCENT] [--project DIR]\n"
         "The project is the one of --project, else of qmr_current_prj_path, else the current\n"
-        "directory. Exit status: 0, 1 when something was found or failed, 2 for a wrong call.\n"
-        "See lltcov(1).\n",
+        "directory or the nearest above it that has .lltcov. Exit status: 0, 1 when something\n"
+        "was found or failed, 2 for a wrong call. See lltcov(1).\n",
         out);
 }
 
@@ -96,7 +105,8 @@ int main(int argc, char** argv)
         print_help(stderr);
         return 2;
     }
-    if (is_help(argv[1]) || std::strcmp(argv[1], "help") == 0) {
+    const bool is_about_one = argc == 3 && std::strcmp(argv[1], "help") == 0;
+    if (is_help(argv[1]) || (argc == 2 && std::strcmp(argv[1], "help") == 0)) {
         print_help(stdout);
         return 0;
     }
@@ -105,7 +115,8 @@ int main(int argc, char** argv)
         return 0;
     }
     try {
-        return run_command_named(argv[1], Arguments(argv + 2, argv + argc));
+        return is_about_one ? run_command_named(argv[2], {"--help"})
+                            : run_command_named(argv[1], Arguments(argv + 2, argv + argc));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "lltcov: stopped: %s\n", error.what());
         return 1;

@@ -16,6 +16,7 @@ lltcov/common: contract commonfunc
 lltcov/report: lltcov/common contract commonfunc
 lltcov/explain: lltcov/common lltwrapper lltld contract commonfunc
 lltcov/shims: lltcov/common contract commonfunc
+lltcov/run: lltcov/shims lltcov/report lltcov/common contract commonfunc
 lltcov/doctor: lltcov/shims lltcov/report lltcov/common lltwrapper lltld contract commonfunc
 toolset/common: contract commonfunc
 toolset/counters: contract commonfunc

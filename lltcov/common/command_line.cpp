@@ -37,9 +37,10 @@ CommandLine::CommandLine(const std::vector<std::string>& arguments,
             if (equals == argument.npos && i + 1 == arguments.size()) {
                 throw UsageError("option '" + name + "' needs a value");
             }
-            values_[name] = equals != argument.npos ? argument.substr(equals + 1) : arguments[++i];
+            values_[name].push_back(equals != argument.npos ? argument.substr(equals + 1)
+                                                            : arguments[++i]);
         } else if (is_in(flags, argument)) {
-            values_[argument] = "";
+            values_[argument] = {""};
         } else {
             throw UsageError("there is no option '" + argument + "'");
         }
@@ -49,7 +50,13 @@ CommandLine::CommandLine(const std::vector<std::string>& arguments,
 std::string CommandLine::value(const std::string& option) const
 {
     const auto found = values_.find(option);
-    return found == values_.end() ? "" : found->second;
+    return found == values_.end() ? "" : found->second.back();
+}
+
+std::vector<std::string> CommandLine::values(const std::string& option) const
+{
+    const auto found = values_.find(option);
+    return found == values_.end() ? std::vector<std::string>() : found->second;
 }
 
 void CommandLine::refuse_operands(const std::string& hint) const

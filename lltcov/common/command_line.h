@@ -28,6 +28,9 @@ public:
     /// The option's value; empty when it was not given.
     std::string value(const std::string& option) const;
 
+    /// All values that the option was given, in their order.
+    std::vector<std::string> values(const std::string& option) const;
+
     /// What stands in the call beside options and their values.
     const std::vector<std::string>& operands() const { return operands_; }
 
@@ -35,6 +38,6 @@ public:
     void refuse_operands(const std::string& hint = "") const;
 
 private:
-    std::map<std::string, std::string> values_;
+    std::map<std::string, std::vector<std::string>> values_;
     std::vector<std::string> operands_;
 };

@@ -17,14 +17,23 @@ int run_doctor(const Arguments& arguments);
 /// gcov reads.
 int run_export(const Arguments& arguments);
 
+/// Draws the coverage of all runs as HTML pages.
+int run_report(const Arguments& arguments);
+
 /// Prints the modules of the project with their hit rates.
 int run_status(const Arguments& arguments);
 
 /// Prints which tests reach a line, which alone reach one, or all of them.
 int run_tests(const Arguments& arguments);
 
+/// Prints the changed lines of a diff with their counts.
+int run_diff(const Arguments& arguments);
+
 /// Removes the counts of all runs, or everything that the wrapped build left.
 int run_clean(const Arguments& arguments);
 
 /// Writes the shims into a directory.
 int run_shims(const Arguments& arguments);
+
+/// Runs a command with the project's settings, its tools through the wrapper; its own exit status.
+int run_run(const Arguments& arguments);

@@ -16,13 +16,30 @@
 #include <fnmatch.h>
 #include <memory>
 
+namespace
+{
+
+/// The current directory, or the nearest above it that has a directory of ours.
+std::string directory_around()
+{
+    const std::string here = absolute_path(".");
+    for (std::string directory = here; !directory.empty(); directory.erase(directory.rfind('/'))) {
+        if (own_directory(directory) != directory) {
+            return directory;
+        }
+    }
+    return here;
+}
+
+} // namespace
+
 std::string project_root(const CommandLine& line)
 {
     const bool is_named = line.has("--project");
     std::string root = is_named ? line.value("--project") : env_text("qmr_current_prj_path");
     if (is_named || root.empty()) {
         root = names_project_file(root) ? split_path(root).directory : root;
-        root = own_directory(root.empty() ? "." : root);
+        root = own_directory(root.empty() ? directory_around() : root);
     } else {
         root = root_of_project(root);
     }

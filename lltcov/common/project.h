@@ -15,7 +15,8 @@ struct Module {
 /// The root of the project's data, absolute: of the option "--project", else of
 /// "qmr_current_prj_path" (whose project file, when it names one, stands for its directory, and
 /// whose platform's subdirectory counts where one tree is built for several), else the current
-/// directory. What is named by hand stands for its directory ".lltcov" where it has one.
+/// directory or the nearest above it that has ".lltcov". What is named by hand stands for its
+/// directory ".lltcov" where it has one.
 std::string project_root(const CommandLine& line);
 
 /// DIRECTORY/.lltcov where the settings have made it, else the directory itself.

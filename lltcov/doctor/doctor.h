@@ -16,6 +16,9 @@ struct Examined {
 
 // --- environment
 
+/// True when none of the settings is set: they are there while "lltcov run" runs a build.
+bool has_no_settings();
+
 void check_project_path(Examined& examined, Findings& findings); ///< "qmr_current_prj_path"
 void check_settings(Examined& examined, Findings& findings);     ///< the other variables
 void check_places(Examined& examined, Findings& findings);       ///< what is written into

@@ -169,7 +169,7 @@ void check_names(Examined& examined, Findings& findings)
 
 void check_sockets(Examined& examined, Findings& findings)
 {
-    if (env_text("LLT_DISABLE_SOCKET") == "1") {
+    if (env_text("LLT_DISABLE_SOCKET") == "1" || has_no_settings()) {
         return;
     }
     for (const ModuleData& module : examined.data.modules) {

@@ -7,10 +7,12 @@
 #include "lltcov/common/project.h"
 #include "lltcov/doctor/doctor.h"
 #include "lltcov/report/project_data.h"
+#include "lltcov/shims/shims.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 #include <unistd.h>
 
@@ -82,8 +84,24 @@ void check_directory(const std::string& path, const char* what, const std::strin
 
 } // namespace
 
-void check_project_path(Examined&, Findings& findings)
+bool has_no_settings()
 {
+    return env_text("qmr_current_prj_path").empty() &&
+           std::none_of(std::begin(SETTINGS), std::end(SETTINGS), [](const Setting& setting) {
+               return setting.is_required && std::getenv(setting.name) != nullptr;
+           });
+}
+
+void check_project_path(Examined& examined, Findings& findings)
+{
+    if (has_no_settings()) {
+        if (QMRPathIsDirectory((examined.data.root + RUN_SHIMS).c_str()) == 0) {
+            findings.add(
+                "paths",
+                "no setting is set; build by lltcov run, or source the project's TUSK_INIT.SH in the project's directory");
+        }
+        return;
+    }
     const std::string path = env_text("qmr_current_prj_path");
     const auto add = [&](const std::string& what) {
         findings.add("paths", "qmr_current_prj_path " + what);
@@ -107,6 +125,9 @@ void check_project_path(Examined&, Findings& findings)
 
 void check_settings(Examined&, Findings& findings)
 {
+    if (has_no_settings()) {
+        return;
+    }
     for (const Setting& setting : SETTINGS) {
         check_setting(setting, findings);
     }

@@ -2,6 +2,7 @@
 // LLTTEMP. Nothing is removed through a link, for it may lead out of the project. A clean that was
 // killed is gone on with by the next: work areas leave their places at once, by a rename, and
 // LLTTEMP, which tells that here is a project, goes last.
+#include "lltcov/report/clean.h"
 #include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
@@ -11,14 +12,17 @@
 #include "contract/project_file.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
+#include "lltcov/common/console.h"
 #include "lltcov/common/project.h"
 #include "lltcov/report/opened_dump.h"
+#include "lltcov/report/project_data.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <iterator>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -32,8 +36,9 @@ namespace
 
 enum class Mode { remove, show };
 
-/// What is removed: the runs, all that concerns outputs that are gone, or everything.
-enum class Scope { runs, gone, all };
+/// What is removed: the runs, those of earlier builds alone, all that concerns outputs that are
+/// gone, or everything.
+enum class Scope { runs, old_runs, gone, all };
 
 /// The file type bits of the path itself; 0 when there is nothing.
 mode_t type_of(const std::string& path)
@@ -61,10 +66,16 @@ public:
         }
         for (const std::string& name : names_in(root_)) {
             const std::string area = places::work_area(root_, name);
-            if (scope_ != Scope::runs && name != TEMPORARY_NAME &&
+            if ((scope_ == Scope::gone || scope_ == Scope::all) && name != TEMPORARY_NAME &&
                 type_of(root_ + "/" + name) == S_IFDIR && type_of(area) == S_IFDIR &&
                 is_wanted_area(area)) {
                 areas_.insert(area);
+            }
+        }
+        if (scope_ == Scope::old_runs) {
+            Findings unsaid; // of the records, which do not matter here
+            for (const ModuleData& module : read_modules(root_, unsaid).modules) {
+                builds_[module.module.area].insert(module.buid);
             }
         }
         return is_project || !areas_.empty() || !modules_of(root_).empty();
@@ -101,7 +112,7 @@ private:
                 continue;
             }
             const bool is_ours = is_dump(name) ? is_wanted_dump(path)
-                                               : scope_ != Scope::gone && is_spare_dump(name) &&
+                                               : is_of_all_builds() && is_spare_dump(name) &&
                                                      is_inside(path, directory_);
             if (is_ours && remove(path)) {
                 dumps_ += is_dump(name) ? 1 : 0;
@@ -163,11 +174,16 @@ private:
                 named[0] == '/' ? is_inside(area, root_) : is_inside(path, directory_);
             const bool is_gone = !named.empty() && (areas_.count(area) != 0 ||
                                                     type_of(places::project_file(area)) == 0);
-            return is_ours && (scope_ != Scope::gone || is_gone);
+            const auto builds = builds_.find(area);
+            const bool is_old = builds != builds_.end() &&
+                                builds->second.count(std::string(reader.dump().buid)) == 0;
+            return is_ours && (is_of_all_builds() || (scope_ == Scope::gone ? is_gone : is_old));
         } catch (const std::exception&) {
-            return is_inside(path, directory_) && scope_ != Scope::gone;
+            return is_inside(path, directory_) && is_of_all_builds();
         }
     }
+
+    bool is_of_all_builds() const { return scope_ == Scope::runs || scope_ == Scope::all; }
 
     /// A work area of an archive step or a link says what was built, or which libraries were taken,
     /// or holds nothing but directories.
@@ -209,7 +225,8 @@ private:
     Mode mode_;
     Scope scope_;
     std::size_t dumps_ = 0;
-    std::set<std::string> areas_; ///< that are removed
+    std::set<std::string> areas_;                         ///< that are removed
+    std::map<std::string, std::set<std::string>> builds_; ///< that count, by work area
     bool temporary_ = false;
     bool has_failed_ = false;
 };
@@ -218,14 +235,15 @@ private:
 
 int run_clean(const Arguments& arguments)
 {
-    const CommandLine line(arguments, {"--gone", "--all", "--dry-run"}, {"--project"});
+    const CommandLine line(arguments, {"--old", "--gone", "--all", "--dry-run"}, {"--project"});
     line.refuse_operands();
-    if (line.has("--gone") && line.has("--all")) {
-        throw UsageError("choose one of --gone and --all");
+    if (line.has("--old") + line.has("--gone") + line.has("--all") > 1) {
+        throw UsageError("choose one of --old, --gone and --all");
     }
     const std::string root = project_root(line);
     const Scope scope = line.has("--all")    ? Scope::all
                         : line.has("--gone") ? Scope::gone
+                        : line.has("--old")  ? Scope::old_runs
                                              : Scope::runs;
     Cleaner cleaner(root, line.has("--dry-run") ? Mode::show : Mode::remove, scope);
     if (!cleaner.find()) {
@@ -237,4 +255,13 @@ int run_clean(const Arguments& arguments)
     cleaner.clean();
     cleaner.report();
     return cleaner.has_failed() ? 1 : 0;
+}
+
+bool remove_old_counts(const std::string& root)
+{
+    Cleaner cleaner(root, Mode::remove, Scope::old_runs);
+    if (cleaner.find()) {
+        cleaner.clean();
+    }
+    return !cleaner.has_failed();
 }

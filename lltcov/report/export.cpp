@@ -4,18 +4,12 @@
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/console.h"
-#include "lltcov/report/coverage.h"
-#include "lltcov/report/data_files.h"
-#include "lltcov/report/project_data.h"
+#include "lltcov/report/project_report.h"
 #include "lltcov/report/report_formats.h"
-#include "lltcov/report/report_text.h"
-#include "lltcov/report/shown_sources.h"
+#include "lltcov/report/selection.h"
 
 #include <cstdio>
-#include <set>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace
 {
@@ -48,38 +42,6 @@ const Format& chosen_format(const CommandLine& line)
     return *chosen;
 }
 
-std::string of(const Rate& rate)
-{
-    return std::to_string(rate.hit) + " of " + std::to_string(rate.total) + " ";
-}
-
-std::string summary(const Report& report)
-{
-    const Rates rates = rates_of(report.coverage);
-    std::string text = of(rates.lines) + "lines hit (" + percent(rates.lines) + " %)";
-    for (const RateName& name : RATE_NAMES) {
-        if (name.rate != &Rates::lines && is_shown(name, rates, report.counting)) {
-            text += ", " + of(rates.*name.rate) + name.name;
-        }
-    }
-    return text + ", in " + std::to_string(report.coverage.size()) + " sources";
-}
-
-Report report_of(const ProjectData& data, const Format& format, Counting counting,
-                 Findings& findings)
-{
-    CoverageMaker maker(data, counting, findings);
-    const std::vector<std::size_t> all = all_objects(data);
-    Report report{data.directory, counting, maker.coverage_of(all), {}};
-    if (format.has_tests && !data.tests.empty()) {
-        report.tests.emplace_back("", maker.coverage_of_test("", all));
-        for (const std::string& test : data.tests) {
-            report.tests.emplace_back(test, maker.coverage_of_test(test, all));
-        }
-    }
-    return report;
-}
-
 bool write_report(const CommandLine& line, const std::string& text)
 {
     const std::string file = line.value("-o");
@@ -94,27 +56,20 @@ bool write_report(const CommandLine& line, const std::string& text)
 
 int run_export(const Arguments& arguments)
 {
-    const CommandLine line(arguments, {"--lcov", "--json", "--cobertura"},
-                           {"-o", "--gcda", "--project"});
+    const CommandLine line(arguments, with_report_flags({"--lcov", "--json", "--cobertura"}),
+                           with_selection_options({"-o", "--gcda", "--project"}));
     line.refuse_operands(" The report's file follows -o");
     const Format& format = chosen_format(line);
-    const Counting counting = wanted_counting();
-    Findings findings;
-    const ProjectData data = read_project_data(line, findings);
-    if (data.modules.empty()) {
-        findings.print();
+    ProjectReport made(line);
+    if (format.text == nullptr) {
+        return made.write_gcda(line.value(format.option)) ? 0 : 1;
+    }
+    if (!made.make(format.has_tests ? Tests::each : Tests::together)) {
         return 1;
     }
-    if (format.text == nullptr) {
-        write_data_files(data, line.value(format.option), findings);
-        findings.print();
-        return findings.has_problems() ? 1 : 0;
-    }
-    const Report report = report_of(data, format, counting, findings);
-    findings.print();
-    const bool is_written = write_report(line, format.text(report));
+    const bool is_written = write_report(line, format.text(made.report()));
     if (is_written && line.has("-o")) {
-        warn("%s: %s", line.value("-o").c_str(), summary(report).c_str());
+        warn("%s: %s", line.value("-o").c_str(), summary_of(made.report()).c_str());
     }
-    return is_written && !findings.has_problems() ? 0 : 1;
+    return made.is_satisfied() && is_written ? 0 : 1;
 }

@@ -115,6 +115,7 @@ Coverage CoverageMaker::sum_of(const std::vector<Share>& shares)
     for (const Share* share : others) {
         add(sum, share->object, *share->coverage);
     }
+    selection_.apply(sum, findings_);
     return sum;
 }
 

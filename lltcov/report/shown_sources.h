@@ -5,6 +5,7 @@
 #include "lltcov/report/coverage.h"
 #include "lltcov/report/object_reading.h"
 #include "lltcov/report/project_data.h"
+#include "lltcov/report/selection.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,17 +13,20 @@
 #include <optional>
 #include <string>
 #include <sys/stat.h> // IWYU pragma: keep
+#include <utility>
 #include <vector>
 
 /// Makes the coverage of a project's objects. Lines of a source or header that has changed since an
 /// object was compiled, or is gone, are left out of what that object gives, and said in the
-/// findings; headers of the system are left out.
+/// findings; headers of the system are left out, and what is not selected.
 class CoverageMaker
 {
 public:
     /// Keeps references to data and findings.
-    CoverageMaker(const ProjectData& data, Counting counting, Findings& findings)
-        : data_(data), counting_(counting), findings_(findings), totals_(data.objects.size())
+    CoverageMaker(const ProjectData& data, Counting counting, Findings& findings,
+                  Selection selection = {})
+        : data_(data), counting_(counting), findings_(findings), selection_(std::move(selection)),
+          totals_(data.objects.size())
     {
     }
 
@@ -58,6 +62,7 @@ private:
     const ProjectData& data_;
     Counting counting_;
     Findings& findings_;
+    Selection selection_;
     std::vector<std::optional<Coverage>> totals_;              ///< by object
     std::map<std::string, std::optional<struct stat>> states_; ///< by path; empty: it is gone
 };

@@ -1,4 +1,5 @@
 // A module's lines are those of its own objects; the total counts a source of several modules once.
+// By file or directory, a source has the lines of all objects that hold it.
 #include "contract/record.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
@@ -7,12 +8,15 @@
 #include "lltcov/report/coverage.h"
 #include "lltcov/report/project_data.h"
 #include "lltcov/report/report_text.h"
+#include "lltcov/report/selection.h"
 #include "lltcov/report/shown_sources.h"
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -49,15 +53,14 @@ std::size_t sources_of(const ProjectData& data, const std::vector<std::size_t>& 
     return sources.size();
 }
 
-std::vector<Row> rows_of(const ProjectData& data, Counting counting, Findings& findings)
+/// A row for each module, then the total, which is of `coverage`.
+std::vector<Row> rows_of(const ProjectData& data, CoverageMaker& maker, const Coverage& coverage)
 {
-    CoverageMaker maker(data, counting, findings);
-    const std::vector<std::size_t> all = all_objects(data);
     Row total;
     total.name = "total";
-    total.sources = sources_of(data, all);
-    total.symbols = all.size();
-    total.rates = rates_of(maker.coverage_of(all));
+    total.sources = sources_of(data, all_objects(data));
+    total.symbols = data.objects.size();
+    total.rates = rates_of(coverage);
     Progress progress("adding up modules", data.modules.size());
     std::vector<Row> rows;
     for (const ModuleData& module : data.modules) {
@@ -80,31 +83,76 @@ std::string title_of(const RateName& name)
     return title;
 }
 
-void print_table(const std::vector<Row>& rows, Counting counting, const std::string& root)
+/// Adds the titles of the rates that are shown; `all` are those of the whole table.
+void add_titles(std::vector<std::string>& titles, const Rates& all, Counting counting)
 {
-    std::vector<std::string> titles = {"MODULE", ">SOURCES", ">SYMBOLS"};
     for (const RateName& name : RATE_NAMES) {
-        if (is_shown(name, rows.back().rates, counting)) {
+        if (is_shown(name, all, counting)) {
             titles.insert(titles.end(), {">" + title_of(name), ">%"});
         }
     }
+}
+
+/// Adds the cells of these rates.
+void add_cells(std::vector<std::string>& cells, const Rates& rates, const Rates& all,
+               Counting counting)
+{
+    for (const RateName& name : RATE_NAMES) {
+        const Rate& rate = rates.*name.rate;
+        if (is_shown(name, all, counting)) {
+            cells.insert(cells.end(), {std::to_string(rate.hit) + "/" + std::to_string(rate.total),
+                                       percent(rate)});
+        }
+    }
+}
+
+void print_table(const std::vector<Row>& rows, Counting counting, const std::string& root)
+{
+    const Rates& all = rows.back().rates;
+    std::vector<std::string> titles = {"MODULE", ">SOURCES", ">SYMBOLS"};
+    add_titles(titles, all, counting);
     titles.insert(titles.end(), {">RUNS", "BUILT", "OUTPUT"});
     Table table(titles);
     for (const Row& row : rows) {
         std::vector<std::string> cells = {row.name, std::to_string(row.sources),
                                           std::to_string(row.symbols)};
-        for (const RateName& name : RATE_NAMES) {
-            const Rate& rate = row.rates.*name.rate;
-            if (is_shown(name, rows.back().rates, counting)) {
-                cells.insert(
-                    cells.end(),
-                    {std::to_string(rate.hit) + "/" + std::to_string(rate.total), percent(rate)});
-            }
-        }
+        add_cells(cells, row.rates, all, counting);
         cells.insert(cells.end(),
                      {std::to_string(row.runs), row.built, shown_path(row.output, root)});
         table.add(cells);
     }
+    table.print();
+}
+
+/// The directory of a path that is shown; "." for the project's.
+std::string directory_of(const std::string& path)
+{
+    const std::size_t slash = path.rfind('/');
+    return slash == path.npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+/// What a table is about, beside modules.
+enum class Part { file, directory };
+
+void print_parts(const Coverage& coverage, Part part, Counting counting, const std::string& root)
+{
+    std::map<std::string, Coverage> parts;
+    for (const auto& [path, source] : coverage) {
+        const std::string shown = shown_path(path, root);
+        parts[part == Part::file ? shown : directory_of(shown)][path] = source;
+    }
+    const Rates all = rates_of(coverage);
+    std::vector<std::string> titles = {part == Part::file ? "FILE" : "DIRECTORY"};
+    add_titles(titles, all, counting);
+    Table table(titles);
+    for (const auto& [name, sources] : parts) {
+        std::vector<std::string> cells = {name};
+        add_cells(cells, rates_of(sources), all, counting);
+        table.add(cells);
+    }
+    std::vector<std::string> total = {"total"};
+    add_cells(total, all, all, counting);
+    table.add(total);
     table.print();
 }
 
@@ -135,15 +183,28 @@ void print_json(const std::vector<Row>& rows, Counting counting, const std::stri
 
 int run_status(const Arguments& arguments)
 {
-    const CommandLine line(arguments, {"--json"}, {"--project"});
+    const CommandLine line(arguments, with_selection_flags({"--json", "--files", "--directories"}),
+                           with_selection_options({"--project"}));
     line.refuse_operands();
+    if (line.has("--json") + line.has("--files") + line.has("--directories") > 1) {
+        throw UsageError("choose one of --json, --files and --directories");
+    }
     const Counting counting = wanted_counting();
     Findings findings;
     const ProjectData data = read_project_data(line, findings);
-    const std::vector<Row> rows = rows_of(data, counting, findings);
-    line.has("--json") ? print_json(rows, counting, data.directory)
-                       : print_table(rows, counting, data.directory);
+    const Selection selection(line, data.directory);
+    CoverageMaker maker(data, counting, findings, selection);
+    const Coverage coverage = maker.coverage_of(all_objects(data));
+    if (line.has("--json")) {
+        print_json(rows_of(data, maker, coverage), counting, data.directory);
+    } else if (line.has("--files") || line.has("--directories")) {
+        print_parts(coverage, line.has("--files") ? Part::file : Part::directory, counting,
+                    data.directory);
+    } else {
+        print_table(rows_of(data, maker, coverage), counting, data.directory);
+    }
     const bool is_written = finish_output();
     findings.print();
-    return is_written && !findings.has_problems() ? 0 : 1;
+    const bool is_satisfied = selection.has_selected(coverage) && selection.is_reached(coverage);
+    return is_written && is_satisfied && !findings.has_problems() ? 0 : 1;
 }

@@ -62,7 +62,7 @@ needs_project() {
 inline constexpr char SCAN_COMPILER[] = R"SH(
 case $PWD/ in
     */CMakeFiles/CMakeScratch/* | */CMakeFiles/CMakeTmp/* | */CMakeFiles/_CMakeLTOTest-* | \
-        */CMakeFiles/*/CompilerId*) exec "$real" "$@" ;;
+        */CMakeFiles/*/CompilerId* | */meson-private/*) exec "$real" "$@" ;;
 esac
 step='' input='' list='' rewrite='' option=''
 for word; do

@@ -1,6 +1,7 @@
 // A directory of shims stands first on PATH: configure steps see the real tools, and a build with
 // LLT_WRAP=1 goes through the wrapper without a change to its makefiles. Which tools: every name on
 // PATH that is a known tool, also with a target before it or a version after it.
+#include "lltcov/shims/shims.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
@@ -64,9 +65,14 @@ bool is_free_for_shim(const std::string& path)
     return true;
 }
 
-/// False with a message when the file cannot be written.
+/// False with a message when the file cannot be written. One that is there stays: a build may be
+/// running it.
 bool write_shim(const std::string& path, const std::string& text)
 {
+    std::string written;
+    if (read_whole_file(path, written) == Reading::done && written == text && is_program(path)) {
+        return true;
+    }
     return replace_file(path, text) == Writing::done && ::chmod(path.c_str(), 0755) == 0;
 }
 
@@ -87,6 +93,30 @@ void report(const std::map<std::string, std::string>& tools, const std::string& 
 
 } // namespace
 
+std::map<std::string, std::string> write_shims(const std::string& directory)
+{
+    std::filesystem::create_directories(directory);
+    const std::string wrapper = find_wrapper();
+    const auto tools = tools_on_path();
+    if (wrapper.empty() || tools.empty()) {
+        warn("no %s", wrapper.empty() ? "lltwrapper beside lltcov and on PATH; install it"
+                                      : "compiler on PATH; set PATH");
+        return {};
+    }
+    // All or none: a directory of other programs shall not get some of the shims.
+    for (const auto& [name, real] : tools) {
+        if (!is_free_for_shim(directory + "/" + name)) {
+            return {};
+        }
+    }
+    for (const auto& [name, real] : tools) {
+        if (!write_shim(directory + "/" + name, shim_text(kind_of_tool(name), real, wrapper))) {
+            return {};
+        }
+    }
+    return tools;
+}
+
 int run_shims(const Arguments& arguments)
 {
     const CommandLine line(arguments, {}, {});
@@ -96,26 +126,9 @@ int run_shims(const Arguments& arguments)
     if (line.operands()[0].find(':') != std::string::npos) {
         throw UsageError("a directory whose name holds ':' cannot be on PATH");
     }
-    std::filesystem::create_directories(line.operands()[0]);
-    const std::string directory = absolute_path(line.operands()[0]);
-    const std::string wrapper = find_wrapper();
-    const auto tools = tools_on_path();
-    if (wrapper.empty() || tools.empty()) {
-        warn("no %s", wrapper.empty() ? "lltwrapper beside lltcov and on PATH; install it"
-                                      : "compiler on PATH; set PATH");
-        return 1;
+    const auto tools = write_shims(line.operands()[0]);
+    if (!tools.empty()) {
+        report(tools, absolute_path(line.operands()[0]));
     }
-    // All or none: a directory of other programs shall not get some of the shims.
-    for (const auto& [name, real] : tools) {
-        if (!is_free_for_shim(directory + "/" + name)) {
-            return 1;
-        }
-    }
-    for (const auto& [name, real] : tools) {
-        if (!write_shim(directory + "/" + name, shim_text(kind_of_tool(name), real, wrapper))) {
-            return 1;
-        }
-    }
-    report(tools, directory);
-    return 0;
+    return tools.empty() ? 1 : 0;
 }

@@ -33,7 +33,7 @@ with_lltcov() {
         enter_project "$work/tree"
         CC="lltwrapper ${3:-}gcc ${4:-}" CXX="lltwrapper ${3:-}g++ ${4:-}" \
             AR="lltwrapper -artool ${3:-}ar -arsuffix .a ${3:-}ar" logged bash -ec "$2" &&
-            logged lltcov export --lcov -o "$work/report.info"
+            logged lltcov export --lcov --no-markers -o "$work/report.info"
     ) || return
     tracefile_verdicts "$work/tree" <"$work/report.info" >"$work/lltcov.rows"
 }

@@ -79,7 +79,7 @@ ask_gcov gcov
 logged lltcov shims "$work/shims"
 build
 run_tests
-logged lltcov export --lcov -o "$work/report.info"
+logged lltcov export --lcov --no-markers -o "$work/report.info"
 tracefile_verdicts "$work/tree" <"$work/report.info" >"$work/lltcov.rows"
 for bytes in 1 2 3; do
     if compare; then break; fi

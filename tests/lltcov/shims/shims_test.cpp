@@ -120,9 +120,10 @@ TEST_F(Shims, OnlyStepsThatMakeCodeAreWrapped)
            {"ld -E -S -ox x.o", true, "ld --export-dynamic --strip-debug -o x x.o"},
            {"ld -r -o x.o y.o", false},
            {"ld -v", false}});
-    for (const char* trial : {"CMakeScratch/t", "_CMakeLTOTest-C/bin", "3.25.1/CompilerIdC"}) {
-        fs::create_directories(std::string("CMakeFiles/") + trial);
-        run(std::string("cd CMakeFiles/") + trial + " && LLT_WRAP=1 exec gcc -c x.c");
+    for (const char* trial : {"CMakeFiles/CMakeScratch/t", "CMakeFiles/_CMakeLTOTest-C/bin",
+                              "CMakeFiles/3.25.1/CompilerIdC", "b/meson-private"}) {
+        fs::create_directories(trial);
+        run(std::string("cd ") + trial + " && LLT_WRAP=1 exec gcc -c x.c");
         EXPECT_EQ(calls, "[gcc][-c][x.c]\n") << trial;
     }
     EXPECT_EQ(run("exec ls shims"), 0);

@@ -1,0 +1,151 @@
+// What a user would otherwise do by hand: source the project's settings, write shims, put them
+// first on PATH, switch the wrapper on, and drop the counts of earlier builds after the build. The
+// shims stay in the project: a configure step keeps the paths of the compilers that it has found.
+#include "commonfunc/env.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/message.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/shell.h"
+#include "contract/names.h"
+#include "lltcov/common/command_line.h"
+#include "lltcov/common/commands.h"
+#include "lltcov/common/project.h"
+#include "lltcov/report/clean.h"
+#include "lltcov/shims/shims.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+/// What a path of PATH, or a word of the wrapper's commands, cannot hold.
+constexpr char UNFIT[] = ": \t\n\"'`$\\;&|<>()*?[]{}~#!^";
+
+/// Settings file, shims, then the command.
+constexpr char SCRIPT[] = R"SH(settings=$1 shims=$2
+shift 2
+. "$settings"
+unset LLT_PROJECT settings
+export PATH="$shims:$PATH" LLT_WRAP=1
+unset shims
+exec "$@"
+)SH";
+
+volatile std::sig_atomic_t command_process = 0;
+
+void pass_on(int signal)
+{
+    ::kill(static_cast<pid_t>(command_process), signal);
+}
+
+/// Beside this program, as it is built, or where it is installed; empty when there is none.
+std::string find_settings()
+{
+    for (const char* place : {"/TUSK_INIT.SH", "/../share/lltwrapper/TUSK_INIT.SH"}) {
+        std::string settings = program_directory() + place;
+        if (QMRFileExists(settings.c_str()) != 0) {
+            return settings;
+        }
+    }
+    return "";
+}
+
+/// The environment's own project, when there is no other wish, else the directory's.
+struct Place {
+    std::string directory; ///< of the project; empty for the environment's
+    std::string data;      ///< what the tool set writes is below it
+};
+
+Place place_of(const CommandLine& line)
+{
+    const std::string root = project_root(line);
+    if (!line.has("--project") && env_is_filled("qmr_current_prj_path")) {
+        return {"", root};
+    }
+    const std::string directory = project_directory(root);
+    return {directory, directory + "/" OWN_DIRECTORY};
+}
+
+/// Ctrl-C reaches the command as well, which decides what it means; another's signal is passed on.
+void hand_signals_over()
+{
+    for (const int signal : {SIGINT, SIGQUIT}) {
+        std::signal(signal, SIG_IGN);
+    }
+    for (const int signal : {SIGTERM, SIGHUP}) {
+        if (std::signal(signal, pass_on) == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
+    }
+}
+
+/// The wait status of the command.
+int run_words(const std::vector<std::string>& words, const std::vector<std::string>& changes)
+{
+    std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
+    for (const std::string& word : words) {
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    }
+    arguments.push_back(nullptr);
+    const ChangedEnvironment environment(changes);
+    pid_t child = 0;
+    const int error = ::posix_spawn(&child, "/bin/sh", nullptr, nullptr, arguments.data(),
+                                    environment.variables());
+    if (error != 0) {
+        warn("cannot start /bin/sh: %s", std::strerror(error));
+        return -1;
+    }
+    command_process = child;
+    hand_signals_over();
+    int status = -1;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return status;
+}
+
+} // namespace
+
+int run_run(const Arguments& arguments)
+{
+    const CommandLine line(arguments, {}, {"--project"});
+    if (line.operands().empty()) {
+        throw UsageError("run needs a command after --");
+    }
+    const std::string settings = find_settings();
+    if (settings.empty()) {
+        warn("there is no TUSK_INIT.SH beside '%s' and in its share/lltwrapper; install it again",
+             program_directory().c_str());
+        return 1;
+    }
+    const Place place = place_of(line);
+    const std::string shims = place.data + RUN_SHIMS;
+    if (shims.find_first_of(UNFIT) != std::string::npos) {
+        warn(
+            "'%s': the wrapper cannot pass a path on that holds blanks, ':' or characters of the shell; nothing is run: build in another directory, or name one with --project",
+            place.data.c_str());
+        return 1;
+    }
+    if (write_shims(shims).empty()) {
+        return 1;
+    }
+    std::vector<std::string> words = {"sh", "-c", SCRIPT, "sh", settings, shims};
+    words.insert(words.end(), line.operands().begin(), line.operands().end());
+    const int status =
+        run_words(words, place.directory.empty()
+                             ? std::vector<std::string>{}
+                             : std::vector<std::string>{"LLT_PROJECT=" + place.directory});
+    remove_old_counts(place.data);
+    if (status != -1 && WIFSIGNALED(status)) {
+        std::signal(WTERMSIG(status), SIG_DFL);
+        std::raise(WTERMSIG(status));
+    }
+    return exit_status_of(status);
+}
