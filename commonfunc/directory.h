@@ -1,6 +1,7 @@
 // Directories: the names that they hold, and their files by these names.
 #pragma once
 
+#include <cstddef>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>

@@ -69,6 +69,7 @@ int DeleteAllFilesInDirectory(const char* path)
 void clear_directory_by_itself(const std::string& path)
 {
     shown_clearing_of(path);
+    flush_output(); // warnings after it, as those of the command would be
     remove_entries(path, "");
 }
 

@@ -56,7 +56,8 @@ IniText load_text(const char* path)
     IniText result;
     const File file = open_file(path, "re");
     if (!file) {
-        result.error = errno == ENOENT || errno == ENOTDIR ? 0 : errno;
+        const bool is_absent = errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG;
+        result.error = is_absent ? 0 : errno;
         tell_if_unread(result, path);
         return result;
     }

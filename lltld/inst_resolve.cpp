@@ -10,7 +10,6 @@
 #include "lltld/expired_inst.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <numeric>

@@ -42,6 +42,7 @@ void clear_numbered_databases()
     if (!path_fits(db, DB_DIR_LENGTH) || QMRPathIsDirectory(db.c_str()) == 0) {
         return;
     }
+    flush_output(); // the lines so far, before what follows warns of
     if (!remove_entries(db, "db")) {
         warn_if_left(db);
     }
