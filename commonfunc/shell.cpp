@@ -6,6 +6,7 @@
 #include "commonfunc/env.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/message.h"
+#include "commonfunc/text.h"
 
 #include <cerrno>
 #include <csignal>
@@ -121,6 +122,10 @@ int run_shell(const std::string& command, Flush flush)
 int run_helper(const std::string& command)
 {
     const int status = run_shell(command, Flush::both);
+    if (status == -1) {
+        warn("cannot start a shell: %s; this was not run: %s", std::strerror(errno),
+             beginning_of(command).c_str());
+    }
     const int code = status == -1 ? 0 : exit_status_of(status);
     for (const int signal : {SIGINT, SIGQUIT}) {
         if (code == 128 + signal) {
