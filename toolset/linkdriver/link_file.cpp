@@ -9,6 +9,7 @@
 #include "toolset/common/process.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <elf.h>
 #include <string_view>
 #include <sys/stat.h>
