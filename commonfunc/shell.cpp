@@ -122,8 +122,8 @@ int run_shell(const std::string& command, Flush flush)
 int run_helper(const std::string& command)
 {
     const int status = run_shell(command, Flush::both);
-    if (status == -1) {
-        warn("cannot start a shell: %s; this was not run: %s", std::strerror(errno),
+    if (exit_status_of(status) == 127) { // also for a shell that could not be started
+        warn("could not be run: %s; check PATH and the limits on processes and memory",
              beginning_of(command).c_str());
     }
     const int code = status == -1 ? 0 : exit_status_of(status);
