@@ -8,6 +8,7 @@
 #include "commonfunc/env.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/message.h"
+#include "commonfunc/text.h"
 
 #include <cerrno>
 #include <csignal>
@@ -164,6 +165,10 @@ int run_shell(const std::string& command, Flush flush)
 int run_helper(const std::string& command)
 {
     const int status = run_shell(command, Flush::both);
+    if (exit_status_of(status) == 127) { // also for a shell that could not be started
+        warn("could not be run: %s; check PATH and the limits on processes and memory",
+             beginning_of(command).c_str());
+    }
     const int code = status == -1 ? 0 : exit_status_of(status);
     for (const int signal : {SIGINT, SIGQUIT}) {
         if (code == 128 + signal) {

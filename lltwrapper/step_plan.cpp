@@ -7,6 +7,7 @@
 #include "commonfunc/message.h"
 #include "commonfunc/text.h"
 #include "lltld/module_compile.h"
+#include "lltld/object_scan.h"
 #include "lltld/program_objects.h"
 #include "lltld/work_area.h"
 #include "lltwrapper/wrapper_state.h"

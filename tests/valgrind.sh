@@ -9,7 +9,7 @@ needs valgrind
 # watched COMMAND...: it succeeds, and valgrind has nothing to say
 watched() {
     valgrind -q --error-exitcode=99 --log-file="$work/said.%p" --trace-children=yes \
-        --trace-children-skip='*/cc1*,*/clang*,*/collect2,*/ld*,*/bin/ar,*/bin/as,*/gcov*' \
+        --trace-children-skip='*/cc1*,*/clang*,*/collect2,*/ld*,*/bin/ar,*/bin/as,*/gcov*,*/llvm-*' \
         "$@" >"$work/out" 2>&1
     expect "status of $*" 0 $?
     expect "valgrind of $*" '' "$(cat "$work"/said.*)"

@@ -18,7 +18,9 @@
 #include "lltcov/report/project_data.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <iterator>
@@ -40,11 +42,19 @@ enum class Mode { remove, show };
 /// gone, or everything.
 enum class Scope { runs, old_runs, gone, all };
 
-/// The file type bits of the path itself; 0 when there is nothing.
+/// The file type bits of the path itself; 0 when there is nothing, or, after a line, when that
+/// cannot be told.
 mode_t type_of(const std::string& path)
 {
     struct stat info = {};
-    return ::lstat(path.c_str(), &info) == 0 ? info.st_mode & S_IFMT : 0;
+    if (::lstat(path.c_str(), &info) == 0) {
+        return info.st_mode & S_IFMT;
+    }
+    if (errno != ENOENT && errno != ENOTDIR) {
+        warn("cannot look at '%s': %s; mend that and clean again", path.c_str(),
+             std::strerror(errno));
+    }
+    return 0;
 }
 
 class Cleaner

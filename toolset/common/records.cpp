@@ -17,6 +17,7 @@
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
 #include "toolset/common/file_state.h"
+#include "toolset/common/process.h"
 #include "toolset/common/source_name.h"
 #include "toolset/common/turn_lock.h"
 
@@ -73,9 +74,15 @@ std::string table_record(const Record& record, SourceState state)
     copy_bounded(entry.szName,
                  name_in_table(record.symbol, extension_in_table(record.source), record.or_bytes));
     struct stat info = {};
-    if (state == SourceState::as_compiled && ::stat(record.source.c_str(), &info) == 0) {
-        entry.size = static_cast<std::uint32_t>(info.st_size);
-        entry.mtime = static_cast<std::uint32_t>(info.st_mtime);
+    if (state == SourceState::as_compiled) {
+        if (::stat(record.source.c_str(), &info) == 0) {
+            entry.size = static_cast<std::uint32_t>(info.st_size);
+            entry.mtime = static_cast<std::uint32_t>(info.st_mtime);
+        } else if (errno != ENOENT) {
+            notice(
+                "cannot look at '%s': %s; its later changes will not be noticed, compile it again",
+                record.source.c_str(), std::strerror(errno));
+        }
     }
     entry.instnum = points_of_array(record.stub_mode, record.array_bytes);
     return std::string(bytes_of(entry));

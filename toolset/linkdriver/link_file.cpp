@@ -9,7 +9,7 @@
 #include "toolset/common/process.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <cstddef>
 #include <elf.h>
 #include <string_view>
 #include <sys/stat.h>
@@ -41,6 +41,14 @@ std::vector<std::string> tokens_of(const std::string& text)
     return tokens;
 }
 
+void tell_if_not_read(const std::string& path, Reading reading)
+{
+    if (reading != Reading::done && reading != Reading::empty && reading != Reading::missing) {
+        notice("'%s' is not read: %s; its coverage may be missing, link again", path.c_str(),
+               why_not_read());
+    }
+}
+
 } // namespace
 
 FileKind kind_of(const std::string& path)
@@ -49,12 +57,12 @@ FileKind kind_of(const std::string& path)
     if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return FileKind::missing;
     }
-    std::FILE* const file = std::fopen(path.c_str(), "rbe");
     char start[ELF_TYPE + 2] = {};
-    if (file != nullptr) {
-        std::fread(start, 1, sizeof start, file);
-        std::fclose(file);
-    }
+    const auto take = [&](const char* piece, std::size_t size) {
+        std::copy_n(piece, std::min(size, sizeof start), start);
+        return false;
+    };
+    tell_if_not_read(path, read_in_pieces(path, take, sizeof start));
     const std::string_view bytes(start, sizeof start);
     if (is_archive(bytes)) {
         return FileKind::archive;
@@ -70,10 +78,7 @@ FileKind kind_of(const std::string& path)
 bool read_input(const std::string& path, std::string& content)
 {
     const Reading reading = read_whole_file(path, content);
-    if (reading != Reading::done && reading != Reading::empty && reading != Reading::missing) {
-        notice("'%s' is not read: %s; its coverage may be missing, link again", path.c_str(),
-               why_not_read());
-    }
+    tell_if_not_read(path, reading);
     return reading == Reading::done;
 }
 

@@ -10,7 +10,6 @@
 #include "toolset/counters/counter_text.h"
 
 #include <cerrno>
-#include <cstddef>
 #include <cstring>
 #include <fcntl.h>
 #include <sstream>
