@@ -5,8 +5,8 @@
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_tree.h"
 
-#include <ctime>
 #include <sys/stat.h>
+#include <vector>
 
 namespace
 {

@@ -34,7 +34,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <iterator>
+#include <system_error>
 
 namespace
 {
@@ -60,6 +62,16 @@ std::string owner_of_area()
 {
     const std::string owner = output_of_work_area();
     return QMRFileExists(owner.c_str()) != 0 ? owner : "";
+}
+
+/// Makes the directories of a work area as `enter_work_area` does it, without two processes for
+/// each: a first link would spend a third of its time on them. What fails here is left to that.
+void make_directories(const std::string& area)
+{
+    std::error_code unused;
+    for (const char* part : {"/db", "/log", "/obj/before", "/obj/after", "/ini"}) {
+        std::filesystem::create_directories(area + part, unused);
+    }
 }
 
 /// As `clear_work_area` does it, without a shell: a build links many programs.
@@ -156,6 +168,10 @@ bool choose_work_area(const std::string& wanted, const std::string& output,
         }
         if (taken.count(candidate) != 0 || !place.empty()) {
             continue;
+        }
+        const std::string area = places::work_area(root, candidate);
+        if (area.size() < sizeof prj.szCovDictPath) {
+            make_directories(area);
         }
         if (!enter_work_area(root, candidate)) {
             return false;

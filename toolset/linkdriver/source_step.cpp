@@ -11,7 +11,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -78,6 +80,8 @@ LinkCommand compile_sources(const DriverCall& call, const LinkCommand& link)
     }
     const std::string directory = places::temporary_directory(g_lxprj->szCovDictPath) +
                                   "/linkobj/" + hash_name({absolute_path(link.output)});
+    std::error_code unused; // what fails here fails with a message there
+    std::filesystem::create_directories(directory, unused);
     if (QMRCreateDirectory(directory.c_str()) == 0) {
         return link;
     }
