@@ -98,7 +98,9 @@ void check_sources(Examined& examined, Findings& findings)
 
 void check_objects(Examined& examined, Findings& findings)
 {
+    Progress progress("looking at objects", examined.data.objects.size());
     for (const InstrumentedObject& object : examined.data.objects) {
+        progress.step();
         const std::string& path = object.record.object;
         ScannedObject scanned;
         if (!scan_object(path, scanned)) {

@@ -103,15 +103,17 @@ TemporaryDirectory::~TemporaryDirectory()
     }
 }
 
+// Over what the file holds: some file systems hurry to the disk when a file was emptied first.
 void TemporaryDirectory::write(const std::string& name, const std::string& bytes) const
 {
     const std::string path = path_ + "/" + name;
-    File file = open_file(path, "wbe");
-    const bool is_open = file != nullptr;
-    const bool is_written =
-        is_open && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-    if (!is_open || std::fclose(file.release()) != 0 || !is_written) {
-        throw std::runtime_error("cannot write '" + path + "': " + std::strerror(errno));
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    const bool is_written = fd >= 0 && write_all(fd, bytes.data(), bytes.size()) &&
+                            ::ftruncate(fd, static_cast<off_t>(bytes.size())) == 0;
+    const int error = errno;
+    if ((fd >= 0 && ::close(fd) != 0) || !is_written) {
+        throw std::runtime_error("cannot write '" + path +
+                                 "': " + std::strerror(is_written ? errno : error));
     }
 }
 

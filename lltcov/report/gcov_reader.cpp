@@ -1,5 +1,6 @@
-// Object N is the files N.gcno and N.gcda. A gcov that fails over one object says nothing of those
-// after it: these are read again, one by one.
+// Object N of a run is the files N.gcno and N.gcda. A run takes over the files of one that has
+// ended, as file systems are slow at making thousands of them just after thousands were removed. A
+// gcov that fails over one object says nothing of those after it: these are read again, one by one.
 #include "lltcov/report/gcov_reader.h"
 
 #include "commonfunc/text.h"
@@ -34,8 +35,10 @@ constexpr int FIRST_WITH_CONDITIONS = 14;
 struct Run {
     std::string program;
     std::vector<std::size_t> objects;
+    std::size_t first_file; ///< number of the first object's files; no other run has it meanwhile
     pid_t pid = 0;
-    std::string name; ///< of its output
+
+    std::string file(std::size_t object) const { return std::to_string(first_file + object); }
 };
 
 class GcovReader
@@ -79,16 +82,19 @@ private:
                  std::size_t objects_per_run)
     {
         std::deque<Run> running;
+        std::size_t file = 0;
         for (std::size_t at = 0; at < indexes.size(); at += objects_per_run) {
             const std::size_t end = std::min(at + objects_per_run, indexes.size());
             const auto first = indexes.begin() + static_cast<std::ptrdiff_t>(at);
             if (running.size() == number_of_processors()) {
                 finish(running.front());
+                file = running.front().first_file;
                 running.pop_front();
             }
-            Run run = {program, {first, indexes.begin() + static_cast<std::ptrdiff_t>(end)}, 0, ""};
-            start(run);
-            running.push_back(std::move(run));
+            running.push_back(
+                {program, {first, indexes.begin() + static_cast<std::ptrdiff_t>(end)}, file});
+            start(running.back());
+            file += objects_per_run;
         }
         for (Run& run : running) {
             finish(run);
@@ -105,32 +111,34 @@ private:
         if (counting_ >= Counting::conditions && compiler_major(version) >= FIRST_WITH_CONDITIONS) {
             words.emplace_back("--conditions");
         }
-        for (const std::size_t i : run.objects) {
-            const ObjectReading& object = *objects_[i];
-            const std::string name = std::to_string(i);
+        for (std::size_t i = 0; i < run.objects.size(); ++i) {
+            const ObjectReading& object = *objects_[run.objects[i]];
+            const std::string name = run.file(i);
             directory_.write(name + ".gcno", object.record->notes);
             directory_.write(name + ".gcda", data_file(*object.record, object.counters, 1));
             words.push_back(name + ".gcda");
         }
-        run.name = std::to_string(run.objects[0]);
-        run.pid = start_program(words, directory_, run.name);
+        run.pid = start_program(words, directory_, run.file(0));
     }
 
     void finish(Run& run)
     {
         wait_for_program(run.pid);
-        const std::string output = directory_.read(run.name + ".out");
-        const std::string errors = directory_.read(run.name + ".err");
-        for (const std::size_t i : run.objects) {
-            complaints_[i] = complaint_about(std::to_string(i), errors);
+        if (run.pid == 0) {
+            return; // the files hold what an earlier run has written
+        }
+        const std::string output = directory_.read(run.file(0) + ".out");
+        const std::string errors = directory_.read(run.file(0) + ".err");
+        for (std::size_t i = 0; i < run.objects.size(); ++i) {
+            complaints_[run.objects[i]] = complaint_about(run.file(i), errors);
         }
         for (std::string_view rest = output; !rest.empty();) {
-            take(split_off(rest, '\n'));
+            take(run, split_off(rest, '\n'));
         }
     }
 
     /// Takes the result of one object, unless gcov could not read its files.
-    void take(std::string_view text)
+    void take(const Run& run, std::string_view text)
     {
         GcovResult result;
         try {
@@ -138,8 +146,12 @@ private:
         } catch (const std::runtime_error&) {
             return; // a text that was cut; the object counts as missing
         }
-        const auto index = static_cast<std::size_t>(to_int(result.data_file.c_str()));
-        if (index >= objects_.size() || is_read_[index] || !complaints_[index].empty()) {
+        const auto file = static_cast<std::size_t>(to_int(result.data_file.c_str()));
+        if (file < run.first_file || file - run.first_file >= run.objects.size()) {
+            return;
+        }
+        const std::size_t index = run.objects[file - run.first_file];
+        if (is_read_[index] || !complaints_[index].empty()) {
             return;
         }
         ObjectReading& object = *objects_[index];
