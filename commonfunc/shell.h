@@ -7,10 +7,13 @@
 /// before the tool's.
 enum class Flush { none, out, both };
 
-/// Runs the command once through `/bin/sh` and returns what `system` returns: the wait status, or
-/// -1 when no shell could be started. A command too long for one argument of the kernel (more
-/// than 131,071 bytes) is run by the same shell from a file in memory, or, where /proc is missing,
-/// from a private temporary file; -1 (with a warning) when neither can be written.
+/// Runs the command once through `/bin/sh` as `system` does: the command gets signals, descriptors
+/// and environment as they are, and while it runs the program ignores SIGINT and SIGQUIT and holds
+/// SIGCHLD back. Returns the wait status (that of exit code 127 where there is no /bin/sh), or -1
+/// when no process could be started. A command too long for one argument of the kernel (more than
+/// 131,071 bytes) is run by the same shell from a file in memory, or, where /proc is missing, from
+/// a private temporary file; -1 (with a warning) when neither can be written. Handlers of the
+/// program must bear to run in the child, which shares its memory until it is the shell.
 int run_shell(const std::string& command, Flush flush);
 
 /// `run_shell` with both streams flushed, for the short commands that the program composes itself

@@ -31,7 +31,7 @@ void prepare_process()
         std::setvbuf(output, nullptr, ::isatty(STDOUT_FILENO) != 0 ? _IOLBF : _IOFBF, BUFSIZ);
         stdout = output;
     }
-    // An ignored SIGCHLD makes `system` lose every status.
+    // With SIGCHLD ignored, the status of every command is lost.
     std::signal(SIGCHLD, SIG_DFL);
     // A handler, unlike SIG_IGN, is not passed on to the tools. Where the parent ignores the
     // signal, it stays ignored.
