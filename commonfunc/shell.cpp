@@ -6,7 +6,6 @@
 
 #include "commonfunc/descriptor.h"
 #include "commonfunc/env.h"
-#include "commonfunc/file_io.h"
 #include "commonfunc/message.h"
 #include "commonfunc/text.h"
 
