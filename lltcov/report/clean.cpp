@@ -3,6 +3,7 @@
 // killed is gone on with by the next: work areas leave their places at once, by a rename, and
 // LLTTEMP, which tells that here is a project, goes last.
 #include "lltcov/report/clean.h"
+
 #include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"

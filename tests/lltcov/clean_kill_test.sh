@@ -25,7 +25,7 @@ for row in --all --gone '--all without LLTTEMP'; do
     expect "$row" 0 $?
     undisturbed=$(tree)
     kills=0
-    for change in unlink rmdir rename; do # of each the first, the second, ...
+    for change in unlink unlinkat rmdir rename; do # of each the first, the second, ...
         at=0 status=137
         while [ $status = 137 ]; do
             rm -rf p && cp -a saved p
