@@ -30,7 +30,7 @@ for compiler in gcc clang; do
     watched lltwrapper $compiler -o prog main.o libx.a
     watched ./prog
     for words in 'export --lcov -o info' 'export --json -o json' 'export --cobertura -o xml' status \
-        'explain gcc -c m1.c' 'explain -artool ar -arsuffix .a ar rcs libx.a m1.o' doctor clean; do
+        'explain gcc -c m1.c' doctor clean; do
         read -ra words <<<"$words"
         watched lltcov "${words[@]}"
     done
