@@ -58,8 +58,13 @@ int run_process(const char* command)
         ::execve("/bin/sh", const_cast<char* const*>(words), environ);
         ::_exit(127);
     }
+    const int error = errno;
     const int status = shell < 0 ? -1 : wait_for_shell(shell, mask);
     ::sigprocmask(SIG_SETMASK, &mask, nullptr);
+    if (shell < 0) {
+        warn("no process can be started for: %s: %s; raise the limits on processes and memory",
+             beginning_of(command).c_str(), std::strerror(error));
+    }
     return status;
 }
 
@@ -164,7 +169,7 @@ int run_shell(const std::string& command, Flush flush)
 int run_helper(const std::string& command)
 {
     const int status = run_shell(command, Flush::both);
-    if (exit_status_of(status) == 127) { // also for a shell that could not be started
+    if (status != -1 && exit_status_of(status) == 127) {
         warn("could not be run: %s; check PATH and the limits on processes and memory",
              beginning_of(command).c_str());
     }

@@ -4,6 +4,7 @@
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -100,6 +101,7 @@ int run_command_named(const char* name, const Arguments& arguments)
 int main(int argc, char** argv)
 {
     set_warning_name("lltcov");
+    std::signal(SIGCHLD, SIG_DFL); // ignored by the parent, it would hide how programs end
     std::set_terminate(stop_without_memory);
     if (argc < 2) {
         print_help(stderr);

@@ -56,6 +56,11 @@ std::string own_directory(const std::string& directory)
     return QMRPathIsDirectory(own.c_str()) != 0 ? own : directory;
 }
 
+std::string kept_place(const std::string& root, const std::string& name)
+{
+    return (is_own_directory(root) ? root : places::temporary_directory(root)) + "/" + name;
+}
+
 bool is_own_directory(const std::string& root)
 {
     return base_name(root) == OWN_DIRECTORY;
@@ -81,12 +86,17 @@ std::vector<Module> modules_of(const std::string& root)
 
 std::string dump_root(const std::string& root)
 {
-    for (const char* variable : {"LLTCOV_ROOT", "lltcovRootpath"}) {
-        if (env_is_filled(variable)) {
-            return env_text(variable);
-        }
+    if (env_is_filled("LLTCOV_ROOT")) {
+        return env_text("LLTCOV_ROOT");
     }
-    return root + "/" DUMP_DIRECTORY;
+    // What the settings of another project have made is not the place of this one.
+    const std::string project = env_text("qmr_current_prj_path");
+    const std::string settings =
+        names_project_file(project) ? split_path(project).directory : project;
+    const std::string chosen = env_text("lltcovRootpath");
+    const bool is_of_another =
+        chosen == settings + "/" DUMP_DIRECTORY && root != settings && !is_inside(root, settings);
+    return chosen.empty() || is_of_another ? root + "/" DUMP_DIRECTORY : chosen;
 }
 
 bool is_dump(const std::string& name)

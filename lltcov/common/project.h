@@ -22,6 +22,10 @@ std::string project_root(const CommandLine& line);
 /// DIRECTORY/.lltcov where the settings have made it, else the directory itself.
 std::string own_directory(const std::string& directory);
 
+/// Where the companion keeps something of this name: in ".lltcov", else in LLTTEMP, as what lies
+/// beside that may be the user's.
+std::string kept_place(const std::string& root, const std::string& name);
+
 /// True for DIRECTORY/.lltcov itself.
 bool is_own_directory(const std::string& root);
 

@@ -95,7 +95,7 @@ bool has_no_settings()
 void check_project_path(Examined& examined, Findings& findings)
 {
     if (has_no_settings()) {
-        if (QMRPathIsDirectory((examined.data.root + RUN_SHIMS).c_str()) == 0) {
+        if (QMRPathIsDirectory(kept_place(examined.data.root, RUN_SHIMS).c_str()) == 0) {
             findings.add(
                 "paths",
                 "no setting is set; build by lltcov run, or source the project's TUSK_INIT.SH in the project's directory");

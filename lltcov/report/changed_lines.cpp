@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 
 namespace
@@ -13,11 +14,31 @@ namespace
 
 constexpr char NEW_FILE[] = "+++ ";
 
+/// What git has put into double quotes: backslashes before quotes and letters, octal numbers.
+std::string unquoted(const std::string& text)
+{
+    constexpr std::string_view LETTERS = "abtnvfr";
+    constexpr std::string_view MEANT = "\a\b\t\n\v\f\r";
+    std::string plain;
+    for (std::size_t at = 1; at < text.size() && text[at] != '"'; ++at) {
+        if (text[at] != '\\' || at + 1 == text.size()) {
+            plain += text[at];
+        } else if (text[at + 1] >= '0' && text[at + 1] <= '3' && at + 3 < text.size()) {
+            plain += static_cast<char>(std::strtol(text.substr(at + 1, 3).c_str(), nullptr, 8));
+            at += 3;
+        } else {
+            const std::size_t letter = LETTERS.find(text[++at]);
+            plain += letter == LETTERS.npos ? text[at] : MEANT[letter];
+        }
+    }
+    return plain;
+}
+
 /// The name after "+++ "; empty for a file that is removed.
 std::string path_in(std::string_view line)
 {
     std::string path(line.substr(sizeof NEW_FILE - 1));
-    path = path.substr(0, path.find('\t'));
+    path = !path.empty() && path[0] == '"' ? unquoted(path) : path.substr(0, path.find('\t'));
     if (!path.empty() && path.back() == '\r') {
         path.pop_back();
     }

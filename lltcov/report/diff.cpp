@@ -5,6 +5,7 @@
 #include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
+#include "commonfunc/path_search.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/console.h"
@@ -17,8 +18,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -39,44 +42,65 @@ std::optional<std::string> output_of(const std::vector<std::string>& words)
     return temporary.read("out.out");
 }
 
-/// The changes since the base; their paths are below `directory`.
+/// The changes since the base; their paths are below `directory`, or, where they may be longer,
+/// below one above it.
 struct Change {
     std::string directory;
+    bool may_be_longer;
     ChangedLines lines;
 };
 
+std::optional<Change> change_in(const std::string& file, const std::string& project)
+{
+    std::string text;
+    const Reading reading = read_whole_file(file, text);
+    if (reading != Reading::done && reading != Reading::empty) {
+        warn("cannot read '%s': %s", file.c_str(), why_not_read());
+        return std::nullopt;
+    }
+    ChangedLines lines = changed_lines(text);
+    if (lines.empty() && text.find("\n@@ ") == text.npos && !text.empty()) {
+        warn("'%s' is no unified diff; name one, or a revision", file.c_str());
+        return std::nullopt;
+    }
+    return Change{project, true, std::move(lines)};
+}
+
 std::optional<Change> change_since(const std::string& base, const std::string& project)
 {
-    if (QMRFileExists(base.c_str()) != 0) {
-        std::string text;
-        if (read_whole_file(base, text) != Reading::done && !text.empty()) {
-            return std::nullopt;
-        }
-        return Change{project, changed_lines(text)};
+    std::error_code error;
+    if (std::filesystem::is_regular_file(base, error)) {
+        return change_in(base, project);
+    }
+    if (program_on_path("git").empty()) {
+        warn("'%s' is no file, and there is no git on PATH to know it as a revision; install git",
+             base.c_str());
+        return std::nullopt;
     }
     if (base[0] == '-') {
         throw UsageError("'" + base + "' is neither a file nor a revision");
     }
     const auto top = output_of({"git", "-C", project, "rev-parse", "--show-toplevel"});
-    const auto diff = !top ? top
-                           : output_of({"git", "-C", project, "-c", "core.quotePath=false", "diff",
-                                        "--no-color", "--no-ext-diff", "--unified=0",
-                                        "--src-prefix=a/", "--dst-prefix=b/", base, "--"});
+    const auto diff =
+        !top ? top
+             : output_of({"git", "-C", project, "-c", "core.quotePath=false", "diff", "--no-color",
+                          "--no-ext-diff", "--no-relative", "--unified=0", "--src-prefix=a/",
+                          "--dst-prefix=b/", base, "--"});
     if (!diff) {
         return std::nullopt;
     }
-    return Change{top->substr(0, top->find('\n')), changed_lines(*diff)};
+    return Change{top->substr(0, top->find('\n')), false, changed_lines(*diff)};
 }
 
 /// The source of the report that a path of the diff means; the end where there is none.
-Coverage::const_iterator source_of(const Coverage& coverage, const std::string& directory,
-                                   std::string path)
+Coverage::const_iterator source_of(const Coverage& coverage, const Change& change, std::string path)
 {
     auto source = coverage.find(path);
     while (source == coverage.end()) {
-        source = coverage.find(absolute_path(directory + "/" + path));
+        const std::string named = absolute_path(change.directory + "/" + path);
+        source = coverage.find(named);
         const std::size_t slash = path.find('/');
-        if (slash == path.npos) {
+        if (slash == path.npos || !change.may_be_longer || QMRFileExists(named.c_str()) != 0) {
             break;
         }
         path.erase(0, slash + 1);
@@ -89,7 +113,7 @@ Coverage coverage_of(const Change& change, const Coverage& coverage)
 {
     Coverage changed;
     for (const auto& [path, lines] : change.lines) {
-        const auto source = source_of(coverage, change.directory, path);
+        const auto source = source_of(coverage, change, path);
         if (source == coverage.end()) {
             continue;
         }

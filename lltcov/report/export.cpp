@@ -60,6 +60,9 @@ int run_export(const Arguments& arguments)
                            with_selection_options({"-o", "--gcda", "--project"}));
     line.refuse_operands(" The report's file follows -o");
     const Format& format = chosen_format(line);
+    if (format.text == nullptr && (line.has("-o") || takes_selection(line))) {
+        throw UsageError("--gcda writes the files of all objects: no -o, no selection");
+    }
     ProjectReport made(line);
     if (format.text == nullptr) {
         return made.write_gcda(line.value(format.option)) ? 0 : 1;

@@ -5,8 +5,10 @@
 #include "commonfunc/path_search.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
+#include "lltcov/common/console.h"
 #include "lltcov/common/project.h"
 #include "lltcov/report/child_process.h"
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/project_report.h"
 #include "lltcov/report/report_formats.h"
 #include "lltcov/report/selection.h"
@@ -25,7 +27,7 @@ constexpr const char* TRACEFILE = "report.info";
 std::string directory_of(const CommandLine& line)
 {
     const std::string named = line.value("-o");
-    std::string directory = named.empty() ? project_root(line) + "/html" : named;
+    std::string directory = named.empty() ? kept_place(project_root(line), "html") : named;
     std::filesystem::create_directories(directory);
     return absolute_path(directory);
 }
@@ -40,7 +42,7 @@ std::vector<std::string> drawing_of(const Report& report, const std::string& dir
     if (report.counting >= Counting::branches) {
         words.emplace_back("--branch-coverage");
     }
-    if (report.counting >= Counting::conditions) {
+    if (rates_of(report.coverage).conditions.total > 0) { // only newer ones know it
         words.emplace_back("--mcdc-coverage");
     }
     words.emplace_back(TRACEFILE);
@@ -84,5 +86,6 @@ int run_report(const Arguments& arguments)
     if (is_drawn) {
         std::printf("%s\n%s/index.html\n", summary_of(made.report()).c_str(), directory.c_str());
     }
-    return made.is_satisfied() && is_drawn ? 0 : 1;
+    const bool is_written = finish_output();
+    return made.is_satisfied() && is_drawn && is_written ? 0 : 1;
 }

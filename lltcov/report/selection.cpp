@@ -40,12 +40,14 @@ bool matches(const std::string& pattern, const std::string& path)
            ::fnmatch((pattern + "/*").c_str(), path.c_str(), 0) == 0;
 }
 
-/// True when a pattern names the source; `shown` is its path in the project.
+/// True when a pattern names the source; `shown` is its path in the project. Where the project
+/// itself is does not matter then.
 bool is_named(const Words& patterns, const std::string& path, const std::string& shown)
 {
+    const std::string names = shown == path ? path : "/" + shown;
     return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
         return matches(pattern, path) || matches(pattern, shown) ||
-               (pattern.find('/') == pattern.npos && matches("*/" + pattern, path));
+               (pattern.find('/') == pattern.npos && matches("*/" + pattern, names));
     });
 }
 
@@ -54,7 +56,7 @@ Words patterns_of(const CommandLine& line, const char* option, const std::string
 {
     Words patterns = line.values(option);
     for (std::string& pattern : patterns) {
-        if (begins_with(pattern, "./")) {
+        if (pattern == "." || begins_with(pattern, "./")) {
             pattern.replace(0, 1, directory);
         }
         while (pattern.size() > 1 && pattern.back() == '/') {
@@ -81,26 +83,32 @@ std::optional<double> percentage_of(const CommandLine& line, const char* option)
     return number;
 }
 
-enum class Mark { none, line, start, stop };
+enum class Mark { line, start, stop };
 
-/// The mark of the line, for branches or for all.
-Mark mark_in(std::string_view line, std::string_view kind)
+/// The marks of the line, for branches or for all, in their order.
+std::vector<Mark> marks_in(std::string_view line, std::string_view kind)
 {
-    constexpr std::string_view BEGINNINGS[] = {"LCOV_EXCL_", "GCOV_EXCL_", "GCOVR_EXCL_"};
+    constexpr std::string_view MIDDLE = "_EXCL_";
+    constexpr std::string_view BEGINNINGS[] = {"LCOV", "GCOV", "GCOVR"};
     constexpr std::pair<std::string_view, Mark> ENDS[] = {
         {"LINE", Mark::line}, {"START", Mark::start}, {"STOP", Mark::stop}};
-    for (const std::string_view beginning : BEGINNINGS) {
-        const std::size_t at = line.find(beginning);
-        if (at == line.npos || line.substr(at + beginning.size(), kind.size()) != kind) {
-            continue;
-        }
+    std::vector<Mark> marks;
+    for (std::size_t at = line.find(MIDDLE); at != line.npos; at = line.find(MIDDLE, at + 1)) {
+        const std::string_view before = line.substr(0, at);
+        const std::string_view after = line.substr(at + MIDDLE.size());
+        const bool begins = std::any_of(
+            std::begin(BEGINNINGS), std::end(BEGINNINGS), [&](std::string_view beginning) {
+                return before.size() >= beginning.size() &&
+                       before.substr(before.size() - beginning.size()) == beginning;
+            });
         for (const auto& [end, mark] : ENDS) {
-            if (line.substr(at + beginning.size() + kind.size(), end.size()) == end) {
-                return mark;
+            if (begins && after.substr(0, kind.size()) == kind &&
+                after.substr(kind.size(), end.size()) == end) {
+                marks.push_back(mark);
             }
         }
     }
-    return Mark::none;
+    return marks;
 }
 
 /// Follows the marks of one kind from line to line.
@@ -111,13 +119,16 @@ public:
 
     void read(std::string_view line, std::uint32_t number)
     {
-        const Mark mark = mark_in(line, kind_);
-        if (mark == Mark::start && start_ == 0) {
-            start_ = number;
-        } else if (mark == Mark::stop) {
-            start_ = 0;
+        bool is_marked = false;
+        for (const Mark mark : marks_in(line, kind_)) {
+            is_marked = is_marked || mark == Mark::line || (mark == Mark::stop && start_ == number);
+            if (mark == Mark::start && start_ == 0) {
+                start_ = number;
+            } else if (mark == Mark::stop) {
+                start_ = 0;
+            }
         }
-        if (start_ != 0 || mark == Mark::line) {
+        if (start_ != 0 || is_marked) {
             lines_.insert(number);
         }
     }
@@ -156,7 +167,9 @@ bool reaches(const Rate& rate, const char* name, const std::optional<double>& wa
 {
     const auto hit = static_cast<double>(rate.hit);
     const auto total = static_cast<double>(rate.total);
-    if (!wanted || hit * 100 >= *wanted * total) {
+    const double slack =
+        total * 1e-9; // a percentage that is met exactly may have no exact binary form
+    if (!wanted || hit * 100 >= *wanted * total - slack) {
         return true;
     }
     warn("%s of the %s are hit (%zu of %zu), less than %s %g", (percent(rate) + " %").c_str(), name,
@@ -174,6 +187,13 @@ std::vector<std::string> with_selection_flags(std::vector<std::string> flags)
 std::vector<std::string> with_selection_options(std::vector<std::string> options)
 {
     return joined(std::move(options), {INCLUDE, EXCLUDE, LEAST_LINES, LEAST_BRANCHES});
+}
+
+bool takes_selection(const CommandLine& line)
+{
+    const Words options = with_selection_options(with_selection_flags({}));
+    return std::any_of(options.begin(), options.end(),
+                       [&](const std::string& option) { return line.has(option); });
 }
 
 ExcludedLines excluded_lines(const std::string& text)

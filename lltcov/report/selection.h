@@ -17,6 +17,9 @@
 std::vector<std::string> with_selection_flags(std::vector<std::string> flags);
 std::vector<std::string> with_selection_options(std::vector<std::string> options);
 
+/// True when the call selects something or wants a rate.
+bool takes_selection(const CommandLine& line);
+
 /// The lines that comments of a source exclude. The marks are those of geninfo(1), which gcovr
 /// knows as well: LCOV_EXCL_LINE, LCOV_EXCL_START to before LCOV_EXCL_STOP, and the same with
 /// LCOV_EXCL_BR_ for branches alone; "GCOV" and "GCOVR" may stand for "LCOV".

@@ -7,6 +7,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "contract/names.h"
+#include "contract/project_root.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/project.h"
@@ -16,6 +17,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <filesystem>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
@@ -29,12 +31,11 @@ namespace
 constexpr char UNFIT[] = ": \t\n\"'`$\\;&|<>()*?[]{}~#!^";
 
 /// Settings file, shims, then the command.
-constexpr char SCRIPT[] = R"SH(settings=$1 shims=$2
+constexpr char SCRIPT[] = R"SH(_lltcov_settings=$1 _lltcov_shims=$2
 shift 2
-. "$settings"
-unset LLT_PROJECT settings
-export PATH="$shims:$PATH" LLT_WRAP=1
-unset shims
+. "$_lltcov_settings"
+export PATH="$_lltcov_shims:$PATH" LLT_WRAP=1
+unset LLT_PROJECT _lltcov_settings _lltcov_shims
 exec "$@"
 )SH";
 
@@ -65,12 +66,13 @@ struct Place {
 
 Place place_of(const CommandLine& line)
 {
-    const std::string root = project_root(line);
-    if (!line.has("--project") && env_is_filled("qmr_current_prj_path")) {
-        return {"", root};
+    const bool is_set = !line.has("--project") && env_is_filled("qmr_current_prj_path");
+    if (is_set) { // the settings make it too, and lltcov clean --all removes it
+        std::filesystem::create_directories(root_of_project(env_text("qmr_current_prj_path")));
     }
-    const std::string directory = project_directory(root);
-    return {directory, directory + "/" OWN_DIRECTORY};
+    const std::string root = project_root(line);
+    const std::string directory = is_set ? "" : project_directory(root);
+    return {directory, is_set ? root : directory + "/" OWN_DIRECTORY};
 }
 
 /// Ctrl-C reaches the command as well, which decides what it means; another's signal is passed on.
@@ -108,6 +110,9 @@ int run_words(const std::vector<std::string>& words, const std::vector<std::stri
     int status = -1;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
+    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
+        std::signal(signal, SIG_DFL);
+    }
     return status;
 }
 
@@ -126,7 +131,7 @@ int run_run(const Arguments& arguments)
         return 1;
     }
     const Place place = place_of(line);
-    const std::string shims = place.data + RUN_SHIMS;
+    const std::string shims = kept_place(place.data, RUN_SHIMS);
     if (shims.find_first_of(UNFIT) != std::string::npos) {
         warn(
             "'%s': the wrapper cannot pass a path on that holds blanks, ':' or characters of the shell; nothing is run: build in another directory, or name one with --project",
@@ -138,10 +143,8 @@ int run_run(const Arguments& arguments)
     }
     std::vector<std::string> words = {"sh", "-c", SCRIPT, "sh", settings, shims};
     words.insert(words.end(), line.operands().begin(), line.operands().end());
-    const int status =
-        run_words(words, place.directory.empty()
-                             ? std::vector<std::string>{}
-                             : std::vector<std::string>{"LLT_PROJECT=" + place.directory});
+    const int status = run_words(
+        words, {place.directory.empty() ? "LLT_PROJECT" : "LLT_PROJECT=" + place.directory});
     remove_old_counts(place.data);
     if (status != -1 && WIFSIGNALED(status)) {
         std::signal(WTERMSIG(status), SIG_DFL);

@@ -4,8 +4,8 @@
 #include <map>
 #include <string>
 
-/// Where those of "lltcov run" are, below what the tool set writes.
-inline constexpr char RUN_SHIMS[] = "/shims";
+/// The name of the directory with those of "lltcov run", see `kept_place`.
+inline constexpr char RUN_SHIMS[] = "shims";
 
 /// Writes a shim for each known tool on PATH into the directory, which is made where it is missing.
 /// The real tools by their names; none, after a message, when not all could be written.

@@ -35,7 +35,7 @@ in_namespace() {
 }
 
 prepare archive_3
-command=$(printf '%q ' "${step[@]}")
+command=$(printf '%q ' "${step[@]}") arguments=$(printf '%q ' "${step[@]:1}")
 
 # --- limits and signals
 condition 0 '' 'ulimit -s 64; $command'
@@ -82,9 +82,9 @@ done
 deep=$work/$(printf '%0250d' 1)/$(printf '%0250d' 2)/$(printf '%0250d' 3)
 for place in "$work/a (1)" "$work/(x" "$deep"; do
     mkdir -p "$place" && cp "${step[0]}" "$place/"
-    condition 0 '' "$(printf %q "$place")/lltwrapper ${command#* }"
+    condition 0 '' "$(printf %q "$place")/lltwrapper $arguments"
 done
-condition 0 '' "cp ${step[0]} gone; exec 9<gone; rm gone; exec /proc/self/fd/9 ${command#* }"
+condition 0 '' "cp $(printf %q "${step[0]}") gone; exec 9<gone; rm gone; exec /proc/self/fd/9 $arguments"
 
 mkdir "$work/b (1)" && cp -a "$programs"/lltcc{,.d} "$work/b (1)/"
 expect 'a compile by a program in such a place' '' "$("$work/b (1)/lltcc" -qmr_current_prj_path "$PWD" \

@@ -53,6 +53,7 @@ expect 'doctor misses no setting' "nothing found: 2 modules in '$PWD'" "$(lltcov
 expect 'but before a build' '1 project path: no setting is set;' \
     "$(mkdir new && lltcov doctor --project new >"$said"; echo "$? $(grep -o '^project path: no setting is set;' "$said")")"
 
+sleep 1 # a build id has the second of the build
 # --- a change: what runs after a build counts, what ran before it does not
 sed -i '5s/.*/    int two = 2;\n    return two * x;/' lib.c
 run make -s CFLAGS='-g -O0'
@@ -72,14 +73,26 @@ diff_said=$(lltcov diff change --fail-under-line 50 2>"$said")
 expect 'a change that did not' "1 lib.c:5: not run: int two = 2; lib.c:6: not run: return two * x; SOURCE CHANGED LINES HIT % lib.c 0/2 0.0 total 0/2 0.0" \
     "$? $(xargs <<<"$diff_said")"
 if git init -q . 2>/dev/null && git add lib.c sub/main.c && git -c user.name=t -c user.email=t@t commit -qm all; then
-    expect 'nothing changed since a revision' 'lltcov: no changed line is counted 0' \
+    mkdir vendor && cp lib.c vendor/ && git add vendor && git -c user.name=t -c user.email=t@t commit -qm vendor
+    sed -i '5s/2/3/' vendor/lib.c
+    expect 'nothing changed since a revision but a file of the same name' 'lltcov: no changed line is counted 0' \
         "$({ lltcov diff HEAD 2>&1; echo $?; } | xargs)"
 fi
 
+for base in sub Makefile none; do
+    expect "$base is no change" 1 "$(lltcov diff $base >"$said" 2>&1; echo $?)"
+done
+
 # --- the command's own end, and what cannot be
+expect 'children whose ends the parent ignores' 7 "$(env --ignore-signal=CHLD lltcov run -- sh -c 'exit 7'; echo $?)"
 expect 'exit status' 7 "$(lltcov run -- sh -c 'exit 7'; echo $?)"
 expect 'a signal' 143 "$(lltcov run -- sh -c 'kill $$' 2>/dev/null; echo $?)"
 expect 'no such command' 127 "$(lltcov run -- ./nothing 2>/dev/null; echo $?)"
+export qmr_current_prj_path=$work/other/data
+expect 'a project that the environment names, and nobody has made' "$work/other/data" \
+    "$(lltcov run -- sh -c 'echo "$qmr_current_prj_path"')"
+expect 'its shims' gcc "$(cd "$work/other/data/LLTTEMP/shims" && echo gcc)"
+unset qmr_current_prj_path
 mkdir 'a b' && cd 'a b' || exit
 expect 'a path with a blank' '1 nothing is run' \
     "$(lltcov run --project . -- touch ran 2>&1 >/dev/null | grep -o 'nothing is run' >"$said"; echo "${PIPESTATUS[0]} $(cat "$said")")"

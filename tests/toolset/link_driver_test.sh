@@ -41,6 +41,8 @@ echo 'int other(void) { return 0; }' > other.c
 gcc -fPIC -c other.c
 echo 'const char *format = "extern int g_QMRCovData_%s[];";' > format.c
 gcc -c format.c
+echo 'int is_secure(void) { return 1; } int write_all(void) { return 2; }' > inner.c # as in the runtime
+gcc -c inner.c
 instrumented main
 instrumented beta -O2
 
@@ -70,6 +72,7 @@ while IFS='|' read -r name of_main of_beta command; do
     check_row "$name" "$of_main" "$of_beta" "$command"
 done <<'ROWS'
 direct|1 1|1|gcc main.o beta.o -o direct
+inner_names|1 1|1|gcc main.o beta.o inner.o -o inner_names
 texts|1 1|1|gcc main.o beta.o format.o -o texts
 behind|1 1|1|gcc -o behind -L. main.o -lbeta -Wl,--as-needed -lm
 static|1 1|1|gcc -static -o static main.o libbeta.a

@@ -35,7 +35,8 @@ KeptStub::KeptStub(const LinkCommand& link, const std::vector<ScannedObject>& ob
                g_lxprj->szLLTTEMP + "\n" + std::to_string(g_iSupportSameName) +
                state_of_file(program_directory() + "/lltld");
     for (const std::string& word : link.words) {
-        made_of_ += word + (word == link.output ? "\n" : state_of_file(word));
+        const std::string file = word[0] == '@' ? word.substr(1) : word; // a list of words
+        made_of_ += word + (word == link.output ? "\n" : state_of_file(file));
     }
     for (const auto* inputs : {&link.objects, &link.archives}) { // also those that no word names
         for (const LinkInput& input : *inputs) {
@@ -51,7 +52,8 @@ KeptStub::KeptStub(const LinkCommand& link, const std::vector<ScannedObject>& ob
 
 bool KeptStub::is_valid() const
 {
-    return file_holds(places::stub_state(g_lxprj->szCovDictPath), text());
+    return QMRFileExists(stub_object_path().c_str()) != 0 && // also where links lead elsewhere
+           file_holds(places::stub_state(g_lxprj->szCovDictPath), text());
 }
 
 void KeptStub::forget() const

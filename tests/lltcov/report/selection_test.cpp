@@ -28,6 +28,11 @@ TEST(ExcludedLines, AreThoseOfMarkedCommentsUpToTheirEnd)
          0},
         {"a // LCOV_EXCL_BR_START\nb // LCOV_EXCL_STOP\nc // LCOV_EXCL_LINE\n", {3}, {1, 2, 3}, 1},
         {"a\nb LCOV_EXCL_START\nc", {2, 3}, {}, 2},
+        {"LCOV_EXCL_BR_START LCOV_EXCL_START\nb\nLCOV_EXCL_BR_STOP LCOV_EXCL_STOP\nd",
+         {1, 2},
+         {1, 2},
+         0},
+        {"LCOV_EXCL_START a LCOV_EXCL_STOP\nb", {1}, {}, 0},
         {"LCOV_EXCL_\nXLCOV_EXCLLINE\nLCOV_EXCL_BR\nEXCL_LINE", {}, {}, 0},
     };
     for (const Case& row : cases) {
@@ -65,6 +70,8 @@ TEST_F(SelectionOfSources, IsByPatternsOfThePathInTheProjectOrTheWhole)
         {{"--exclude", "tests", "--exclude", "/q"}, "/p/a.c /p/src/a.c /p/src/x/b.cpp "},
         {{"--include", "*.c", "--exclude", "?.c"}, "/q/src/other.c "},
         {{"--include", "rc/*"}, ""},
+        {{"--include", "."}, "/p/a.c /p/src/a.c /p/src/x/b.cpp /p/tests/t.c "},
+        {{"--exclude", "p"}, "/p/a.c /p/src/a.c /p/src/x/b.cpp /p/tests/t.c /q/src/other.c "},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.left);
@@ -118,6 +125,12 @@ TEST(SelectionRates, AreMissedBelowTheWantedPercentageOnly)
     EXPECT_FALSE(is_reached({"--fail-under-line=66.7"}, coverage));
     EXPECT_FALSE(is_reached({"--fail-under-branch=50.1"}, coverage));
     EXPECT_TRUE(is_reached({"--fail-under-line=100"}, {}));
+    SourceCoverage quarter; // 161 of 250 are 64.4 %, which has no exact binary form
+    for (std::uint32_t line = 1; line <= 250; ++line) {
+        quarter.lines[line] = line <= 161 ? 1 : 0;
+    }
+    EXPECT_TRUE(is_reached({"--fail-under-line=64.4"}, {{"/a.c", quarter}}));
+    EXPECT_FALSE(is_reached({"--fail-under-line=64.5"}, {{"/a.c", quarter}}));
     for (const char* wrong : {"", "x", "5x", "101", "-1", "nan"}) {
         EXPECT_THROW(is_reached({"--fail-under-line", wrong}, coverage), UsageError) << wrong;
     }
@@ -145,6 +158,9 @@ TEST(ChangedLines, AreThoseThatADiffAdds)
          "--- a/b.c\n+++ b/b.c\n@@ -0,0 +1 @@\n+@@ -1 +1 @@\n\\ No newline\n",
          {{"a.c", {1, 2}}, {"b.c", {1}}}},
         {"a removed file", "--- a/a.c\n+++ /dev/null\n@@ -1,2 +0,0 @@\n-a\n-b\n", {}},
+        {"a quoted name",
+         "--- \"a/\\303\\244 \\\"x\\\".c\"\n+++ \"b/\\303\\244 \\\"x\\\".c\"\n@@ -1 +1 @@\n-a\n+b\n",
+         {{"\xc3\xa4 \"x\".c", {1}}}},
         {"cut", "--- a/a.c\n+++ b/a.c\n@@ -1,2 +1,9 @@\n+a", {{"a.c", {1}}}},
         {"other text",
          "hello\n@@ x\n+++ b/a.c\r\n@@ -1 +1 @@\n-a\n+b\nsigned off\n",
