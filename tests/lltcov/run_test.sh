@@ -90,8 +90,8 @@ expect 'a signal' 143 "$(lltcov run -- sh -c 'kill $$' 2>/dev/null; echo $?)"
 expect 'no such command' 127 "$(lltcov run -- ./nothing 2>/dev/null; echo $?)"
 export qmr_current_prj_path=$work/other/data
 expect 'a project that the environment names, and nobody has made' "$work/other/data" \
-    "$(lltcov run -- sh -c 'echo "$qmr_current_prj_path"')"
-expect 'its shims' gcc "$(cd "$work/other/data/LLTTEMP/shims" && echo gcc)"
+    "$(lltcov run -- printenv qmr_current_prj_path)"
+expect 'its shims' "$work/other/data/LLTTEMP/shims/cc" "$(lltcov run -- sh -c 'command -v cc')"
 unset qmr_current_prj_path
 mkdir 'a b' && cd 'a b' || exit
 expect 'a path with a blank' '1 nothing is run' \
