@@ -22,7 +22,7 @@ namespace
 /// The current directory, or the nearest above it that has a directory of ours.
 std::string directory_around()
 {
-    const std::string here = absolute_path(".");
+    std::string here = absolute_path(".");
     for (std::string directory = here; !directory.empty(); directory.erase(directory.rfind('/'))) {
         if (own_directory(directory) != directory) {
             return directory;

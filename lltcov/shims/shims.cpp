@@ -97,7 +97,7 @@ std::map<std::string, std::string> write_shims(const std::string& directory)
 {
     std::filesystem::create_directories(directory);
     const std::string wrapper = find_wrapper();
-    const auto tools = tools_on_path();
+    auto tools = tools_on_path();
     if (wrapper.empty() || tools.empty()) {
         warn("no %s", wrapper.empty() ? "lltwrapper beside lltcov and on PATH; install it"
                                       : "compiler on PATH; set PATH");
