@@ -28,7 +28,7 @@ constexpr std::size_t PROC_NAME_SIZE = 512;
 /// Prints the command that clears the directory, and gives it.
 std::string shown_clearing_of(const std::string& path)
 {
-    const std::string command = "rm -rf " + shell_word(path) + "/*";
+    std::string command = "rm -rf " + shell_word(path) + "/*";
     std::printf("rm cmd:: %s, DeleteAllFilesInDirectory\n", command.c_str());
     return command;
 }

@@ -37,8 +37,8 @@ std::string unquoted(const std::string& text)
 /// The name after "+++ "; empty for a file that is removed.
 std::string path_in(std::string_view line)
 {
-    std::string path(line.substr(sizeof NEW_FILE - 1));
-    path = !path.empty() && path[0] == '"' ? unquoted(path) : path.substr(0, path.find('\t'));
+    const std::string name(line.substr(sizeof NEW_FILE - 1));
+    std::string path = begins_with(name, "\"") ? unquoted(name) : name.substr(0, name.find('\t'));
     if (!path.empty() && path.back() == '\r') {
         path.pop_back();
     }

@@ -12,13 +12,17 @@
 #include "lltcov/common/project.h"
 #include "lltcov/report/changed_lines.h"
 #include "lltcov/report/child_process.h"
+#include "lltcov/report/coverage.h"
 #include "lltcov/report/project_report.h"
+#include "lltcov/report/report_formats.h"
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/selection.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <system_error>

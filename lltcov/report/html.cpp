@@ -13,6 +13,7 @@
 #include "lltcov/report/report_formats.h"
 #include "lltcov/report/selection.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <string>

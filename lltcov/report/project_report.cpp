@@ -2,12 +2,14 @@
 // nothing ran is most often a build or a test run that went elsewhere.
 #include "lltcov/report/project_report.h"
 
+#include "lltcov/common/project.h"
 #include "lltcov/report/data_files.h"
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/shown_sources.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <set>
 #include <utility>
 
 namespace

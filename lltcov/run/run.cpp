@@ -4,7 +4,6 @@
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
-#include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "contract/names.h"
 #include "contract/project_root.h"
@@ -18,10 +17,10 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace

@@ -19,6 +19,14 @@
 namespace
 {
 
+/// All settings, as the table of no sources holds them, and this program.
+std::string state_of_settings()
+{
+    return module_table({}, env_text("PRODUCT_VERSION").c_str()) + g_lxprj->szObjFile + "\n" +
+           g_lxprj->szLLTTEMP + "\n" + std::to_string(g_iSupportSameName) +
+           state_of_file(program_directory() + "/lltld");
+}
+
 /// The files in the temporary area that a source's part of the stub and work area is made of.
 std::string state_of_records(const char* symbol)
 {
@@ -29,11 +37,8 @@ std::string state_of_records(const char* symbol)
 } // namespace
 
 KeptStub::KeptStub(const LinkCommand& link, const std::vector<ScannedObject>& objects)
+    : made_of_(state_of_settings())
 {
-    // The table of no sources holds all settings.
-    made_of_ = module_table({}, env_text("PRODUCT_VERSION").c_str()) + g_lxprj->szObjFile + "\n" +
-               g_lxprj->szLLTTEMP + "\n" + std::to_string(g_iSupportSameName) +
-               state_of_file(program_directory() + "/lltld");
     for (const std::string& word : link.words) {
         const std::string file = word[0] == '@' ? word.substr(1) : word; // a list of words
         made_of_ += word + (word == link.output ? "\n" : state_of_file(file));
