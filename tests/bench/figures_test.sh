@@ -26,7 +26,7 @@ done <<'END'
 50|result missed 17 MiB 16|missed 17 MiB goal: at most 16 MiB (missed)
 END
 expect 'results as JSON' '["reached",1.5,"x",1.5]
-["missed",17,"MiB",16]' "$(jq -c '.results[] | [.what, .value, .unit, .goal]' results.json)"
+["missed",17,"MiB",16]' "$(jq -c '.results[] | [.what, .value + 0, .unit, .goal + 0]' results.json)"
 
 "$root/bench/large_project.sh" 200 large
 make -n -C large run >steps
