@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -20,6 +21,7 @@ namespace
 
 HeldMessages* held = nullptr;
 const char* warning_name = "lltwrapper";
+std::size_t warnings = 0;
 int saved_output = -1; ///< while the log takes its place
 
 __attribute__((format(printf, 1, 0))) std::string formatted(const char* format, va_list args)
@@ -96,9 +98,15 @@ void warn(const char* format, ...)
         held->warnings.push_back(text);
         return;
     }
+    ++warnings;
     text = std::string(warning_name) + ": " + text + "\n";
     std::fflush(stderr);
     write_all(STDERR_FILENO, text.data(), text.size());
+}
+
+std::size_t warnings_printed()
+{
+    return warnings;
 }
 
 HeldMessages::HeldMessages()

@@ -2,6 +2,7 @@
 // one-line diagnostics on standard error.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,10 @@ void set_warning_name(const char* program);
 /// Prints the program's name, ": ", the formatted text and a line end on standard error, as one
 /// write. For what the build engineer should know: what, where, what to do.
 void warn(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+/// How many such lines this process has printed: whether all went well is seen where nothing was
+/// to be warned of.
+std::size_t warnings_printed();
 
 /// While it lives, what the functions above would print is kept here: to know what an operation
 /// says without saying it. One at a time.

@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -96,7 +97,8 @@ public:
     {
         clean_dumps();
         clean_areas();
-        if (scope_ == Scope::all) {
+        // Where something is left, the next clean must know the project.
+        if (scope_ == Scope::all && !has_failed()) {
             clean_temporary();
             clean_own_directory();
         }
@@ -111,7 +113,8 @@ public:
         std::printf(" of '%s'\n", directory_.c_str());
     }
 
-    bool has_failed() const { return has_failed_; }
+    /// True when something stays, or could not be looked at: each of them has its line.
+    bool has_failed() const { return warnings_printed() != warnings_; }
 
 private:
     void clean_dumps()
@@ -142,7 +145,11 @@ private:
     bool remove_area(const std::string& area)
     {
         const std::string module = split_path(area + ".").directory;
-        const bool is_alone = names_in(module).size() == 1;
+        const std::size_t names = names_in(module).size();
+        if (names == 0) {
+            return false; // it could not be read: the next clean finds it as it is
+        }
+        const bool is_alone = names == 1;
         if (mode_ == Mode::remove &&
             std::rename((is_alone ? module : area).c_str(), set_aside().c_str()) == 0) {
             return remove(set_aside());
@@ -224,7 +231,6 @@ private:
             return true;
         }
         warn("'%s' could not be removed; check its owner and permissions", path.c_str());
-        has_failed_ = true;
         return false;
     }
 
@@ -239,7 +245,7 @@ private:
     std::set<std::string> areas_;                         ///< that are removed
     std::map<std::string, std::set<std::string>> builds_; ///< that count, by work area
     bool temporary_ = false;
-    bool has_failed_ = false;
+    std::size_t warnings_ = warnings_printed(); ///< before all this
 };
 
 } // namespace

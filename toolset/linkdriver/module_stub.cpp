@@ -7,6 +7,7 @@
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
@@ -219,6 +220,7 @@ std::string make_stub(const LinkCommand& link, const std::vector<ScannedObject>&
         return stub_object_path();
     }
     kept.forget();
+    const std::size_t warnings = warnings_printed();
     empty_work_area();
     remove_entries(std::string(g_lxprj->szCovDictPath) + "/obj", PLAIN_ARRAYS);
     if (register_scanned_objects(objects) == 0 || !update_tuple_database() ||
@@ -226,7 +228,8 @@ std::string make_stub(const LinkCommand& link, const std::vector<ScannedObject>&
         return "";
     }
     std::string stub = assemble_table();
-    if (!stub.empty()) {
+    // What could not be copied now is copied by the next link.
+    if (!stub.empty() && warnings_printed() == warnings) {
         kept.keep();
     }
     return stub;
