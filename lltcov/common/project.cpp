@@ -50,6 +50,29 @@ std::string project_root(const CommandLine& line)
     return absolute;
 }
 
+PathMaps path_maps(const CommandLine& line)
+{
+    PathMaps maps;
+    for (const std::string& text : line.values("--map")) {
+        const std::size_t equals = text.find('=');
+        std::string there = text.substr(0, equals);
+        there.erase(there.find_last_not_of('/') + 1);
+        const std::string here = equals == text.npos ? "" : absolute_path(text.substr(equals + 1));
+        if (there.empty() || here.empty()) {
+            throw UsageError("'--map " + text + "': write it as THERE=HERE, where HERE exists");
+        }
+        maps.emplace_back(there, here);
+    }
+    return maps;
+}
+
+std::string mapped_path(const PathMaps& maps, const std::string& path)
+{
+    const auto map = std::find_if(maps.begin(), maps.end(),
+                                  [&](const auto& each) { return is_inside(path, each.first); });
+    return map == maps.end() ? path : map->second + path.substr(map->first.size());
+}
+
 std::string own_directory(const std::string& directory)
 {
     std::string own = directory + "/" OWN_DIRECTORY;

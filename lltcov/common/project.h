@@ -4,6 +4,7 @@
 #include "lltcov/common/command_line.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 /// A module with a work area: a static library, or what a link driver linked.
@@ -18,6 +19,16 @@ struct Module {
 /// directory or the nearest above it that has ".lltcov". What is named by hand stands for its
 /// directory ".lltcov" where it has one.
 std::string project_root(const CommandLine& line);
+
+/// Directories that were THERE when programs were built or ran, and are HERE.
+using PathMaps = std::vector<std::pair<std::string, std::string>>;
+
+/// Those of the options "--map THERE=HERE", as absolute paths without slashes at their ends. Throws
+/// `UsageError` for others.
+PathMaps path_maps(const CommandLine& line);
+
+/// The path as it is here: below the first THERE that it is below, else as it stands.
+std::string mapped_path(const PathMaps& maps, const std::string& path);
 
 /// DIRECTORY/.lltcov where the settings have made it, else the directory itself.
 std::string own_directory(const std::string& directory);

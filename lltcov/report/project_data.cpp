@@ -53,7 +53,7 @@ public:
         ModuleData entry;
         entry.module = module;
         entry.buid = project_value(module.area, project_key::BUILD_ID);
-        entry.output = project_value(module.area, project_key::OUTPUT);
+        entry.output = mapped_path(data_.maps, project_value(module.area, project_key::OUTPUT));
         entry.built = project_value(module.area, project_key::BUILT);
         const std::string path = places::table(places::db(module.area));
         const std::vector<_SOURCEFILE_OBJECT> records = read_tab(path);
@@ -99,11 +99,11 @@ private:
     void add_displaced(const LinkedLibrary& library)
     {
         ModuleData entry;
-        entry.module.area =
-            absolute_path(library.area[0] == '/' ? library.area : data_.root + "/" + library.area);
+        const std::string area = mapped_path(data_.maps, library.area);
+        entry.module.area = absolute_path(area[0] == '/' ? area : data_.root + "/" + area);
         entry.module.name = base_name(split_path(entry.module.area + ".").directory);
         entry.buid = library.buid;
-        entry.output = library.path;
+        entry.output = mapped_path(data_.maps, library.path);
         bool has_successor = false;
         for (const ModuleData& known : data_.modules) {
             const bool shares_area = known.module.area == entry.module.area;
@@ -203,6 +203,7 @@ private:
             for (Record& record : read_records(bytes)) {
                 if (record.symbol == object.symbol) {
                     object.record = std::move(record);
+                    move(object.record);
                     return true;
                 }
             }
@@ -213,6 +214,16 @@ private:
         return false;
     }
 
+    /// Sources are looked for where they are now.
+    void move(Record& record) const
+    {
+        record.source = mapped_path(data_.maps, record.source);
+        record.object = mapped_path(data_.maps, record.object);
+        for (const auto& [there, here] : data_.maps) {
+            record.path_maps.emplace_back(here + "/", there + "/");
+        }
+    }
+
     ProjectData& data_;
     Findings& findings_;
     std::string temporary_; ///< the temporary area
@@ -220,9 +231,10 @@ private:
 
 } // namespace
 
-ProjectData read_modules(const std::string& root, Findings& findings)
+ProjectData read_modules(const std::string& root, Findings& findings, const PathMaps& maps)
 {
     ProjectData data;
+    data.maps = maps;
     data.root = root;
     data.directory = project_directory(root);
     const std::vector<Module> modules = modules_of(root);
@@ -257,7 +269,7 @@ std::vector<std::size_t> all_objects(const ProjectData& data)
 ProjectData read_project_data(const CommandLine& line, Findings& findings)
 {
     const std::string root = project_root(line);
-    ProjectData data = read_modules(root, findings);
+    ProjectData data = read_modules(root, findings, path_maps(line));
     if (data.modules.empty()) {
         findings.add("projects", "'" + data.directory +
                                      "' holds no module with coverage data; build it " +

@@ -49,6 +49,7 @@ struct ModuleData {
 struct ProjectData {
     std::string root;      ///< absolute path of what the tool set has written
     std::string directory; ///< absolute path of the project, in which its sources are
+    PathMaps maps;         ///< of what has moved since it was built
     std::vector<ModuleData> modules;
     std::vector<InstrumentedObject> objects; ///< an object that several modules hold is here once
     std::unordered_map<std::string, std::size_t> object_of_symbol;
@@ -56,7 +57,7 @@ struct ProjectData {
 };
 
 /// Reads the modules' tables and records. What is missing or damaged goes to the findings.
-ProjectData read_modules(const std::string& root, Findings& findings);
+ProjectData read_modules(const std::string& root, Findings& findings, const PathMaps& maps = {});
 
 /// Adds the counts of every dump file in the directory that belongs to a module and its build.
 /// Those of other projects are passed over; what else is left out goes to the findings.

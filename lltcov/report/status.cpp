@@ -183,7 +183,7 @@ void print_json(const std::vector<Row>& rows, Counting counting, const std::stri
 int run_status(const Arguments& arguments)
 {
     const CommandLine line(arguments, with_selection_flags({"--json", "--files", "--directories"}),
-                           with_selection_options({"--project"}));
+                           with_selection_options({"--map", "--project"}));
     line.refuse_operands();
     if (line.has("--json") + line.has("--files") + line.has("--directories") > 1) {
         throw UsageError("choose one of --json, --files and --directories");

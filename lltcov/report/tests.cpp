@@ -150,7 +150,7 @@ int print_all(const ProjectData& data, CoverageMaker& maker)
 
 int run_tests(const Arguments& arguments)
 {
-    const CommandLine line(arguments, {"--unique"}, {"--project"});
+    const CommandLine line(arguments, {"--unique"}, {"--map", "--project"});
     if (line.operands().size() > (line.has("--unique") ? 0U : 1U)) {
         throw UsageError("choose one line, or --unique");
     }

@@ -63,6 +63,7 @@ int main(int argc, char **argv)
 }
 C
 printf '%s\n' '#include <unistd.h>' 'void leave(int status) { _exit(status); }' > leave.c
+# shellcheck disable=SC2317 # it is called by logged
 build() { # build PREFIX TOOL...
     prefix=$1 && shift
     "$@" gcc -g -O0 -fPIC -c ends.c -o "${prefix}ends.o" && "$@" gcc -g -O0 -fPIC -c leave.c -o "${prefix}leave.o" &&
