@@ -58,8 +58,9 @@ PathMaps path_maps(const CommandLine& line)
         std::string there = text.substr(0, equals);
         there.erase(there.find_last_not_of('/') + 1);
         const std::string here = equals == text.npos ? "" : absolute_path(text.substr(equals + 1));
-        if (there.empty() || here.empty()) {
-            throw UsageError("'--map " + text + "': write it as THERE=HERE, where HERE exists");
+        if (there[0] != '/' || here.empty()) {
+            throw UsageError("'--map " + text +
+                             "': write it as THERE=HERE, an absolute path and one that exists");
         }
         maps.emplace_back(there, here);
     }

@@ -266,6 +266,27 @@ std::vector<std::size_t> all_objects(const ProjectData& data)
     return all;
 }
 
+namespace
+{
+
+/// Programs that were linked before the project moved write to where it was.
+void tell_of_old_place(const PathMaps& maps, const std::string& dumps, Findings& findings)
+{
+    for (const auto& [there, here] : maps) {
+        const std::string old = is_inside(dumps, here) ? there + dumps.substr(here.size()) : "";
+        const std::vector<std::string> names = names_in(old);
+        if (std::any_of(names.begin(), names.end(), is_dump)) {
+            findings.note("old places",
+                          "programs that were linked before the project moved write to '" + old +
+                              "', which is not read: set LLTCOV_ROOT=" + dumps +
+                              " for tests; 'lltcov merge --map " + there + "=" + here + " " + old +
+                              "' takes what is there");
+        }
+    }
+}
+
+} // namespace
+
 ProjectData read_project_data(const CommandLine& line, Findings& findings)
 {
     const std::string root = project_root(line);
@@ -275,6 +296,7 @@ ProjectData read_project_data(const CommandLine& line, Findings& findings)
                                      "' holds no module with coverage data; build it " +
                                      "through lltwrapper, or name another one with --project");
     }
+    tell_of_old_place(data.maps, dump_root(root), findings);
     add_dumps(data, dump_root(root), findings);
     return data;
 }

@@ -70,5 +70,9 @@ into="into 'here/project/.lltcov/llt_result'"
 maps=(--map "$work/there/=$work/here")
 merged 'a path of another machine' 1 "merged 0 dumps $into" '0 0 0 0' "$work/b"
 merged 'mapped' 0 "merged 1 dumps $into" '2 2 1 1' "${maps[@]}" "$work/b"
+./prog
+lltcov status "${maps[@]}" > /dev/null 2> said
+eval "$(sed -n "s/.*write to '.*set LLTCOV_ROOT=.*; '\(lltcov merge .*\)' takes.*/\1/p" said)" > out 2>&1
+expect 'what a program that moved has written where it was' "merged 1 dumps $into, 3 3 1 2" "$(sed "s|$work/||" out), $(counts)"
 expect 'without the map' 1 "$(lltcov export --lcov 2>&1 | grep -c 'gone.*--map OLD=NEW')"
 finish
