@@ -11,6 +11,7 @@
 #include "contract/places.h"
 #include "contract/project_file.h"
 #include "contract/source_table.h"
+#include "lltcov/report/project_notes.h"
 
 #include <algorithm>
 #include <numeric>
@@ -77,6 +78,8 @@ public:
             const std::string path = places::linked_libraries(places::work_area(data_.root, name));
             const timespec time = time_of(path);
             if (time.tv_sec != 0) {
+                taken_.insert(
+                    places::work_area(data_.root, name)); // a link, which is run or loaded
                 lists.emplace_back(time.tv_sec, time.tv_nsec, path);
             }
         }
@@ -89,9 +92,13 @@ public:
                     add_displaced(library);
                 }
             } catch (const FormatError& error) {
+                knows_taken_ = false;
                 findings_.add(DAMAGED, path + ":" + std::to_string(error.line) + ": " +
                                            error.what() + "; link that again through lltwrapper");
             }
+        }
+        for (ModuleData& module : data_.modules) {
+            module.is_taken = !knows_taken_ || taken_.count(module.module.area) != 0;
         }
     }
 
@@ -101,6 +108,7 @@ private:
         ModuleData entry;
         const std::string area = mapped_path(data_.maps, library.area);
         entry.module.area = absolute_path(area[0] == '/' ? area : data_.root + "/" + area);
+        taken_.insert(entry.module.area);
         entry.module.name = base_name(split_path(entry.module.area + ".").directory);
         entry.buid = library.buid;
         entry.output = mapped_path(data_.maps, library.path);
@@ -226,7 +234,9 @@ private:
 
     ProjectData& data_;
     Findings& findings_;
-    std::string temporary_; ///< the temporary area
+    std::string temporary_;       ///< the temporary area
+    std::set<std::string> taken_; ///< work areas of links, and of libraries that links took
+    bool knows_taken_ = true;     ///< all lists of libraries could be read
 };
 
 } // namespace
@@ -266,27 +276,6 @@ std::vector<std::size_t> all_objects(const ProjectData& data)
     return all;
 }
 
-namespace
-{
-
-/// Programs that were linked before the project moved write to where it was.
-void tell_of_old_place(const PathMaps& maps, const std::string& dumps, Findings& findings)
-{
-    for (const auto& [there, here] : maps) {
-        const std::string old = is_inside(dumps, here) ? there + dumps.substr(here.size()) : "";
-        const std::vector<std::string> names = names_in(old);
-        if (std::any_of(names.begin(), names.end(), is_dump)) {
-            findings.note("old places",
-                          "programs that were linked before the project moved write to '" + old +
-                              "', which is not read: set LLTCOV_ROOT=" + dumps +
-                              " for tests; 'lltcov merge --map " + there + "=" + here + " " + old +
-                              "' takes what is there");
-        }
-    }
-}
-
-} // namespace
-
 ProjectData read_project_data(const CommandLine& line, Findings& findings)
 {
     const std::string root = project_root(line);
@@ -296,7 +285,8 @@ ProjectData read_project_data(const CommandLine& line, Findings& findings)
                                      "' holds no module with coverage data; build it " +
                                      "through lltwrapper, or name another one with --project");
     }
-    tell_of_old_place(data.maps, dump_root(root), findings);
+    note_old_places(data.maps, dump_root(root), findings);
     add_dumps(data, dump_root(root), findings);
+    note_left_out(data, findings);
     return data;
 }

@@ -43,6 +43,7 @@ struct ModuleData {
     std::string built;                ///< local time as YYYYMMDDhhmmss
     std::vector<std::size_t> objects; ///< its objects, as indexes into the project's
     std::uint64_t runs = 0;           ///< processes that are counted
+    bool is_taken = true;             ///< not so: a static library that no link has taken
 };
 
 /// A project. Objects and modules refer to each other by index.
