@@ -62,7 +62,7 @@ PathMaps path_maps(const CommandLine& line)
             throw UsageError("'--map " + text +
                              "': write it as THERE=HERE, an absolute path and one that exists");
         }
-        maps.emplace_back(there, here);
+        maps.push_back({there, here});
     }
     return maps;
 }
@@ -70,8 +70,8 @@ PathMaps path_maps(const CommandLine& line)
 std::string mapped_path(const PathMaps& maps, const std::string& path)
 {
     const auto map = std::find_if(maps.begin(), maps.end(),
-                                  [&](const auto& each) { return is_inside(path, each.first); });
-    return map == maps.end() ? path : map->second + path.substr(map->first.size());
+                                  [&](const auto& each) { return is_inside(path, each.there); });
+    return map == maps.end() ? path : map->here + path.substr(map->there.size());
 }
 
 std::string own_directory(const std::string& directory)

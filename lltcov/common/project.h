@@ -3,8 +3,8 @@
 
 #include "lltcov/common/command_line.h"
 
+// IWYU pragma: no_include <algorithm>
 #include <string>
-#include <utility>
 #include <vector>
 
 /// A module with a work area: a static library, or what a link driver linked.
@@ -20,11 +20,15 @@ struct Module {
 /// directory ".lltcov" where it has one.
 std::string project_root(const CommandLine& line);
 
-/// Directories that were THERE when programs were built or ran, and are HERE.
-using PathMaps = std::vector<std::pair<std::string, std::string>>;
+/// A directory that was `there` when programs were built or ran, and is `here`: absolute, without
+/// slashes at their ends.
+struct PathMap {
+    std::string there;
+    std::string here;
+};
+using PathMaps = std::vector<PathMap>;
 
-/// Those of the options "--map THERE=HERE", as absolute paths without slashes at their ends. Throws
-/// `UsageError` for others.
+/// Those of the options "--map THERE=HERE". Throws `UsageError` for others.
 PathMaps path_maps(const CommandLine& line);
 
 /// The path as it is here: below the first THERE that it is below, else as it stands.

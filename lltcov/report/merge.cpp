@@ -8,6 +8,7 @@
 #include "contract/dump_file.h"
 #include "contract/dump_format.h"
 #include "contract/names.h"
+#include "contract/record.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/console.h"
@@ -26,6 +27,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 

@@ -11,7 +11,6 @@
 #include "contract/places.h"
 #include "contract/project_file.h"
 #include "contract/source_table.h"
-#include "lltcov/report/project_notes.h"
 
 #include <algorithm>
 #include <numeric>
@@ -274,19 +273,4 @@ std::vector<std::size_t> all_objects(const ProjectData& data)
     std::vector<std::size_t> all(data.objects.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
     return all;
-}
-
-ProjectData read_project_data(const CommandLine& line, Findings& findings)
-{
-    const std::string root = project_root(line);
-    ProjectData data = read_modules(root, findings, path_maps(line));
-    if (data.modules.empty()) {
-        findings.add("projects", "'" + data.directory +
-                                     "' holds no module with coverage data; build it " +
-                                     "through lltwrapper, or name another one with --project");
-    }
-    note_old_places(data.maps, dump_root(root), findings);
-    add_dumps(data, dump_root(root), findings);
-    note_left_out(data, findings);
-    return data;
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "contract/record.h"
-#include "lltcov/common/command_line.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/project.h"
 #include "lltcov/report/coverage.h"
@@ -69,6 +68,3 @@ RunCounters all_runs(const InstrumentedObject& object);
 
 /// The indexes of all objects.
 std::vector<std::size_t> all_objects(const ProjectData& data);
-
-/// Modules and counts of the project that the command line names.
-ProjectData read_project_data(const CommandLine& line, Findings& findings);

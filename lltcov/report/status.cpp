@@ -7,10 +7,10 @@
 #include "lltcov/common/project.h"
 #include "lltcov/report/coverage.h"
 #include "lltcov/report/project_data.h"
-#include "lltcov/report/project_notes.h"
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/selection.h"
 #include "lltcov/report/shown_sources.h"
+#include "lltcov/report/whole_project.h"
 
 #include <algorithm>
 #include <cctype>

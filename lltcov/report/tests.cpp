@@ -11,6 +11,7 @@
 #include "lltcov/report/project_data.h"
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/shown_sources.h"
+#include "lltcov/report/whole_project.h"
 
 #include <cstdint>
 #include <cstdio>
