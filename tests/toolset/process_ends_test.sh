@@ -105,8 +105,8 @@ vfork|1 1 0
 clone|1 1 0
 handled|1 1 0
 ignored|1 1 1
-hangup|0 1 0|1
-pipe|0 1 0|13
+alarm|0 1 0|14
+processor_time|0 1 0|24
 terminate|0 1 0|15
 user|0 1 0|10
 real_time|0 1 0|40
