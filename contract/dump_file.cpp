@@ -182,3 +182,21 @@ Dump read_dump(std::string_view bytes)
     }
     return std::move(reader.dump());
 }
+
+std::string moved_dump(std::string_view bytes, const std::string& area, const std::string& test)
+{
+    std::string out;
+    TextLines lines(bytes);
+    std::string_view key;
+    while (key != DUMP_COUNTS && lines.next()) {
+        std::string line(lines.rest_of_line());
+        key = lines.word();
+        if (key == DUMP_AREA) {
+            line = DUMP_AREA " " + area + (test.empty() ? "" : "\n" DUMP_TEST " " + test);
+        }
+        if (key != DUMP_TEST) {
+            out += line + "\n";
+        }
+    }
+    return out.append(lines.rest_of_text());
+}

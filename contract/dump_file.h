@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -60,3 +61,6 @@ private:
 
 /// The dump of a whole file in memory, its counters read.
 Dump read_dump(std::string_view bytes);
+
+/// The bytes of a sound dump with another work area and name of its test; an empty one is none.
+std::string moved_dump(std::string_view bytes, const std::string& area, const std::string& test);

@@ -30,7 +30,9 @@ constexpr Command COMMANDS[] = {
      "the coverage of all runs, for other tools", run_export},
     {"diff", "REVISION|FILE [--allow-empty] [SELECTION]",
      "which lines of a change, since a git revision or of a diff file, have run", run_diff},
-    {"tests", "[FILE:LINE | --unique] [--project DIR]",
+    {"merge", "[--map THERE=HERE]... [--prefix NAME] [--project DIR] DIRECTORY...",
+     "take the counts of runs on other machines", run_merge},
+    {"tests", "[FILE:LINE | --unique] [--map THERE=HERE]... [--project DIR]",
      "which tests reach a line, or alone reach some line", run_tests},
     {"explain", "[--project DIR] -- COMMAND...",
      "what lltwrapper would do with a command; runs nothing", run_explain},
@@ -57,6 +59,7 @@ void print_help(std::FILE* out)
         "\n"
         "SELECTION: [--include PATTERN]... [--exclude PATTERN]... [--no-markers] [--exclude-throw-branches]\n"
         "    [--fail-under-line PERCENT] [--fail-under-branch PERCENT] [--project DIR]\n"
+        "    [--map THERE=HERE]...\n"
         "The project is the one of --project, else of qmr_current_prj_path, else the current\n"
         "directory or the nearest above it that has .lltcov. Exit status: 0, 1 when something\n"
         "was found or failed, 2 for a wrong call. See lltcov(1).\n",

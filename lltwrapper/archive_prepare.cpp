@@ -60,13 +60,14 @@ bool name_module()
 }
 
 /// Two archives of the same stem take turns in a work area, and each build throws away the other's
-/// coverage.
+/// coverage. One that is gone, or was elsewhere before the project moved, does not.
 void warn_if_work_area_is_shared()
 {
     const LinuxPrjItem& prj = *g_lxprj;
     // Keys that were written later have squeezed percent signs in the value.
     const std::string known = output_of_work_area();
-    if (!known.empty() && known != prj.szObjFile && known != squeeze_percent_pairs(prj.szObjFile)) {
+    if (QMRFileExists(known.c_str()) != 0 && known != prj.szObjFile &&
+        known != squeeze_percent_pairs(prj.szObjFile)) {
         warn(
             "'%s' and '%s' share the work area '%s': each overwrites the other's coverage; give the libraries different names",
             known.c_str(), prj.szObjFile, prj.szCovDictPath);

@@ -23,6 +23,9 @@ int run_report(const Arguments& arguments);
 /// Prints the modules of the project with their hit rates.
 int run_status(const Arguments& arguments);
 
+/// Takes the counts that programs of the project have written on other machines.
+int run_merge(const Arguments& arguments);
+
 /// Prints which tests reach a line, which alone reach one, or all of them.
 int run_tests(const Arguments& arguments);
 

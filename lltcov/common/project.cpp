@@ -50,6 +50,30 @@ std::string project_root(const CommandLine& line)
     return absolute;
 }
 
+PathMaps path_maps(const CommandLine& line)
+{
+    PathMaps maps;
+    for (const std::string& text : line.values("--map")) {
+        const std::size_t equals = text.find('=');
+        std::string there = text.substr(0, equals);
+        there.erase(there.find_last_not_of('/') + 1);
+        const std::string here = equals == text.npos ? "" : absolute_path(text.substr(equals + 1));
+        if (there[0] != '/' || here.empty()) {
+            throw UsageError("'--map " + text +
+                             "': write it as THERE=HERE, an absolute path and one that exists");
+        }
+        maps.push_back({there, here});
+    }
+    return maps;
+}
+
+std::string mapped_path(const PathMaps& maps, const std::string& path)
+{
+    const auto map = std::find_if(maps.begin(), maps.end(),
+                                  [&](const auto& each) { return is_inside(path, each.there); });
+    return map == maps.end() ? path : map->here + path.substr(map->there.size());
+}
+
 std::string own_directory(const std::string& directory)
 {
     std::string own = directory + "/" OWN_DIRECTORY;

@@ -3,6 +3,7 @@
 
 #include "lltcov/common/command_line.h"
 
+// IWYU pragma: no_include <algorithm>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,20 @@ struct Module {
 /// directory or the nearest above it that has ".lltcov". What is named by hand stands for its
 /// directory ".lltcov" where it has one.
 std::string project_root(const CommandLine& line);
+
+/// A directory that was `there` when programs were built or ran, and is `here`: absolute, without
+/// slashes at their ends.
+struct PathMap {
+    std::string there;
+    std::string here;
+};
+using PathMaps = std::vector<PathMap>;
+
+/// Those of the options "--map THERE=HERE". Throws `UsageError` for others.
+PathMaps path_maps(const CommandLine& line);
+
+/// The path as it is here: below the first THERE that it is below, else as it stands.
+std::string mapped_path(const PathMaps& maps, const std::string& path);
 
 /// DIRECTORY/.lltcov where the settings have made it, else the directory itself.
 std::string own_directory(const std::string& directory);

@@ -170,7 +170,8 @@ void print_rates(const Coverage& changed, const std::string& root)
 
 int run_diff(const Arguments& arguments)
 {
-    const CommandLine line(arguments, with_report_flags({}), with_selection_options({"--project"}));
+    const CommandLine line(arguments, with_report_flags({}),
+                           with_selection_options({"--map", "--project"}));
     if (line.operands().size() != 1 || line.operands()[0].empty()) {
         throw UsageError("diff needs a revision or a file with a diff");
     }

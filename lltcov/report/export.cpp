@@ -57,7 +57,7 @@ bool write_report(const CommandLine& line, const std::string& text)
 int run_export(const Arguments& arguments)
 {
     const CommandLine line(arguments, with_report_flags({"--lcov", "--json", "--cobertura"}),
-                           with_selection_options({"-o", "--gcda", "--project"}));
+                           with_selection_options({"-o", "--gcda", "--map", "--project"}));
     line.refuse_operands(" The report's file follows -o");
     const Format& format = chosen_format(line);
     if (format.text == nullptr && (line.has("-o") || takes_selection(line))) {

@@ -70,7 +70,7 @@ bool draw(const Report& report, const std::string& directory)
 int run_report(const Arguments& arguments)
 {
     const CommandLine line(arguments, with_report_flags({}),
-                           with_selection_options({"-o", "--project"}));
+                           with_selection_options({"-o", "--map", "--project"}));
     line.refuse_operands(" The directory of the pages follows -o");
     if (program_on_path("genhtml").empty()) {
         warn("there is no genhtml on PATH; install the package lcov, or use lltcov export");

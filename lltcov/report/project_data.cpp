@@ -53,7 +53,7 @@ public:
         ModuleData entry;
         entry.module = module;
         entry.buid = project_value(module.area, project_key::BUILD_ID);
-        entry.output = project_value(module.area, project_key::OUTPUT);
+        entry.output = mapped_path(data_.maps, project_value(module.area, project_key::OUTPUT));
         entry.built = project_value(module.area, project_key::BUILT);
         const std::string path = places::table(places::db(module.area));
         const std::vector<_SOURCEFILE_OBJECT> records = read_tab(path);
@@ -77,6 +77,8 @@ public:
             const std::string path = places::linked_libraries(places::work_area(data_.root, name));
             const timespec time = time_of(path);
             if (time.tv_sec != 0) {
+                taken_.insert(
+                    places::work_area(data_.root, name)); // a link, which is run or loaded
                 lists.emplace_back(time.tv_sec, time.tv_nsec, path);
             }
         }
@@ -89,9 +91,13 @@ public:
                     add_displaced(library);
                 }
             } catch (const FormatError& error) {
+                knows_taken_ = false;
                 findings_.add(DAMAGED, path + ":" + std::to_string(error.line) + ": " +
                                            error.what() + "; link that again through lltwrapper");
             }
+        }
+        for (ModuleData& module : data_.modules) {
+            module.is_taken = !knows_taken_ || taken_.count(module.module.area) != 0;
         }
     }
 
@@ -99,11 +105,12 @@ private:
     void add_displaced(const LinkedLibrary& library)
     {
         ModuleData entry;
-        entry.module.area =
-            absolute_path(library.area[0] == '/' ? library.area : data_.root + "/" + library.area);
+        const std::string area = mapped_path(data_.maps, library.area);
+        entry.module.area = absolute_path(area[0] == '/' ? area : data_.root + "/" + area);
+        taken_.insert(entry.module.area);
         entry.module.name = base_name(split_path(entry.module.area + ".").directory);
         entry.buid = library.buid;
-        entry.output = library.path;
+        entry.output = mapped_path(data_.maps, library.path);
         bool has_successor = false;
         for (const ModuleData& known : data_.modules) {
             const bool shares_area = known.module.area == entry.module.area;
@@ -203,6 +210,7 @@ private:
             for (Record& record : read_records(bytes)) {
                 if (record.symbol == object.symbol) {
                     object.record = std::move(record);
+                    move(object.record);
                     return true;
                 }
             }
@@ -213,16 +221,29 @@ private:
         return false;
     }
 
+    /// Sources are looked for where they are now.
+    void move(Record& record) const
+    {
+        record.source = mapped_path(data_.maps, record.source);
+        record.object = mapped_path(data_.maps, record.object);
+        for (const auto& [there, here] : data_.maps) {
+            record.path_maps.emplace_back(here + "/", there + "/");
+        }
+    }
+
     ProjectData& data_;
     Findings& findings_;
-    std::string temporary_; ///< the temporary area
+    std::string temporary_;       ///< the temporary area
+    std::set<std::string> taken_; ///< work areas of links, and of libraries that links took
+    bool knows_taken_ = true;     ///< all lists of libraries could be read
 };
 
 } // namespace
 
-ProjectData read_modules(const std::string& root, Findings& findings)
+ProjectData read_modules(const std::string& root, Findings& findings, const PathMaps& maps)
 {
     ProjectData data;
+    data.maps = maps;
     data.root = root;
     data.directory = project_directory(root);
     const std::vector<Module> modules = modules_of(root);
@@ -252,17 +273,4 @@ std::vector<std::size_t> all_objects(const ProjectData& data)
     std::vector<std::size_t> all(data.objects.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
     return all;
-}
-
-ProjectData read_project_data(const CommandLine& line, Findings& findings)
-{
-    const std::string root = project_root(line);
-    ProjectData data = read_modules(root, findings);
-    if (data.modules.empty()) {
-        findings.add("projects", "'" + data.directory +
-                                     "' holds no module with coverage data; build it " +
-                                     "through lltwrapper, or name another one with --project");
-    }
-    add_dumps(data, dump_root(root), findings);
-    return data;
 }

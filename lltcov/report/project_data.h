@@ -2,7 +2,6 @@
 #pragma once
 
 #include "contract/record.h"
-#include "lltcov/common/command_line.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/project.h"
 #include "lltcov/report/coverage.h"
@@ -43,12 +42,14 @@ struct ModuleData {
     std::string built;                ///< local time as YYYYMMDDhhmmss
     std::vector<std::size_t> objects; ///< its objects, as indexes into the project's
     std::uint64_t runs = 0;           ///< processes that are counted
+    bool is_taken = true;             ///< not so: a static library that no link has taken
 };
 
 /// A project. Objects and modules refer to each other by index.
 struct ProjectData {
     std::string root;      ///< absolute path of what the tool set has written
     std::string directory; ///< absolute path of the project, in which its sources are
+    PathMaps maps;         ///< of what has moved since it was built
     std::vector<ModuleData> modules;
     std::vector<InstrumentedObject> objects; ///< an object that several modules hold is here once
     std::unordered_map<std::string, std::size_t> object_of_symbol;
@@ -56,7 +57,7 @@ struct ProjectData {
 };
 
 /// Reads the modules' tables and records. What is missing or damaged goes to the findings.
-ProjectData read_modules(const std::string& root, Findings& findings);
+ProjectData read_modules(const std::string& root, Findings& findings, const PathMaps& maps = {});
 
 /// Adds the counts of every dump file in the directory that belongs to a module and its build.
 /// Those of other projects are passed over; what else is left out goes to the findings.
@@ -67,6 +68,3 @@ RunCounters all_runs(const InstrumentedObject& object);
 
 /// The indexes of all objects.
 std::vector<std::size_t> all_objects(const ProjectData& data);
-
-/// Modules and counts of the project that the command line names.
-ProjectData read_project_data(const CommandLine& line, Findings& findings);

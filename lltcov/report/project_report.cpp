@@ -6,6 +6,7 @@
 #include "lltcov/report/data_files.h"
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/shown_sources.h"
+#include "lltcov/report/whole_project.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -112,7 +112,7 @@ private:
     /// of another project, and for one that is gone, which is noted.
     ModuleData* module_of(const Dump& dump)
     {
-        const std::string named(dump.area);
+        const std::string named = mapped_path(data_.maps, std::string(dump.area));
         const auto [place, is_new] = area_of_name_.emplace(named, "");
         if (is_new) {
             place->second = absolute_path(named[0] == '/' ? named : data_.root + "/" + named);

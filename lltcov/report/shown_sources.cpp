@@ -196,15 +196,17 @@ bool CoverageMaker::is_shown(const InstrumentedObject& object, const std::string
         return false;
     }
     if (!state && !object.is_in_use) {
-        findings_.note("modules that are gone",
-                       "'" + path + "' is gone, and so is what was built of it in '" + object.area +
-                           "': left out; lltcov clean --gone forgets it");
+        findings_.note(
+            "modules that are gone",
+            "'" + path + "' is gone, and so is what was built of it in '" + object.area +
+                "': left out; lltcov clean --gone forgets it; if the project has moved, name its old and new directory by --map OLD=NEW");
         return false;
     }
     if (!state) {
-        findings_.add("sources that are gone",
-                      "'" + path + "' is gone: its lines are left out; build '" + object.area +
-                          "' anew, or remove its output and run lltcov clean --gone");
+        findings_.add(
+            "sources that are gone",
+            "'" + path + "' is gone: its lines are left out; build '" + object.area +
+                "' anew, or remove its output and run lltcov clean --gone; if the project has moved, name its old and new directory by --map OLD=NEW");
         return false;
     }
     if (has_changed(object, path, *state)) {

@@ -10,6 +10,7 @@
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/selection.h"
 #include "lltcov/report/shown_sources.h"
+#include "lltcov/report/whole_project.h"
 
 #include <algorithm>
 #include <cctype>
@@ -29,7 +30,8 @@ struct Row {
     std::size_t symbols = 0;
     Rates rates;
     std::uint64_t runs = 0;
-    std::string built; ///< YYYY-MM-DD hh:mm:ss
+    bool is_left_out = false; ///< a library of which nothing can run
+    std::string built;        ///< YYYY-MM-DD hh:mm:ss
     std::string output;
 };
 
@@ -65,7 +67,7 @@ std::vector<Row> rows_of(const ProjectData& data, CoverageMaker& maker, const Co
     for (const ModuleData& module : data.modules) {
         rows.push_back({module.module.name, sources_of(data, module.objects), module.objects.size(),
                         rates_of(maker.coverage_of(module.objects)), module.runs,
-                        readable_time(module.built), module.output});
+                        is_left_out(data, module), readable_time(module.built), module.output});
         total.runs = sum_of_counts(total.runs, module.runs);
         progress.step();
     }
@@ -92,15 +94,15 @@ void add_titles(std::vector<std::string>& titles, const Rates& all, Counting cou
     }
 }
 
-/// Adds the cells of these rates.
+/// Adds the cells of these rates; without percentages where nothing can run.
 void add_cells(std::vector<std::string>& cells, const Rates& rates, const Rates& all,
-               Counting counting)
+               Counting counting, bool is_left_out = false)
 {
     for (const RateName& name : RATE_NAMES) {
         const Rate& rate = rates.*name.rate;
         if (is_shown(name, all, counting)) {
             cells.insert(cells.end(), {std::to_string(rate.hit) + "/" + std::to_string(rate.total),
-                                       percent(rate)});
+                                       is_left_out ? "-" : percent(rate)});
         }
     }
 }
@@ -115,9 +117,9 @@ void print_table(const std::vector<Row>& rows, Counting counting, const std::str
     for (const Row& row : rows) {
         std::vector<std::string> cells = {row.name, std::to_string(row.sources),
                                           std::to_string(row.symbols)};
-        add_cells(cells, row.rates, all, counting);
-        cells.insert(cells.end(),
-                     {std::to_string(row.runs), row.built, shown_path(row.output, root)});
+        add_cells(cells, row.rates, all, counting, row.is_left_out);
+        cells.insert(cells.end(), {row.is_left_out ? "not linked" : std::to_string(row.runs),
+                                   row.built, shown_path(row.output, root)});
         table.add(cells);
     }
     table.print();
@@ -161,7 +163,8 @@ void print_json(const std::vector<Row>& rows, Counting counting, const std::stri
         return "\"sources\": " + std::to_string(row.sources) +
                ", \"symbols\": " + std::to_string(row.symbols) + ", " +
                json_rates(row.rates, rows.back().rates, counting) +
-               ", \"runs\": " + std::to_string(row.runs);
+               ", \"runs\": " + std::to_string(row.runs) +
+               (row.is_left_out ? ", \"linked\": false" : "");
     };
     std::string out =
         "{\"format\": \"lltcov status\", \"version\": 1, \"project\": " + json_string(root) +
@@ -183,7 +186,7 @@ void print_json(const std::vector<Row>& rows, Counting counting, const std::stri
 int run_status(const Arguments& arguments)
 {
     const CommandLine line(arguments, with_selection_flags({"--json", "--files", "--directories"}),
-                           with_selection_options({"--project"}));
+                           with_selection_options({"--map", "--project"}));
     line.refuse_operands();
     if (line.has("--json") + line.has("--files") + line.has("--directories") > 1) {
         throw UsageError("choose one of --json, --files and --directories");

@@ -11,6 +11,7 @@
 #include "lltcov/report/project_data.h"
 #include "lltcov/report/report_text.h"
 #include "lltcov/report/shown_sources.h"
+#include "lltcov/report/whole_project.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -150,7 +151,7 @@ int print_all(const ProjectData& data, CoverageMaker& maker)
 
 int run_tests(const Arguments& arguments)
 {
-    const CommandLine line(arguments, {"--unique"}, {"--project"});
+    const CommandLine line(arguments, {"--unique"}, {"--map", "--project"});
     if (line.operands().size() > (line.has("--unique") ? 0U : 1U)) {
         throw UsageError("choose one line, or --unique");
     }

@@ -50,6 +50,19 @@ TEST(DumpFile, OfAMachineOfTheOtherByteOrderCountsTheSame)
     EXPECT_EQ(dump.sources.at(0).counters, std::vector<std::uint64_t>{0x0102030405060708});
 }
 
+TEST(DumpFile, IsMovedWithAnotherTestAndNothingElseChanged)
+{
+    const std::string rest =
+        "order big\nnovelty x\nfile 0 area.c 8\ncounts 16\n" + bytes("\narea 1\n\ntest 2\n");
+    const std::string text = "lltcov 2\nmodule area\narea /p/a b\n";
+    for (const std::string& before : {std::string(), std::string("test old one\n")}) {
+        EXPECT_EQ(moved_dump(text + before + rest, "/q", ""),
+                  "lltcov 2\nmodule area\narea /q\n" + rest);
+        EXPECT_EQ(moved_dump(text + before + rest, "/q", "m/new"),
+                  "lltcov 2\nmodule area\narea /q\ntest m/new\n" + rest);
+    }
+}
+
 TEST(DumpFile, ThatIsEmptyIsOfNoRun)
 {
     const Dump dump = read_dump("");

@@ -41,6 +41,11 @@ for round in first second 'after clean --all'; do
     [ "$round" != second ] || { : >main.o && expect 'clean --all' "${built#* }" "$(lltcov clean --all >/dev/null; names)"; }
 done
 
+# --- libraries of one name, the second one of which moves
+fresh moved && settings && gcc -c lib.c && mkdir one two && ar rcs one/lib.a lib.o
+expect 'two libraries' 1 "$(ar rcs two/lib.a lib.o 2>&1 | grep -c "'$PWD/one/lib.a' and '$PWD/two/lib.a' share")"
+expect 'one that moved' '' "$(mv two three; ar rcs three/lib.a lib.o 2>&1)"
+
 # --- the directory of the build itself: foo.a wants the place of the program foo
 fresh shared && export qmr_current_prj_path=$PWD && settings && gcc -c lib.c && ar rcs foo.a lib.o
 clash="'$PWD/foo' stands where the coverage data of 'foo.a' would go"

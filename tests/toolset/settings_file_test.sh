@@ -31,4 +31,23 @@ export TimerPolicy=1 lltcovRootpath=$PWD/r|$work/p/.lltcov $work/p/r 1 .lltcov r
 mkdir .lltcov; echo mine >.lltcov/.gitignore; export qmr_current_prj_path=$PWD|$work/p $work/p/llt_result 0 .lltcov LLTTEMP llt_result sub mine
 ROWS
 done
+
+# What is said in a second directory: DIRECTORY | BEFORE | project | lines on standard error
+mkdir -p "$work/A/sub" "$work/B"
+for shell in sh bash; do
+    while IFS='|' read -r directory before project lines; do
+        before=${before//INIT/\'$init\'}
+        actual=$(cd "$work/A" && env -i PATH="$PATH" $shell -euc ". '$init'; cd '$directory'; $before . '$init'
+            echo \${qmr_current_prj_path#'$work/'} \${lltcovRootpath#'$work/'}" 2>"$work/messages")
+        expect "$shell: $before in $directory" "$project/.lltcov $project/.lltcov/llt_result, $lines" \
+            "$actual, $(grep -c "the project stays '.*/$project/.lltcov'.*LLT_PROJECT=\$PWD" "$work/messages")"
+    done <<'ROWS'
+.||A|0
+sub||A|0
+../B||A|1
+../B|LLT_PROJECT=$PWD;|B|0
+../B|LLT_PROJECT=$PWD; . INIT; cd ../A; LLT_PROJECT=$PWD;|A|0
+../B|LLT_PROJECT=$PWD; . INIT; cd ../A;|B|1
+ROWS
+done
 finish

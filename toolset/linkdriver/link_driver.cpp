@@ -74,6 +74,20 @@ Words with_words(const LinkCommand& link, const LinkCoverage& coverage, const Wo
     return words;
 }
 
+/// Calls that end the process without destructors go to the runtime first, where it has functions
+/// for them.
+void add_wrapped_calls(const LinkCommand& link, const std::string& runtime, Words& words)
+{
+    std::string content;
+    if (!read_input(runtime, content) || content.find("__wrap__exit") == content.npos) {
+        return;
+    }
+    words.insert(words.end(), {"-u", "__wrap__exit"});
+    for (const char* name : {"_exit", "_Exit"}) {
+        words.push_back(linker_option(link, std::string("--wrap=") + name));
+    }
+}
+
 Words with_runtime(const LinkCommand& link, const LinkCoverage& coverage, const std::string& stub,
                    const std::string& runtime)
 {
@@ -89,6 +103,7 @@ Words with_runtime(const LinkCommand& link, const LinkCoverage& coverage, const 
             added.insert(added.end(), {"-u", TEST_LOADER_PREFIX + module});
         }
     }
+    add_wrapped_calls(link, runtime, added);
     add_input(link, runtime, added);
     return with_words(link, coverage, added);
 }

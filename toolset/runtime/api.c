@@ -5,6 +5,7 @@
 #include "contract/stub_modes.h"
 #include "copies.h"
 #include "dump.h"
+#include "ends.h"
 #include "lltcov_rt.h"
 #include "policy.h"
 #include "process.h"
@@ -192,6 +193,7 @@ int QMRInit(int iType, char* pProjName)
         }
     }
     registry_unlock(&mask);
+    ends_watch_signals();
     return 1;
 }
 

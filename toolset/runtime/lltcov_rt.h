@@ -1,8 +1,7 @@
 /* The coverage runtime: keeps the counter arrays of a process and writes them to dump files.
  *
- * A program that ends by exit() or by returning from main needs nothing of this header: the
- * stub that the archive step or the link driver makes calls everything. Include it
- * for lltcov_dump, in programs that end another way.
+ * A program that ends by itself needs nothing of this header: the stub that the archive step or the
+ * link driver makes calls everything. Include it for lltcov_dump, in programs that end another way.
  *
  * Where the dumps go: the directory of the environment variable LLTCOV_ROOT when that is set and
  * not empty; else the root that the stub names; else "llt_result" beside the module's work area.
@@ -19,11 +18,20 @@
  * What counts:
  *   - exit        dumped by the stub's destructor and once more, if counts have changed since,
  *                 after the last destructor of the program
- *   - _exit, quick_exit, abort, a fatal signal   nothing is dumped: call lltcov_dump before, or use
- *                 a policy (the setting TimerPolicy or SignalPolicy)
+ *   - _exit, _Exit   dumped before, when called in what is linked with coverage; not with
+ *                 LLTCOV_ENDS=exit in the environment, for programs that have shut themselves in
+ *                 (seccomp) and may open nothing any more
+ *   - quick_exit  dumped after the handlers of the program; not with LLTCOV_ENDS=exit
+ *   - abort, a fatal signal   dumped with LLTCOV_ENDS=all in the environment, unless the program
+ *                 handles the signal itself; then it ends the process as without, with the same
+ *                 status. A thread whose stack has overflowed needs an alternate stack; the first
+ *                 one has one
+ *   - SIGKILL     nothing is dumped: call lltcov_dump before, or have a timer dump (the setting
+ *                 TimerPolicy)
  *   - fork        the parent's counts are dumped and the child begins at zero, so that no count is
  *                 reported twice and none is lost when either ends by _exit
- *   - vfork       the child shares the parent's counters, as it shares all its memory
+ *   - vfork       the child shares the parent's counters, as it shares all its memory: its end
+ *                 dumps nothing
  *   - exec        dumped before execl, execlp, execle, execv, execvp and execve in code of gcc,
  *                 which calls functions of this runtime in their place; not in code of clang, not
  *                 before execvpe and fexecve, not where the C library itself replaces the program

@@ -3,6 +3,7 @@
 #include "policy.h"
 
 #include "copies.h"
+#include "ends.h"
 #include "report.h"
 
 #include <errno.h>
@@ -128,6 +129,9 @@ void policy_watch_signal(int number)
     sigfillset(&action.sa_mask);
     struct sigaction* const old = malloc(sizeof *old);
     if (old != NULL && sigaction(number, NULL, old) == 0) {
+        if (ends_is_ours(old)) {
+            *old = (struct sigaction){.sa_flags = 0}; /* the default */
+        }
         before[number] = old; /* before the first signal can come */
         if (sigaction(number, &action, NULL) == 0) {
             return;

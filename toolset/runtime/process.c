@@ -6,6 +6,7 @@
 
 #include "copies.h"
 #include "dump.h"
+#include "ends.h"
 #include "lltcov_rt.h"
 #include "policy.h"
 #include "registry.h"
@@ -41,6 +42,7 @@ static void after_fork_in_child(void)
     const sigset_t mask = fork_mask;
     registry_zero_counters();
     registry_forget_dumps();
+    ends_adopt_child();
     registry_unlock(&mask);
     policy_restart_in_child();
 }
@@ -61,6 +63,7 @@ int process_is_exiting(void)
 __attribute__((destructor(101))) static void finish(void)
 {
     policy_stop();
+    ends_stop();
     registry_modules != NULL ? this_copy_dump() : copies_dump();
 }
 
@@ -69,6 +72,7 @@ void process_set_up(void)
     if (!is_set_up) {
         is_set_up = 1;
         report_prepare();
+        ends_set_up();
         const int error = pthread_atfork(before_fork, after_fork_in_parent, after_fork_in_child);
         if (error != 0 || atexit(note_exit) != 0) {
             report_failure(
