@@ -22,7 +22,8 @@ set(CPACK_DEBIAN_LLTWRAPPER_PACKAGE_RECOMMENDS "gcc | clang, binutils, lcov")
 set(CPACK_DEBIAN_LLTWRAPPER_DESCRIPTION "${about}")
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME lltwrapper-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "lltwrapper (= ${PROJECT_VERSION})")
-set(CPACK_DEBIAN_DEV_DESCRIPTION "Files for the build systems of projects that use lltwrapper: the CMake package, the .pc file and the header of the coverage runtime.")
+set(CPACK_DEBIAN_DEV_DESCRIPTION "Files for the build systems of projects that use lltwrapper:
+the CMake package, the .pc file and the header of the coverage runtime.")
 
 file(READ ${PROJECT_SOURCE_DIR}/LICENSE LICENSE_TEXT)
 string(REGEX REPLACE "^[^\n]*\n\n[^\n]*\n\n" "" LICENSE_TEXT "${LICENSE_TEXT}")
