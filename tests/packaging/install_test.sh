@@ -11,7 +11,7 @@ names() { find place -printf '%p %y\n' | sort; }
 before=$(names)
 cd / || exit
 for round in first second; do
-    "$root/packaging/install.sh" "$work/place" "$programs" >"$said" 2>&1
+    BUILD=$programs "$root/packaging/install.sh" "$work/place" >"$said" 2>&1
     expect "$round installation" 0 $?
 done
 cd "$work" || exit
