@@ -37,7 +37,7 @@ compadd() {
 print READY
 Z
 in_zsh() { # by its line editor, in a terminal of its own
-    timeout 10 zsh -f -c 'zmodload zsh/zpty && zpty shell zsh -f -i && zpty -w shell "source $1/init.zsh"
+    timeout 60 zsh -f -c 'zmodload zsh/zpty && zpty shell zsh -f -i && zpty -w shell "source ${(q)1}/init.zsh"
         while zpty -r shell line; do [[ $line = READY* ]] && break; done
         zpty -w -n shell "$2"
         while zpty -r shell line; do print -r -- "$line"; done' zsh "$work" "$*"$'\t' 2>/dev/null |

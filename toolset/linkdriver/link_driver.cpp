@@ -5,7 +5,6 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/env.h"
-#include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
 #include "commonfunc/own_files.h"
 #include "commonfunc/path_name.h"
