@@ -72,4 +72,5 @@ lltwrapper wrapped_tool --o|--of-the-tool
 lltwrapper -artool ar -arsuffix .a wrapped_tool --o|--of-the-tool !-objsuffix
 END
 done
+[ $cases != 0 ] || skip 'no shell with completion'
 finish

@@ -5,6 +5,7 @@
 set -euo pipefail
 unset CDPATH
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+git -C "$root" diff --quiet HEAD || { echo 'the other build is of the last commit: commit the changes first' >&2 && exit 1; }
 other=$(mktemp -d "${TMPDIR:-/tmp}/package.XXXXXX")
 trap 'rm -rf "$other"' EXIT
 
