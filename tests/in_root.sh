@@ -2,11 +2,13 @@
 # Runs a command in a clone of this checkout in a bare Debian root, where nothing is installed but
 # what Debian's minimal base has. Needs root rights, debootstrap and this machine's own mirror.
 # usage: in_root.sh SUITE COMMAND...      SUITE: bookworm (Debian 12), trixie (Debian 13), ...
+# What BRING names below the checkout, for example build/packages, is brought along.
 # The base is made once per suite below build/roots and copied for each run; the copy goes with it.
 set -euo pipefail
 unset CDPATH
 suite=$1
 shift
+[ "$(id -u)" = 0 ] || { echo 'a bare root needs root rights' >&2 && exit 1; }
 checkout=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 roots=$checkout/build/roots
 base=$roots/$suite
@@ -42,6 +44,10 @@ mount -t proc proc "$root/proc"
 mount --bind /dev "$root/dev"
 mkdir -p "$root/home/a b"
 git clone -q "$checkout" "$root/home/a b/clone"
+if [ -n "${BRING:-}" ]; then
+    mkdir -p "$root/home/a b/clone/$(dirname "$BRING")"
+    cp -r "$checkout/$BRING" "$root/home/a b/clone/$BRING"
+fi
 mapfile -t proxies < <(env | grep -i '^[a-z]*_proxy=' || true)
 chroot "$root" /usr/bin/env -i HOME=/home PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 \
     "${proxies[@]}" /bin/sh -c 'cd "/home/a b/clone" && exec "$@"' sh "$@" </dev/null

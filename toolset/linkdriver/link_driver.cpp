@@ -5,13 +5,12 @@
 
 #include "commonfunc/Caddis_func.h"
 #include "commonfunc/env.h"
-#include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
+#include "commonfunc/own_files.h"
 #include "commonfunc/path_name.h"
 #include "contract/names.h"
 #include "contract/stub_modes.h"
 #include "toolset/common/driver_call.h"
-#include "toolset/common/own_files.h"
 #include "toolset/common/process.h"
 #include "toolset/linkdriver/link_command.h"
 #include "toolset/linkdriver/link_coverage.h"
@@ -33,14 +32,20 @@ namespace
 /// Set for everything that is run from here: the tool may call a wrapped linker itself.
 constexpr char GUARD[] = "LLTLD_RUNS";
 
-/// The static runtime: `LLTCOV_RUNTIME` (the file or its directory), or beside the program, as it
-/// is installed or in a build tree. Empty when it is not found.
-std::string find_runtime()
+/// The static runtime: `LLTCOV_RUNTIME` (the file or its directory), or that of the target that the
+/// tool's name begins with, or of this machine, as installed or in a build tree. Empty when it is
+/// not found.
+std::string find_runtime(const std::string& tool)
 {
     const std::string file = "liblltcov_rt.a";
     const std::string named = env_text("LLTCOV_RUNTIME");
-    const Words candidates = {named, named + "/" + file, own_file(file),
-                              program_directory() + "/../runtime/" + file};
+    Words candidates = {named, named + "/" + file};
+    const std::string name = tool.substr(tool.rfind('/') + 1);
+    for (std::size_t end = name.rfind('-'); end != name.npos && end > 0;
+         end = name.rfind('-', end - 1)) {
+        candidates.push_back(own_file(name.substr(0, end) + "/" + file));
+    }
+    candidates.push_back(own_file(file));
     for (const std::string& path : candidates) {
         if (kind_of(path) == FileKind::archive) {
             return absolute_path(path);
@@ -173,7 +178,7 @@ int link_module(const LinkCommand& link, LinkCoverage& coverage, const std::stri
     if (!link.has_c_library) {
         return link_without_coverage(link, coverage, true, "the runtime needs a C library (-lc)");
     }
-    const std::string runtime = find_runtime();
+    const std::string runtime = find_runtime(link.words[0]);
     if (runtime.empty()) {
         return link_without_coverage(link, coverage, true,
                                      "liblltcov_rt.a is not found, set LLTCOV_RUNTIME");

@@ -1,0 +1,3 @@
+# For a project that must not be edited: cmake -DCMAKE_PROJECT_INCLUDE=/path/to/this/file ...
+include("${CMAKE_CURRENT_LIST_DIR}/lltwrapperConfig.cmake")
+lltwrapper_enable()
