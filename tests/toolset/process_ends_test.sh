@@ -73,37 +73,37 @@ build() { # build PREFIX TOOL...
 }
 logged build plain_ env && logged build '' lltwrapper || exit 2
 
-# END | counts of mark when LLTCOV_ENDS is: unset, "all", "exit" | more
+# END | counts of mark when LLTCOV_ENDS is: unset, "all", "calls" | more
 while IFS='|' read -r end counts more; do
     for program in shared static; do
         # shellcheck disable=SC2086 # words
         { ./plain_$program "$end" $more; } > /dev/null 2>&1
         status=$?
-        for ends in '' all exit; do
+        for ends in '' all calls; do
             # shellcheck disable=SC2086 # words
             { LLTCOV_ENDS=$ends LLTCOV_TEST=$program.$end.$ends ./$program "$end" $more; } > /dev/null 2>&1
             expect "$program $end ends='$ends': status" "$status" $?
         done
         # shellcheck disable=SC2086 # words
-        printf "$program.$end.%s %s\n" '' ${counts%% *} all "$(cut -d ' ' -f 2 <<< "$counts")" exit "${counts##* }"
+        printf "$program.$end.%s %s\n" '' ${counts%% *} all "$(cut -d ' ' -f 2 <<< "$counts")" calls "${counts##* }"
     done >> wanted
 done <<'ROWS'
 return|1 1 1
 exit|1 1 1
-_exit|1 1 0
-_Exit|1 1 0
-quick_exit|1 1 0
-library|1 1 0
+_exit|0 1 1
+_Exit|0 1 1
+quick_exit|0 1 1
+library|0 1 1
 abort|0 1 0
 assert|0 1 0
 null|0 2 0
 overflow|0 1 0
 thread|0 1 0
-child|1 1 0
+child|0 1 1
 child_crash|0 1 0
-vfork|1 1 0
-clone|1 1 0
-handled|1 1 0
+vfork|0 1 1
+clone|0 1 1
+handled|0 1 1
 ignored|1 1 1
 alarm|0 1 0|14
 processor_time|0 1 0|24
@@ -115,6 +115,6 @@ stopping_is_no_end|1 1 1|18
 ROWS
 lltcov tests "ends.c:$(grep -n COUNTED ends.c | cut -d : -f 1)" 2> messages | sed '1d; s/  */ /g' | sort > reached
 expect_file "counts of each end" <(grep -v ' 0$' wanted | sort) reached
-expect "a setting that there is not" "lltcov: LLTCOV_ENDS has no effect: set it to 'exit' or 'all' (error 22) 7" \
+expect "a setting that there is not" "lltcov: LLTCOV_ENDS has no effect: set it to 'calls' or 'all' (error 22) 7" \
     "$(LLTCOV_ENDS=some ./shared return 2>&1) $?"
 finish

@@ -37,13 +37,12 @@ void ends_set_up(void)
     /* Not in a set-user-id program: its caller must not choose what its signals do. */
     const char* const setting = secure_getenv("LLTCOV_ENDS");
     owner = getpid();
-    counted = CALLS;
-    if (setting != NULL && strcmp(setting, "exit") == 0) {
-        counted = NONE;
+    if (setting != NULL && strcmp(setting, "calls") == 0) {
+        counted = CALLS;
     } else if (setting != NULL && strcmp(setting, "all") == 0) {
         counted = ALL;
     } else if (setting != NULL && setting[0] != '\0') {
-        report_failure("LLTCOV_ENDS has no effect: set it to 'exit' or 'all'", EINVAL);
+        report_failure("LLTCOV_ENDS has no effect: set it to 'calls' or 'all'", EINVAL);
     }
     if (counted != NONE && at_quick_exit(lltcov_before_end) != 0) {
         report_failure("quick_exit loses coverage counts: no memory is left", ENOMEM);

@@ -1,5 +1,6 @@
 /* The ends of a process that run no destructors. Which of them count is told by LLTCOV_ENDS of the
- * environment: "exit" none, "all" fatal signals too. */
+ * environment: "calls" those by a call, "all" fatal signals too. By default none, as with the
+ * compiler's own runtime: a program that has shut itself in may be killed for opening a file. */
 #ifndef LLTCOV_ENDS_H
 #define LLTCOV_ENDS_H
 
