@@ -1,12 +1,14 @@
 #!/bin/bash
-# Holds the manual pages against the programs, in both directions: options and environment variables;
-# and the changelog against the version.
+# Holds the manual pages against the programs, in both directions: options, environment variables, and the
+# texts of what failed; and the changelog against the version.
 # shellcheck source=tests/common.sh
 . "$(dirname "$0")/common.sh"
+shopt -s extglob
 pages=("$root"/man/*.[1-9])
 rooms=("$root"/{commonfunc,contract,lltld,lltwrapper,lltcov,toolset})
 
-code() { find "${rooms[@]}" -name '*.[ch]' -o -name '*.cpp' | sort; }
+# code: all of it
+code() { find "${rooms[@]}" \( -name '*.[ch]' -o -name '*.cpp' \) -print0 | sort -z | xargs -0 cat; }
 
 # nothing_missing WHAT NEEDED PRESENT: lists of lines; each of the first stands in the second
 nothing_missing() {
@@ -52,11 +54,11 @@ nothing_missing 'options of the wrapper in its help' "$own" "$help"
 
 # --- environment variables: what is read or set for others, by its name or by a constant that holds it
 
-constant() { xargs -a <(code) cat | sed -nE "s/.*\b$1(\[\])? *= *\"([A-Za-z_0-9]+)\".*/\2/p"; }
+constant() { code | sed -nE "s/.*\b$1(\[\])? *= *\"([A-Za-z_0-9]+)\".*/\2/p"; }
 variables=$(
-    xargs -a <(code) cat | grep -oE '\b(secure_getenv|getenv|setenv|env_[a-z_]+|read_(switch|selected_value))\("[A-Za-z_0-9]+"' |
+    code | grep -oE '\b(secure_getenv|getenv|setenv|env_[a-z_]+|read_(switch|selected_value))\("[A-Za-z_0-9]+"' |
         cut -d '"' -f 2
-    for name in $(xargs -a <(code) cat | grep -oE '\b(getenv|setenv|env_text|set)\([A-Z_]{3,}' | cut -d '(' -f 2); do
+    for name in $(code | grep -oE '\b(getenv|setenv|env_text|set)\([A-Z_]{3,}' | cut -d '(' -f 2); do
         constant "$name"
     done
     cat "$root"/toolset/TUSK_INIT.SH "$root"/lltcov/shims/shim_parts.h | grep -oE '\$\{?LLT[A-Za-z_]+' | tr -d "\${"
@@ -64,8 +66,44 @@ variables=$(
 described=$(cat "${pages[@]}" | sed -nE 's/^\.(It )?(Pf [^ ]+ )?Ev //p' | grep -oE '[A-Za-z_0-9]{2,}')
 nothing_missing 'variables in the pages' "$variables" "$described"
 # TZ is the C library's, CCACHE_DISABLE a compiler cache's.
-known=$(xargs -a <(code) cat "$root/toolset/TUSK_INIT.SH" | grep -oE '[A-Za-z_0-9]+')
+known=$({ code && cat "$root/toolset/TUSK_INIT.SH"; } | grep -oE '[A-Za-z_0-9]+')
 nothing_missing 'variables of the pages in the code' "$described" "$known"$'\nTZ\nCCACHE_DISABLE'
+
+# --- what failed: the first words of a message, without what is put in, stand in an entry of DIAGNOSTICS;
+# and those of an entry in the code
+
+# words: of each line the first part of two words and more between what is put in, up to what to do about it
+words() {
+    sed -E "s/;.*//; s/%[a-z0-9.]+|'[^']*'|\b[A-Z][A-Z_]*\b|[\"'():,[]|\.\.\./\n/g; s/\$/\n--/" |
+        awk '/^--$/ { print first; first = ""; next } { sub(/^ +/, ""); sub(/[ .]+$/, "") }
+            first == "" && length($0) > 5 && / / { first = $0 }' | grep . | sort -u
+}
+STRING='"([^"\\]|\\.)*"'
+# one_line: the code without comments
+one_line() { sed -E 's|(^\|[ ;{}])//.*||; s/\\n//g' | tr '\n' ' '; }
+# literals CALLS: the first literal of several words in each of these calls, but the kind that begins some
+literals() {
+    grep -oE "\b($1)\((\"[^\"]*\", )?($STRING|[^\";])*;" |
+        sed -nE 's/^(add|note)\( *"[^"]*"//; s/\\"/~/g; s/^[^"]*("[^" ]*"[^"]*)*"([^"]* [^"]*)".*/\2/; T; s/~/"/g; p'
+}
+missing() { words <"$1" | while IFS= read -r text; do grep -qF -e "$text" "$2" || echo "$text"; done; }
+code | one_line >all
+cat "$root"/lltcov/report/!(*_format).cpp | one_line >report
+{
+    literals 'warn|notice|print_fatal|TUSKLog|report_failure' <all
+    literals 'say|printf|puts' <all | grep -iE "fail|error|can'?(t| ?not) |doesn't exist"
+    literals 'add|note' <report
+} >said
+sed -n '/^\.Sh DIAGNOSTICS/,/^\.Sh SEE/p' "${pages[@]}" |
+    sed -E 's/\\\(dq/"/g; s/\\-/-/g; s/\\&//g; s/^\.It (lltwrapper|lltcov|lltcc|lltld|liblltcov_rt|TUSK_FATAL): ?/.It /' >diagnostics
+grep '^\.It ' diagnostics | sed 's/^\.It //' >items
+sed -i 's/\\"/"/g' all
+expect 'messages of the programs' many "$([ "$(wc -l <said)" -gt 150 ] && echo many)"
+expect 'messages in DIAGNOSTICS' '' "$(missing said items)"
+expect 'entries of DIAGNOSTICS in the code' '' "$(missing items all)"
+# An entry, or several of one cause, has its explanation.
+expect 'explained entries' '' "$(awk '/^\.It/ { item = $0; next } /^\.(El|Sh|Ss)/ && item != "" { print item }
+    { item = "" }' diagnostics)"
 
 # --- the version: the last numbered release is that of the build
 

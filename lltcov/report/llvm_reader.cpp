@@ -166,10 +166,11 @@ private:
     {
         const std::string errors = directory_.read(part.name + ".err");
         const std::string said = errors.empty() ? "no result" : errors.substr(0, errors.find('\n'));
-        findings_.add("unread objects",
-                      "'" + part.objects[0]->record->object +
-                          (part.objects.size() > 1 ? "' and others are" : "' is") + " left out: '" +
-                          program + "' fails: " + said + "; build it again through lltwrapper");
+        findings_.add(
+            "unread objects",
+            "'" + part.objects[0]->record->object +
+                (part.objects.size() > 1 ? "' and others are left out: '" : "' is left out: '") +
+                program + "' fails: " + said + "; build it again through lltwrapper");
     }
 
     std::vector<Part>& parts_;
