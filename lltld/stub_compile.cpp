@@ -3,6 +3,7 @@
 
 #include "commonfunc/file_io.h"
 #include "commonfunc/message.h"
+#include "commonfunc/path_search.h"
 #include "commonfunc/shell.h"
 #include "lltld/cov_paths.h"
 #include "lltld/program_objects.h"
@@ -20,6 +21,17 @@ namespace
 constexpr std::size_t ROOM_BEHIND_PREFIX = 1023;
 constexpr std::size_t SECOND_STAGE_LENGTH = 2047;
 
+/// The recorded command names its driver by the path of the time when the sources were compiled.
+void warn_of_moved_driver(const std::string& command)
+{
+    const std::string driver = command.substr(0, command.find(' '));
+    if (driver[0] == '/' && !is_program(driver)) {
+        warn(
+            "'%s', which the sources of this library were compiled with, is gone; when it was moved, clean the project and build it anew",
+            driver.c_str());
+    }
+}
+
 /// Runs the command if it fits its bound; true when it returned 0.
 bool run_whole(const std::string& command, std::size_t bound)
 {
@@ -29,7 +41,11 @@ bool run_whole(const std::string& command, std::size_t bound)
             command.size(), bound);
         return false;
     }
-    return run_helper(command) == 0;
+    if (run_helper(command) != 0) {
+        warn_of_moved_driver(command);
+        return false;
+    }
+    return true;
 }
 
 bool run_two_stages(const std::string& prefix, std::size_t bound, const std::string& second,

@@ -13,6 +13,7 @@
 #include "lltld/program_objects.h"
 #include "lltwrapper/archive_prepare.h"
 #include "lltwrapper/archive_sequence.h"
+#include "lltwrapper/driver_path.h"
 #include "lltwrapper/forward_cmd.h"
 #include "lltwrapper/version.h"
 #include "lltwrapper/wrapper_state.h"
@@ -45,6 +46,9 @@ int run_command(const std::string& command, Flush flush, Status kind)
     restore_output();
     const int wait_status = run_shell(command, flush);
     const int real = exit_status_of(wait_status);
+    if (kind == Status::zero_or_one) {
+        warn_of_missing_driver(command, real);
+    }
     if (env_text("LLTWRAPPER_EXACT_STATUS") == "1") {
         return real;
     }
@@ -72,6 +76,7 @@ bool prepare(Mode mode)
     if (mode == Mode::compile || mode == Mode::link) {
         warn_if_unset("qmr_current_prj_path");
         warn_if_unset("qmr_coverage_stub_mold");
+        put_drivers_on_path();
     }
     if (mode == Mode::archive && !bring_archive_up_to_date()) {
         warn_of_stale_member();

@@ -1,4 +1,6 @@
-// The only file with build-time macros, so that nothing else changes from build to build.
+// The only file with build-time macros, so that nothing else changes from build to build. A build
+// that is to be repeated byte for byte, by SOURCE_DATE_EPOCH, defines the time: not every compiler
+// heeds that.
 #include "lltwrapper/version.h"
 
 #include "commonfunc/message.h"
@@ -8,6 +10,10 @@ namespace
 {
 
 constexpr char VERSION[] = LLTWRAPPER_VERSION;
+#ifndef LLTWRAPPER_BUILT
+#define LLTWRAPPER_BUILT __TIME__ " " __DATE__
+#endif
+
 static_assert(sizeof VERSION <= 61, "the banner has room for a version of 60 bytes");
 
 } // namespace
@@ -15,7 +21,7 @@ static_assert(sizeof VERSION <= 61, "the banner has room for a version of 60 byt
 void ShowVersion()
 {
     char banner[320];
-    format_bounded(banner, "[TUSK LINUX CADDIS]\nVersion: %s\nBuild at: %s %s", VERSION, __TIME__,
-                   __DATE__);
+    format_bounded(banner, "[TUSK LINUX CADDIS]\nVersion: %s\nBuild at: %s", VERSION,
+                   LLTWRAPPER_BUILT);
     say("%s\n", banner);
 }

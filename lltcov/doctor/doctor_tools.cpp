@@ -1,7 +1,9 @@
-// Programs are found in two ways: on PATH, by the wrapper's shell, and beside lltcov, by the shims.
+// Programs are found on PATH, by the wrapper's shell, which comes to those of the installation
+// last.
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/own_files.h"
 #include "commonfunc/path_search.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/tool_kind.h"
@@ -50,31 +52,26 @@ Names shim_directories()
 
 void check_own_program(const std::string& name, Findings& findings)
 {
-    const std::string beside = find_program({program_directory()}, name);
+    const std::string beside = own_file(name);
     const std::string on_path = find_program(path_directories(), name);
     if (on_path.empty() && beside.empty()) {
-        findings.add("programs",
-                     name +
-                         " is neither on PATH nor beside lltcov; build and install the tool set");
-    } else if (on_path.empty() && shim_directories().empty()) {
-        findings.add("programs",
-                     name + " is not on PATH; append '" + program_directory() + "', or use shims");
+        findings.add(
+            "programs",
+            name + " is neither on PATH nor installed with lltcov; build and install the tool set");
     } else if (!on_path.empty() && !beside.empty() && !is_same_file(on_path, beside)) {
         findings.add("programs", "'" + on_path + "' is used, not '" + beside +
                                      "'; put its directory first on PATH unless that is meant");
     }
 }
 
-/// Parts of the tool set that its programs look for beside themselves.
-void check_part(const Names& places, const std::string& what, Findings& findings)
+/// Parts of the tool set that its programs look for.
+void check_part(const std::string& name, const std::string& what, Findings& findings)
 {
-    for (const std::string& place : places) {
-        if (QMRFileExists((program_directory() + place).c_str()) != 0) {
-            return;
-        }
+    if (own_file(name).empty()) {
+        findings.add("programs", "'" + name + "', " + what + ", is missing where '" +
+                                     program_directory() +
+                                     "' has its parts; build and install the tool set");
     }
-    findings.add("programs", "'" + program_directory() + places.back() + "', " + what +
-                                 ", is missing; build and install the tool set");
 }
 
 void check_tools(const Names& names, const char* what, Findings& findings)
@@ -125,17 +122,15 @@ void check_programs(Examined&, Findings& findings)
             check_own_program(name, findings);
         }
     }
-    if (!find_program({program_directory()}, "lltcc").empty()) {
-        check_part({"/lltcc.d/as", "/../lib/lltcov/lltcc.d/as"}, "which lltcc needs", findings);
+    if (!own_file("lltcc").empty()) {
+        check_part("lltcc.d/as", "which lltcc needs", findings);
     }
     const std::string runtime = env_text("LLTCOV_RUNTIME");
     if (!runtime.empty() && QMRFileExists(runtime.c_str()) == 0) {
         findings.add("programs", "LLTCOV_RUNTIME names '" + runtime +
                                      "', which does not exist; unset it or name liblltcov_rt.a");
-    } else if (runtime.empty() && !find_program({program_directory()}, "lltld").empty()) {
-        check_part({"/lib/lltcov/liblltcov_rt.a", "/../runtime/liblltcov_rt.a",
-                    "/../lib/lltcov/liblltcov_rt.a"},
-                   "the coverage runtime", findings);
+    } else if (runtime.empty() && !own_file("lltld").empty()) {
+        check_part("liblltcov_rt.a", "the coverage runtime", findings);
     }
     check_tools({"gcc", "cc", "clang"}, "C compiler", findings);
     check_tools({"binutils", "ar", "gcc-ar", "llvm-ar"}, "archiver", findings);

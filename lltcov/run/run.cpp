@@ -4,6 +4,7 @@
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/message.h"
+#include "commonfunc/own_files.h"
 #include "commonfunc/shell.h"
 #include "contract/names.h"
 #include "contract/project_root.h"
@@ -43,18 +44,6 @@ volatile std::sig_atomic_t command_process = 0;
 void pass_on(int signal)
 {
     ::kill(static_cast<pid_t>(command_process), signal);
-}
-
-/// Beside this program, as it is built, or where it is installed; empty when there is none.
-std::string find_settings()
-{
-    for (const char* place : {"/TUSK_INIT.SH", "/../share/lltwrapper/TUSK_INIT.SH"}) {
-        std::string settings = program_directory() + place;
-        if (QMRFileExists(settings.c_str()) != 0) {
-            return settings;
-        }
-    }
-    return "";
 }
 
 /// The environment's own project, when there is no other wish, else the directory's.
@@ -123,9 +112,9 @@ int run_run(const Arguments& arguments)
     if (line.operands().empty()) {
         throw UsageError("run needs a command after --");
     }
-    const std::string settings = find_settings();
+    const std::string settings = own_file("TUSK_INIT.SH");
     if (settings.empty()) {
-        warn("there is no TUSK_INIT.SH beside '%s' and in its share/lltwrapper; install it again",
+        warn("the installation that '%s' belongs to has no TUSK_INIT.SH; install it again",
              program_directory().c_str());
         return 1;
     }

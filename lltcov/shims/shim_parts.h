@@ -32,8 +32,12 @@ inline constexpr char PLAIN_CASE[] = R"SH([ "$on" != 0 ] || exec "$real" "$@"
 )SH";
 
 inline constexpr char WRAPPED_CASE[] =
-    R"SH(# Behind the others on PATH: drivers of the user's own choice come first.
-export PATH="$PATH:${wrapper%/*}" LLTWRAPPER_EXACT_STATUS="${LLTWRAPPER_EXACT_STATUS:-1}"
+    R"SH(if [ ! -x "$wrapper" ]; then
+    echo "lltwrapper: '$wrapper', which the shim '$0' runs, is gone; write the shims again," \
+        "by lltcov run or lltcov shims of the new place" >&2
+    exit 127
+fi
+export LLTWRAPPER_EXACT_STATUS="${LLTWRAPPER_EXACT_STATUS:-1}"
 project=${qmr_current_prj_path:-}
 project=${project%/*.prj} project=${project%/}
 case $project in

@@ -5,8 +5,8 @@
 #include "toolset/lltcc/stub_role.h"
 
 #include "commonfunc/file_io.h"
+#include "commonfunc/own_files.h"
 #include "contract/names.h"
-#include "toolset/common/own_files.h"
 #include "toolset/counters/counter_text.h"
 
 #include <cerrno>
