@@ -1,4 +1,4 @@
-// Goes through a table of checks and prints what each finds. A check more is a row more.
+// Goes through a table of checks and prints what each finds. Another check is another row.
 #include "lltcov/doctor/doctor.h"
 
 #include "commonfunc/own_files.h"

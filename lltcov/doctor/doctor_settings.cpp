@@ -89,7 +89,7 @@ void check_directory(const std::string& path, const char* what, Findings& findin
     }
 }
 
-/// Another path to the project, of which all that is built then is.
+/// Gives the project a plain path, by which it is then built.
 std::string link_project(const Examined& examined)
 {
     return cured_by("ln -s " + shell_word(project_directory(examined.data.root)) +

@@ -1,5 +1,5 @@
-// Pages are drawn by genhtml, which every system with lcov has; what it cannot know, such as names
-// of functions as they are written, it is told by options.
+// Pages are drawn by genhtml, which every system with lcov has; options tell
+// it what it cannot know, such as how names of functions are written.
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/path_search.h"

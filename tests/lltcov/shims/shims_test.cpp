@@ -1,4 +1,4 @@
-// Shims with recorder tools behind them: which calls go through the wrapper, and with which words.
+// Shims of recorder tools: which calls go through the wrapper, and with which words.
 #include "tests/fixture.h"
 
 #include <filesystem>
@@ -263,7 +263,7 @@ TEST_F(Shims, LaunchersAreLeftOutOfAWrappedBuild)
     EXPECT_EQ(calls, "[ccache][gcc][-c][x.c]\n");
 }
 
-TEST_F(Shims, AreCleanScripts)
+TEST_F(Shims, PassShellcheck)
 {
     if (std::system("PATH=$PATH:/usr/bin command -v shellcheck >/dev/null") != 0) {
         GTEST_SKIP() << "no shellcheck";
