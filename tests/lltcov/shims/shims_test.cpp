@@ -148,6 +148,8 @@ TEST_F(Shims, OnlyCallsThatFillAnArchiveAreWrapped)
            {"ar rcs x.lib x.o", false},
            {"ar rcs lib+.a x.o", false}, // no module name
            {"ar rcs d.e/lib-x_1.a x.o", true},
+           {"ar rcs libx.a x*y.o", false}, // a pattern to the shell
+           {"ar rcs libx.a x#~.o", true},
            {"ar --version", false},
            {"ar -M", false}});
 }
