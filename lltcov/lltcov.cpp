@@ -55,7 +55,7 @@ void print_help(std::FILE* out)
     }
     std::fputs(
         "\n"
-        "SELECTION: [--include PATTERN]... [--exclude PATTERN]... [--no-markers]\n"
+        "SELECTION: [--include PATTERN]... [--exclude PATTERN]... [--no-markers] [--exclude-throw-branches]\n"
         "    [--fail-under-line PERCENT] [--fail-under-branch PERCENT] [--project DIR]\n"
         "The project is the one of --project, else of qmr_current_prj_path, else the current\n"
         "directory or the nearest above it that has .lltcov. Exit status: 0, 1 when something\n"

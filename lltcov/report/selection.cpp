@@ -23,6 +23,7 @@ namespace
 constexpr const char* INCLUDE = "--include";
 constexpr const char* EXCLUDE = "--exclude";
 constexpr const char* NO_MARKS = "--no-markers";
+constexpr const char* NO_THROWS = "--exclude-throw-branches";
 constexpr const char* LEAST_LINES = "--fail-under-line";
 constexpr const char* LEAST_BRANCHES = "--fail-under-branch";
 
@@ -161,6 +162,23 @@ void leave_out(SourceCoverage& source, const ExcludedLines& excluded)
     });
 }
 
+/// Leaves out the branches that only an exception takes; each call that may throw has one.
+void leave_out_throws(SourceCoverage& source)
+{
+    for (auto& line : source.blocks) {
+        for (auto& function : line.second) {
+            std::vector<Branch>& branches = function.second.branches;
+            branches.erase(std::remove_if(branches.begin(), branches.end(),
+                                          [](const Branch& branch) { return branch.is_throw; }),
+                           branches.end());
+        }
+        erase_if(line.second, [](const auto& function) {
+            return function.second.branches.empty() && function.second.conditions.empty();
+        });
+    }
+    erase_if(source.blocks, [](const auto& line) { return line.second.empty(); });
+}
+
 /// False with a message when less than the wanted part was hit.
 bool reaches(const Rate& rate, const char* name, const std::optional<double>& wanted,
              const char* option)
@@ -181,7 +199,7 @@ bool reaches(const Rate& rate, const char* name, const std::optional<double>& wa
 
 std::vector<std::string> with_selection_flags(std::vector<std::string> flags)
 {
-    return joined(std::move(flags), {NO_MARKS});
+    return joined(std::move(flags), {NO_MARKS, NO_THROWS});
 }
 
 std::vector<std::string> with_selection_options(std::vector<std::string> options)
@@ -217,7 +235,7 @@ ExcludedLines excluded_lines(const std::string& text)
 Selection::Selection(const CommandLine& line, std::string directory)
     : directory_(std::move(directory)), included_(patterns_of(line, INCLUDE, directory_)),
       excluded_(patterns_of(line, EXCLUDE, directory_)), heeds_marks_(!line.has(NO_MARKS)),
-      least_lines_(percentage_of(line, LEAST_LINES)),
+      has_throws_(!line.has(NO_THROWS)), least_lines_(percentage_of(line, LEAST_LINES)),
       least_branches_(percentage_of(line, LEAST_BRANCHES))
 {
 }
@@ -230,6 +248,9 @@ void Selection::apply(Coverage& coverage, Findings& findings) const
         }
         if (heeds_marks_) {
             leave_out(source.second, excluded_in(source.first, findings));
+        }
+        if (!has_throws_) {
+            leave_out_throws(source.second);
         }
         return false;
     });

@@ -98,6 +98,8 @@ TEST_F(SelectionOfSources, LeavesOutMarkedLinesWithTheirFunctionsAndBranches)
     for (const std::uint32_t line : {1U, 2U, 3U}) {
         source.blocks[line]["g"].branches = {{1, false, false}};
     }
+    source.blocks[2]["g"].branches.push_back({0, true, false});
+    source.blocks[4]["g"].branches = {{0, true, false}};
     const auto applied = [&](const std::vector<std::string>& words) {
         Coverage coverage = {{dir + "/a.c", source}};
         Findings findings;
@@ -107,8 +109,9 @@ TEST_F(SelectionOfSources, LeavesOutMarkedLinesWithTheirFunctionsAndBranches)
                " " + std::to_string(rates.branches.total) + " " +
                std::to_string(findings.lines().size());
     };
-    EXPECT_EQ(applied({}), "2 1 1 1");
-    EXPECT_EQ(applied({"--no-markers"}), "4 2 3 0");
+    EXPECT_EQ(applied({}), "2 1 2 1");
+    EXPECT_EQ(applied({"--no-markers"}), "4 2 5 0");
+    EXPECT_EQ(applied({"--no-markers", "--exclude-throw-branches"}), "4 2 3 0");
 }
 
 TEST(SelectionRates, AreMissedBelowTheWantedPercentageOnly)
