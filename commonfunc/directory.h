@@ -34,8 +34,8 @@ using Directory = std::unique_ptr<DIR, int (*)(DIR*)>;
 Directory open_directory(const Place& place, int flags = 0);
 
 /// The names in the directory, in byte order, without "." and ".."; a null one, and one that cannot
-/// be read, has none, which is told unless it is missing. All are read before the first is given:
-/// removal would disturb a directory that is being read. `path` is for the message.
+/// be read, has none, which is reported unless it is missing. All are read before the first is
+/// given: removal would disturb a directory that is being read. `path` is for the message.
 std::vector<std::string> names_of(const Directory& directory, const std::string& path);
 
 /// The same of the directory of that path.

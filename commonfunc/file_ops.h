@@ -21,7 +21,7 @@ int QMRCreateDirectory(const char* path);
 int DeleteAllFilesInDirectory(const char* path);
 
 /// Prints what `DeleteAllFilesInDirectory` prints, and removes the same without a shell, which
-/// takes longer to expand thousands of names than their removal does. A warning tells of what
+/// takes longer to expand thousands of names than their removal does. A warning names what
 /// stays.
 void clear_directory_by_itself(const std::string& path);
 

@@ -10,9 +10,9 @@ enum class Writing { done, not_opened, failed };
 
 /// Replaces the content of the file by `text` such that at any instant the old or the new content
 /// is there: a file of a fixed name is written beside and renamed. An existing file keeps its mode,
-/// and its owner where the process may give it that; a line tells where it may not. Where a file
+/// and its owner where the process may give it that; a line says where it may not. Where a file
 /// beside is impossible, because none can be made or the path is no regular file, the file itself
-/// is opened and written. `warn_not_written` tells of anything but `done`; the old content stays
+/// is opened and written. `warn_not_written` reports anything but `done`; the old content stays
 /// unless that writing failed.
 Writing replace_file(const std::string& path, const std::string& text);
 

@@ -226,7 +226,7 @@ bool remove_entry(const Place& place)
     if (::unlinkat(place.directory, place.name(), AT_REMOVEDIR) == 0 || is_gone()) {
         return true;
     }
-    // A directory that still holds something was told of by what it holds.
+    // Why a directory still holds something was reported with what it holds.
     return errno != ENOTEMPTY && failed("remove", place.path);
 }
 

@@ -261,7 +261,7 @@ int write_profile_string(const char* section, const char* key, const char* value
         return 0;
     }
     if (loaded.rest_dropped) {
-        warn("'%s' holds a byte 0xFF or 0x00: what stood behind it is dropped", path);
+        warn("'%s' holds a byte 0xFF or 0x00: what follows it is dropped", path);
     }
     return replace_file(path, text) == Writing::done ? 1 : 0;
 }

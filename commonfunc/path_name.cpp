@@ -99,8 +99,8 @@ std::string identifier_form(const std::string& name)
         } else if (byte < 128) {
             out += std::to_string(byte);
         } else {
-            // Kept: such a byte takes the way of a one-digit number, 48 added to it as a signed
-            // character. Databases of existing projects bear these names.
+            // Kept: such a byte is treated as a one-digit number, 48 added to it as a signed
+            // character. Databases of existing projects have these names.
             out += static_cast<char>((byte + 48) % 256);
         }
     }

@@ -1,5 +1,5 @@
 // One string goes in, one wait status comes out. The shell is given the string as it is; only a
-// string that the kernel would refuse as one argument takes the way through a file, in memory where
+// string that the kernel would refuse as one argument is passed in a file, in memory where
 // /proc is mounted. The promises are those of `system`, which itself would look at each of 64
 // signals for each command, and answers 127 also where no process can be had.
 #include "commonfunc/shell.h"

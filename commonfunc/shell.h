@@ -13,7 +13,7 @@ enum class Flush { none, out, both };
 /// when no process could be started. A command too long for one argument of the kernel (more than
 /// 131,071 bytes) is run by the same shell from a file in memory, or, where /proc is missing, from
 /// a private temporary file; -1 (with a warning) when neither can be written. Handlers of the
-/// program must bear to run in the child, which shares its memory until it is the shell.
+/// program must be safe to run in the child, which shares its memory until it is the shell.
 int run_shell(const std::string& command, Flush flush);
 
 /// `run_shell` with both streams flushed, for the short commands that the program composes itself

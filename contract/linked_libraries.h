@@ -1,6 +1,7 @@
 // The static libraries of a link that have a stub, as they were when they were linked: libraries of
-// one stem share a work area, the last one that is built has it, and the runs of the others are
-// told by the list alone. The link driver writes it into its module's work area, lltcov reads it:
+// one stem share a work area, the last one that is built has it, and only the list
+// identifies the runs of the others. The link driver writes it into its module's work area, lltcov
+// reads it:
 //
 //     lltlibraries 1                     format and its version
 //     library /p/debug/libdemo.a         a library; the lines after it are about it

@@ -33,7 +33,7 @@ bool is_plain_file(const std::string& path)
 }
 
 /// True when a copy by the process itself, which costs a tenth, can differ from that of `cp` in
-/// nothing: neither links are in play, nor a failure that `cp` would tell of.
+/// nothing: neither links are in play, nor a failure that `cp` would report.
 bool copies_plainly(const std::string& source, const std::string& copy)
 {
     const bool may_write =

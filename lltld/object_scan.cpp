@@ -94,7 +94,7 @@ void SymbolCollector::take(const char* piece, std::size_t size)
     }
 }
 
-/// Tells of a file that exists and was not read. A directory is no member.
+/// Reports a file that exists and was not read. A directory is no member.
 void warn_if_not_read(const std::string& path, Reading reading)
 {
     const int error = errno;

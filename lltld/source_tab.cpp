@@ -38,7 +38,7 @@ bool grow(_SOURCEFILE_TAB& table, int size)
     return true;
 }
 
-/// Reads the file into the table. Tells, of what can go wrong, only that there is no memory.
+/// Reads the file into the table. Of all failures, reports only that memory ran out.
 Reading load_table(const char* path, _SOURCEFILE_TAB& table)
 {
     std::size_t bytes = 0;

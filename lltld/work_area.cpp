@@ -24,7 +24,7 @@ namespace
 /// Bytes of the path of db that are used.
 constexpr std::size_t DB_DIR_LENGTH = 319;
 
-/// Tells of a database that another user's step left: it would stay beside the new ones.
+/// Reports a database that another user's step left: it would stay beside the new ones.
 void warn_if_left(const std::string& db)
 {
     for (const std::string& name : names_in(db)) {

@@ -106,7 +106,7 @@ void warn_of_stale_member()
     const auto is_gone = [](const CoverageSymbol& symbol) {
         return QMRFileExists(temp_ini_path(symbol.name.c_str()).c_str()) == 0;
     };
-    // To make an object again where an archive is to blame would not help.
+    // Compiling an object again would not help where an archive is to blame.
     std::stable_partition(vtor_obj.begin(), vtor_obj.end(), begins_as_archive);
     for (const std::string& path : vtor_obj) {
         ScannedObject object;

@@ -1,4 +1,4 @@
-// Arguments and environment in, a decision out. To decide changes and prints nothing.
+// Arguments and environment in, a decision out. Deciding changes and prints nothing.
 //
 // The scan reads the same vector as the rebuild of the command, but by rules of its own: suffix
 // options match in any case, values of other options are looked at like any argument, and "-S" or

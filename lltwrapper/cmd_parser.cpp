@@ -1,4 +1,4 @@
-// One walk over the arguments. Each argument is held against the rows of a table from top to
+// One walk over the arguments. Each argument is compared with the rows of a table from top to
 // bottom; the first row that matches says what is appended to the command and how many arguments
 // are used up. The words of the command are the user's own: they get exactly this treatment.
 //

@@ -37,8 +37,8 @@ constexpr const char* LINK_DRIVERS[] = {
 /// Bytes of a target name that count.
 constexpr std::size_t TARGET_NAME_LENGTH = 255;
 
-/// The target's name: a user's name for a kernel target goes before one for a kernel module, and
-/// both before the module name.
+/// The target's name: a user's name for a kernel target takes precedence over one for a kernel
+/// module, and both over the module name.
 std::string choose_target_name()
 {
     if (!strLinkNameUser.empty()) {

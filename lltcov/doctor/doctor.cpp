@@ -1,6 +1,8 @@
-// Goes through a table of checks and prints what each finds. A check more is a row more.
+// Goes through a table of checks and prints what each finds. Another check is another row.
 #include "lltcov/doctor/doctor.h"
 
+#include "commonfunc/own_files.h"
+#include "commonfunc/shell.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/project.h"
@@ -61,6 +63,17 @@ bool print(const char* name, const Findings& findings)
 
 } // namespace
 
+std::string cured_by(const std::string& command, const std::string& where)
+{
+    return "; " + (where.empty() ? "" : where + ", ") + "type: " + command;
+}
+
+std::string settings_command()
+{
+    const std::string settings = own_file("TUSK_INIT.SH");
+    return ". " + (settings.empty() ? "TUSK_INIT.SH" : shell_word(settings));
+}
+
 int run_doctor(const Arguments& arguments)
 {
     const CommandLine line(arguments, {}, {"--project"});
@@ -73,7 +86,8 @@ int run_doctor(const Arguments& arguments)
         if (line.has("--project")) {
             throw;
         }
-        std::printf("project path: %s; set qmr_current_prj_path\n", error.what());
+        std::printf("project path: %s%s\n", error.what(),
+                    cured_by("unset qmr_current_prj_path && " + settings_command()).c_str());
         return 1;
     }
     Examined examined = {read_modules(root, reading), files_below(project_directory(root))};

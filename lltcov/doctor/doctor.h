@@ -1,5 +1,5 @@
 // The checks of "lltcov doctor". Each adds what it finds to the findings: a line that says what is
-// wrong, where, and how to cure it. They only read.
+// wrong, where, and how to cure it, by a command to type where there is one. They only read.
 #pragma once
 
 #include "lltcov/common/console.h"
@@ -13,6 +13,12 @@ struct Examined {
     ProjectData data;
     std::vector<std::string> files; ///< regular files below the project's directory
 };
+
+/// The end of a finding: "; WHERE, type: COMMAND".
+std::string cured_by(const std::string& command, const std::string& where = "");
+
+/// The command that takes the settings of TUSK_INIT.SH into the shell.
+std::string settings_command();
 
 // --- environment
 

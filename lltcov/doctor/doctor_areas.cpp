@@ -3,6 +3,7 @@
 #include "commonfunc/file_io.h"
 #include "commonfunc/file_tree.h"
 #include "commonfunc/path_name.h"
+#include "commonfunc/shell.h"
 #include "commonfunc/text.h"
 #include "contract/places.h"
 #include "contract/project_root.h"
@@ -32,6 +33,11 @@ namespace
 /// A temporary file that is younger may be in use, in seconds.
 constexpr std::time_t MIN_AGE = 60;
 
+std::string build_again(const std::string& before = "")
+{
+    return cured_by(before + "lltcov run -- make", "with make");
+}
+
 bool holds_symbol(const ScannedObject& object, const std::string& symbol)
 {
     return std::any_of(object.symbols.begin(), object.symbols.end(),
@@ -56,9 +62,10 @@ public:
             findings_.add(
                 "archives without a stub",
                 "'" + path +
-                    "' has instrumented members and no stub: they count only where lltld links them; " +
-                    (fits_identifier(module) ? "make it by one ar through lltwrapper"
-                                             : "its name must be of letters, digits, '_' and '-'"));
+                    "' has instrumented members and no stub: they count only where lltld links them" +
+                    (fits_identifier(module)
+                         ? build_again("rm " + shell_word(path) + " && ")
+                         : "; its name must be of letters, digits, '_' and '-'"));
         }
         const std::size_t hash = std::hash<std::string>()(content);
         const auto [known, is_new] = seen_.emplace(module, Archive{path, hash});
@@ -104,13 +111,11 @@ void check_objects(Examined& examined, Findings& findings)
         const std::string& path = object.record.object;
         ScannedObject scanned;
         if (!scan_object(path, scanned)) {
-            findings.add("objects that are gone",
-                         "'" + path + "' is gone since '" + object.area +
-                             "' was filled; build it again, with the module");
+            findings.add("objects that are gone", "'" + path + "' is gone since '" + object.area +
+                                                      "' was filled" + build_again());
         } else if (!holds_symbol(scanned, object.symbol)) {
-            findings.add("objects compiled anew",
-                         "'" + path + "' was compiled anew since '" + object.area +
-                             "' was filled; build the module again through lltwrapper");
+            findings.add("objects compiled anew", "'" + path + "' was compiled anew since '" +
+                                                      object.area + "' was filled" + build_again());
         }
     }
 }
@@ -122,8 +127,8 @@ void check_archives(Examined& examined, Findings& findings)
     for (const ModuleData& module : examined.data.modules) {
         if (read_whole_file(module.output, content) == Reading::missing) {
             findings.add("modules without output",
-                         "'" + module.output + "' of module " + module.module.name +
-                             " is gone; build it, or forget it by lltcov clean --gone");
+                         "'" + module.output + "' of module " + module.module.name + " is gone" +
+                             cured_by("lltcov clean --gone", "if it stays so"));
         } else if (is_archive(content)) {
             archives.add(module.output, content);
         }
@@ -134,10 +139,10 @@ void check_archives(Examined& examined, Findings& findings)
             archives.add(path, content);
             const std::string place = in_place_of_area(examined.data.root, module_of_archive(path));
             if (!place.empty()) {
-                findings.add(
-                    "taken places",
-                    "'" + place + "' stands where the coverage data of '" + path +
-                        "' would go; set qmr_current_prj_path to a directory of their own, as TUSK_INIT.SH does");
+                findings.add("taken places",
+                             "'" + place + "' stands where the coverage data of '" + path +
+                                 "' would go" +
+                                 cured_by("unset qmr_current_prj_path && " + settings_command()));
             }
         }
     }
@@ -183,7 +188,7 @@ void check_sockets(Examined& examined, Findings& findings)
             findings.add(
                 "sockets",
                 "sockets are on, but nothing declares g_TUSKSockBindPort for the stub of " +
-                    module.module.name + "; set LLT_DISABLE_SOCKET=1, or add -include HEADER");
+                    module.module.name + cured_by("export LLT_DISABLE_SOCKET=1"));
         }
     }
 }
@@ -203,7 +208,8 @@ void check_leftovers(Examined& examined, Findings& findings)
         struct stat info = {};
         if (begins_with(base_name(path), ".lltwrapper-") && ::lstat(path.c_str(), &info) == 0 &&
             std::time(nullptr) - info.st_mtime > MIN_AGE) {
-            findings.add("leftovers", "'" + path + "' is left of an interrupted step; remove it");
+            findings.add("leftovers", "'" + path + "' is left of an interrupted step" +
+                                          cured_by("rm " + shell_word(path)));
         }
     }
 }

@@ -2,6 +2,8 @@
 // word, an unset switch counts as 0.
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
+#include "commonfunc/path_name.h"
+#include "commonfunc/shell.h"
 #include "contract/places.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/project.h"
@@ -19,23 +21,21 @@
 namespace
 {
 
-constexpr const char* SOURCE_IT = "; source the project's TUSK_INIT.SH";
-
 struct Setting {
     const char* name;
-    const char* values; ///< the sound ones, between blanks
+    const char* values; ///< the sound ones, after blanks; the first is that of the settings
     bool is_required;
 };
 
 constexpr Setting SETTINGS[] = {
-    {"qmr_coverage_stub_mold", " 0 1 2 4 5 6 7 8 9 ", true},
-    {"isOverlappedCompile", " 0 1 ", true},
-    {"TimerPolicy", " 0 1 ", true},
-    {"SignalPolicy", " 0 1 ", true},
-    {"LLT_DISABLE_SOCKET", " 0 1 ", true},
-    {"LLT_DISABLE_USRCFG", " 0 1 ", true},
-    {"lltwrapper_cfg", " 0 1 2 3 4 6 7 8 ", false},
-    {"LLTCOV_COUNT", " lines branches conditions ", false},
+    {"qmr_coverage_stub_mold", " 1 0 2 4 5 6 7 8 9", true},
+    {"isOverlappedCompile", " 0 1", true},
+    {"TimerPolicy", " 0 1", true},
+    {"SignalPolicy", " 0 1", true},
+    {"LLT_DISABLE_SOCKET", " 1 0", true},
+    {"LLT_DISABLE_USRCFG", " 1 0", true},
+    {"lltwrapper_cfg", " 0 1 2 3 4 6 7 8", false},
+    {"LLTCOV_COUNT", " branches lines conditions", false},
 };
 
 /// A number that counts when a switch is 1.
@@ -43,11 +43,12 @@ struct Selected {
     const char* by;
     const char* name;
     int largest;
+    const char* usual; ///< that of the settings
 };
 
 constexpr Selected SELECTED[] = {
-    {"TimerPolicy", "TimeInterval", 1000000},
-    {"SignalPolicy", "SignalNUM", 64},
+    {"TimerPolicy", "TimeInterval", 1000000, "60"},
+    {"SignalPolicy", "SignalNUM", 64, "10"},
 };
 
 void check_setting(const Setting& setting, Findings& findings)
@@ -56,11 +57,15 @@ void check_setting(const Setting& setting, Findings& findings)
     const std::string value = env_text(setting.name);
     if (std::getenv(setting.name) == nullptr) {
         if (setting.is_required) {
-            findings.add("settings", name + " is not set" + SOURCE_IT);
+            findings.add("settings", name + " is not set" + cured_by(settings_command()));
         }
-    } else if (std::string(setting.values).find(" " + value + " ") == std::string::npos) {
-        findings.add("settings", name + " is '" + value + "'; set it to one of" + setting.values +
-                                     "and source TUSK_INIT.SH again");
+        return;
+    }
+    const std::string values = setting.values;
+    if ((values + " ").find(" " + value + " ") == std::string::npos) {
+        findings.add("settings", name + " is '" + value + "', not one of" + values +
+                                     cured_by("export " + name + "=" +
+                                              values.substr(1, values.find(' ', 1) - 1)));
     }
 }
 
@@ -71,15 +76,25 @@ bool is_plain(char c)
            std::string("_/.,:=@%+-").find(c) != std::string::npos;
 }
 
-void check_directory(const std::string& path, const char* what, const std::string& cure,
-                     Findings& findings)
+void check_directory(const std::string& path, const char* what, Findings& findings)
 {
+    const std::string named = "'" + path + "', " + what;
     if (QMRPathIsDirectory(path.c_str()) == 0) {
-        findings.add("places", "'" + path + "', " + what + ", is no directory; " + cure);
+        findings.add("places",
+                     named + ", is no directory" + cured_by("mkdir -p " + shell_word(path)));
     } else if (::access(path.c_str(), W_OK | X_OK) != 0) {
-        findings.add("places", "'" + path + "', " + what +
-                                   ", cannot be written; change its owner or permissions");
+        findings.add("places", named + ", cannot be written" +
+                                   cured_by("sudo chown -R \"$(id -un)\" " + shell_word(path) +
+                                            " && chmod -R u+rwX " + shell_word(path)));
     }
+}
+
+/// Gives the project a plain path, by which it is then built.
+std::string link_project(const Examined& examined)
+{
+    return cured_by("ln -s " + shell_word(project_directory(examined.data.root)) +
+                    " ~/project && cd ~/project && unset qmr_current_prj_path && " +
+                    settings_command());
 }
 
 } // namespace
@@ -96,9 +111,8 @@ void check_project_path(Examined& examined, Findings& findings)
 {
     if (has_no_settings()) {
         if (QMRPathIsDirectory(kept_place(examined.data.root, RUN_SHIMS).c_str()) == 0) {
-            findings.add(
-                "paths",
-                "no setting is set; build by lltcov run, or source the project's TUSK_INIT.SH in the project's directory");
+            findings.add("paths", "no setting is set" +
+                                      cured_by("lltcov run -- make", "in the project's directory"));
         }
         return;
     }
@@ -107,19 +121,21 @@ void check_project_path(Examined& examined, Findings& findings)
         findings.add("paths", "qmr_current_prj_path " + what);
     };
     if (path.empty()) {
-        add(std::string("is not set") + SOURCE_IT + " in the project's directory");
+        add("is not set" + cured_by("cd " + shell_word(project_directory(examined.data.root)) +
+                                    " && " + settings_command()));
         return;
     }
     if (path[0] != '/') {
-        add("'" + path +
-            "' is relative: each directory of the build gets work areas of its own; set the absolute path");
+        add("'" + path + "' is relative: each directory of the build gets work areas of its own" +
+            cured_by("export qmr_current_prj_path=" + shell_word(absolute_path(path))));
     }
     if (!std::all_of(path.begin(), path.end(), is_plain)) {
         add("'" + path +
-            "' has a blank or a character that the shell takes for itself: drivers get it cut; move or link the project to a plain path");
+            "' has a blank or a character that the shell takes for itself: drivers get it cut" +
+            link_project(examined));
     }
     if (path.size() > 255) {
-        add("is longer than 255 bytes, the rest does not count; use a shorter path");
+        add("is longer than 255 bytes, the rest does not count" + link_project(examined));
     }
 }
 
@@ -134,19 +150,21 @@ void check_settings(Examined&, Findings& findings)
     for (const Selected& row : SELECTED) {
         const int value = env_int(row.name);
         if (env_int(row.by) == 1 && (value < 1 || value > row.largest)) {
-            findings.add("settings", std::string(row.name) + " is '" + env_text(row.name) +
-                                         "' although " + row.by + " is 1; set it to 1 to " +
-                                         std::to_string(row.largest));
+            findings.add("settings",
+                         std::string(row.name) + " is '" + env_text(row.name) + "' although " +
+                             row.by + " is 1, not 1 to " + std::to_string(row.largest) +
+                             cured_by(std::string("export ") + row.name + "=" + row.usual));
         }
     }
     if (env_int("isOverlappedCompile") == 1 &&
         env_text(env_text("PlatformToken").c_str()).empty()) {
         findings.add("settings", "isOverlappedCompile is 1, but PlatformToken '" +
                                      env_text("PlatformToken") +
-                                     "' names no variable with the platform's name; set both");
+                                     "' names no variable with the platform's name" +
+                                     cured_by("export PlatformToken=PLATFORM PLATFORM=NAME"));
     }
     if (std::getenv("lltcovRootpath") == nullptr) {
-        findings.add("settings", std::string("lltcovRootpath is not set") + SOURCE_IT);
+        findings.add("settings", "lltcovRootpath is not set" + cured_by(settings_command()));
     }
 }
 
@@ -154,12 +172,11 @@ void check_places(Examined& examined, Findings& findings)
 {
     const std::string area = places::temporary_area(examined.data.root);
     const char* const records = "where the compiler driver leaves its records";
-    check_directory(area, records, "source the project's TUSK_INIT.SH", findings);
+    check_directory(area, records, findings);
     for (const char* part : places::FILLED_DIRECTORIES) {
         if (QMRPathIsDirectory(area.c_str()) != 0) {
-            check_directory(area + part, records, "source the project's TUSK_INIT.SH", findings);
+            check_directory(area + part, records, findings);
         }
     }
-    check_directory(dump_root(examined.data.root), "where programs write their counts",
-                    "source the project's TUSK_INIT.SH", findings);
+    check_directory(dump_root(examined.data.root), "where programs write their counts", findings);
 }

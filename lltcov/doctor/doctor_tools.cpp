@@ -5,6 +5,7 @@
 #include "commonfunc/file_tree.h"
 #include "commonfunc/own_files.h"
 #include "commonfunc/path_search.h"
+#include "commonfunc/shell.h"
 #include "lltcov/common/console.h"
 #include "lltcov/common/tool_kind.h"
 #include "lltcov/doctor/doctor.h"
@@ -22,6 +23,16 @@ namespace
 namespace fs = std::filesystem;
 
 using Names = std::vector<std::string>;
+
+std::string install_again()
+{
+    return cured_by("./dev install /usr/local", "in the sources of lltwrapper");
+}
+
+std::string put_first(const std::string& directory, const std::string& where = "")
+{
+    return cured_by("PATH=" + shell_word(directory) + ":$PATH", where);
+}
 
 bool is_wrapping_on()
 {
@@ -55,12 +66,12 @@ void check_own_program(const std::string& name, Findings& findings)
     const std::string beside = own_file(name);
     const std::string on_path = find_program(path_directories(), name);
     if (on_path.empty() && beside.empty()) {
-        findings.add(
-            "programs",
-            name + " is neither on PATH nor installed with lltcov; build and install the tool set");
+        findings.add("programs",
+                     name + " is neither on PATH nor installed with lltcov" + install_again());
     } else if (!on_path.empty() && !beside.empty() && !is_same_file(on_path, beside)) {
-        findings.add("programs", "'" + on_path + "' is used, not '" + beside +
-                                     "'; put its directory first on PATH unless that is meant");
+        findings.add("programs",
+                     "'" + on_path + "' is used, not '" + beside + "'" +
+                         put_first(beside.substr(0, beside.rfind('/')), "unless that is meant"));
     }
 }
 
@@ -69,8 +80,7 @@ void check_part(const std::string& name, const std::string& what, Findings& find
 {
     if (own_file(name).empty()) {
         findings.add("programs", "'" + name + "', " + what + ", is missing where '" +
-                                     program_directory() +
-                                     "' has its parts; build and install the tool set");
+                                     program_directory() + "' has its parts" + install_again());
     }
 }
 
@@ -81,7 +91,8 @@ void check_tools(const Names& names, const char* what, Findings& findings)
             return;
         }
     }
-    findings.add("programs", std::string("no ") + what + " is on PATH; install " + names[0]);
+    findings.add("programs", std::string("no ") + what + " is on PATH" +
+                                 cured_by("apt-get install " + names[0], "on Debian"));
 }
 
 /// What is run instead of a shim that comes later on PATH.
@@ -92,9 +103,9 @@ void check_order(const Names& shims, Findings& findings)
             const std::string first = find_program(path_directories(), name);
             if (!tool_of_shim(directory + "/" + name).empty() && !first.empty() &&
                 tool_of_shim(first).empty()) {
-                findings.add("tools before their shims",
-                             "'" + first + "' stands before its shim on PATH; put '" + directory +
-                                 "' first");
+                findings.add("tools before their shims", "'" + first +
+                                                             "' stands before its shim on PATH" +
+                                                             put_first(directory));
             }
         }
     }
@@ -107,7 +118,8 @@ void check_shim_tools(const std::string& directory, Findings& findings)
         if (!tool.empty() && !is_program(tool)) {
             findings.add("shims without a tool",
                          "'" + directory + "/" + name + "' stands for '" + tool +
-                             "', which is gone; remove it or run lltcov shims again");
+                             "', which is gone" +
+                             cured_by("rm " + shell_word(directory + "/" + name)));
         }
     }
 }
@@ -127,8 +139,8 @@ void check_programs(Examined&, Findings& findings)
     }
     const std::string runtime = env_text("LLTCOV_RUNTIME");
     if (!runtime.empty() && QMRFileExists(runtime.c_str()) == 0) {
-        findings.add("programs", "LLTCOV_RUNTIME names '" + runtime +
-                                     "', which does not exist; unset it or name liblltcov_rt.a");
+        findings.add("programs", "LLTCOV_RUNTIME names '" + runtime + "', which does not exist" +
+                                     cured_by("unset LLTCOV_RUNTIME"));
     } else if (runtime.empty() && !own_file("lltld").empty()) {
         check_part("liblltcov_rt.a", "the coverage runtime", findings);
     }
@@ -141,17 +153,15 @@ void check_shims(Examined&, Findings& findings)
     const Names shims = shim_directories();
     if (shims.empty()) {
         if (is_wrapping_on()) {
-            findings.add(
-                "shims",
-                "LLT_WRAP is on, but no shims are on PATH; run lltcov shims DIR and put DIR first on PATH");
+            findings.add("shims", "LLT_WRAP is on, but no shims are on PATH" +
+                                      cured_by("lltcov shims ~/shims && PATH=~/shims:$PATH"));
         }
         return;
     }
     if (!is_wrapping_on()) {
-        findings.add(
-            "shims",
-            "'" + shims[0] +
-                "' is on PATH, but LLT_WRAP is off: nothing is wrapped; set LLT_WRAP=1 for the build");
+        findings.add("shims", "'" + shims[0] +
+                                  "' is on PATH, but LLT_WRAP is off: nothing is wrapped" +
+                                  cured_by("export LLT_WRAP=1", "for the build"));
     }
     check_order(shims, findings);
     for (const std::string& directory : shims) {

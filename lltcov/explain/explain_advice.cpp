@@ -194,8 +194,8 @@ void advise_on_live(std::size_t i, const ShellWord& word, Advice& advice)
     }
 }
 
-/// Words of the wrapped command that none of its arguments is: what stands in no argument so was
-/// cut or stripped by the shell.
+/// Words of the wrapped command that equal none of its arguments: the shell has cut or stripped
+/// those.
 void advise_on_words(const ExplainedStep& step, Advice& advice)
 {
     const std::string stub = std::string("/") + STUB_PREFIX;

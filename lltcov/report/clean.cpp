@@ -1,7 +1,7 @@
 // Removes only what the tool set wrote: dumps whose work area is in the project, work areas, and
-// LLTTEMP. Nothing is removed through a link, for it may lead out of the project. A clean that was
-// killed is gone on with by the next: work areas leave their places at once, by a rename, and
-// LLTTEMP, which tells that here is a project, goes last.
+// LLTTEMP. Nothing is removed through a link, for it may lead out of the project. The next clean
+// finishes one that was killed: work areas are first moved away as a whole, by a rename, and
+// LLTTEMP, which marks the project, goes last.
 #include "lltcov/report/clean.h"
 
 #include "commonfunc/file_tree.h"

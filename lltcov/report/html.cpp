@@ -1,8 +1,9 @@
-// Pages are drawn by genhtml, which every system with lcov has; what it cannot know, such as names
-// of functions as they are written, it is told by options.
+// Pages are drawn by genhtml, which every system with lcov has; options tell
+// it what it cannot know, such as how names of functions are written.
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/path_search.h"
+#include "commonfunc/text.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
 #include "lltcov/common/console.h"
@@ -16,6 +17,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -33,13 +35,25 @@ std::string directory_of(const CommandLine& line)
     return absolute_path(directory);
 }
 
+/// True when a name is one of C++, as the assembler has it.
+bool has_mangled_names(const Coverage& coverage)
+{
+    return std::any_of(coverage.begin(), coverage.end(), [](const auto& source) {
+        const auto& functions = source.second.functions;
+        return std::any_of(functions.begin(), functions.end(),
+                           [](const auto& function) { return begins_with(function.first, "_Z"); });
+    });
+}
+
 /// The call that draws the report's pages.
 std::vector<std::string> drawing_of(const Report& report, const std::string& directory)
 {
-    std::vector<std::string> words = {
-        "genhtml",  "--quiet",   "--title",        base_name(report.root),
-        "--prefix", report.root, "--demangle-cpp", "--legend",
-        "-o",       directory};
+    std::vector<std::string> words = {"genhtml",  "--quiet",   "--title",  base_name(report.root),
+                                      "--prefix", report.root, "--legend", "-o",
+                                      directory};
+    if (has_mangled_names(report.coverage)) { // it starts a program for each source then
+        words.emplace_back("--demangle-cpp");
+    }
     if (report.counting >= Counting::branches) {
         words.emplace_back("--branch-coverage");
     }

@@ -21,7 +21,7 @@ std::string rate_lines(const char* found, const char* hit, const Rate& rate)
            "\n";
 }
 
-/// A test's name of letters, digits and "_": readers of tracefiles take no others.
+/// A test's name of letters, digits and "_": readers of tracefiles accept no others.
 std::string plain_name(std::string name)
 {
     for (char& c : name) {

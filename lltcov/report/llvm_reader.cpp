@@ -1,5 +1,5 @@
 // Part N is the files N.proftext (counters as text), N.profdata (as the reader wants them) and
-// N.objects (its command line). A part that fails is told of and left out.
+// N.objects (its command line). A part that fails is reported and left out.
 #include "lltcov/report/llvm_reader.h"
 
 #include "commonfunc/file_ops.h"
@@ -166,10 +166,11 @@ private:
     {
         const std::string errors = directory_.read(part.name + ".err");
         const std::string said = errors.empty() ? "no result" : errors.substr(0, errors.find('\n'));
-        findings_.add("unread objects",
-                      "'" + part.objects[0]->record->object +
-                          (part.objects.size() > 1 ? "' and others are" : "' is") + " left out: '" +
-                          program + "' fails: " + said + "; build it again through lltwrapper");
+        findings_.add(
+            "unread objects",
+            "'" + part.objects[0]->record->object +
+                (part.objects.size() > 1 ? "' and others are left out: '" : "' is left out: '") +
+                program + "' fails: " + said + "; build it again through lltwrapper");
     }
 
     std::vector<Part>& parts_;
@@ -184,7 +185,8 @@ private:
 
 std::string profile_text(const ObjectReadings& objects)
 {
-    // A first line in plain characters: what begins with others is taken for another format.
+    // A first line in plain characters: one with other characters would be taken for another
+    // format.
     std::string text = "# counts\n";
     for (const ObjectReading* object : objects) {
         for (const RecordedFunction& function : object->record->functions) {

@@ -1,5 +1,5 @@
-// Where the sources are that a compiler recorded: relative paths, and such whose beginning it was
-// told to record otherwise.
+// Where the sources are that a compiler recorded: relative paths, and paths whose prefix it was
+// told to replace.
 #pragma once
 
 #include "contract/record.h"

@@ -60,7 +60,7 @@ private:
     std::vector<std::string> included_; ///< patterns; none: all
     std::vector<std::string> excluded_;
     bool heeds_marks_ = true;
-    bool has_throws_ = true; ///< branches that only an exception takes
+    bool has_throws_ = true;            ///< branches that only an exception takes
     std::optional<double> least_lines_; ///< percent
     std::optional<double> least_branches_;
     mutable std::map<std::string, ExcludedLines> marks_; ///< of the sources that were read

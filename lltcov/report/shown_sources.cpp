@@ -1,4 +1,4 @@
-// Objects of clang are read one by one to know their sources, and those of which all is shown once
+// Objects of clang are read one by one to know their sources, and those that are shown in full once
 // more together. The source's record holds size and time of the text that was compiled. Headers
 // have no record: one that is newer than the compilation counts as changed.
 #include "lltcov/report/shown_sources.h"

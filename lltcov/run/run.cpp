@@ -63,7 +63,8 @@ Place place_of(const CommandLine& line)
     return {directory, is_set ? root : directory + "/" OWN_DIRECTORY};
 }
 
-/// Ctrl-C reaches the command as well, which decides what it means; another's signal is passed on.
+/// Ctrl-C reaches the command as well, which decides what it means; a signal from elsewhere is
+/// passed on.
 void hand_signals_over()
 {
     for (const int signal : {SIGINT, SIGQUIT}) {

@@ -219,8 +219,12 @@ for word; do
     esac
     option=''
 done
-# The wrapper looks for the archive's name in the command that it has escaped.
 [ -n "$operation" ] || exec "$real" "$@"
+# A member must stand as it is for the wrapper to find it: the shell would take these names apart.
+for word; do
+    case $word in [\#\~]* | *[\$\&\;\|\'\`\*\?\[\\]*) exec "$real" "$@" ;; esac
+done
+# The wrapper looks for the archive's name in the command that it has escaped.
 case $archive in
     '' | *[!A-Za-z0-9_@%+=:,./^-]*) exec "$real" "$@" ;;
 esac

@@ -1,11 +1,11 @@
-// The text of a shim: a shell script in the place of a tool.
+// The text of a shim: a shell script that stands in for a tool.
 #pragma once
 
 #include "lltcov/common/tool_kind.h"
 
 #include <string>
 
-/// The script in the place of the tool with the absolute path `real`. While "LLT_WRAP" is unset,
+/// The script that stands in for the tool with the absolute path `real`. While "LLT_WRAP" is unset,
 /// empty or 0 it becomes the tool; else it goes through `wrapper` (absolute path) where the call
 /// compiles, links or fills an archive; a launcher is left out then. It starts no process of its
 /// own.

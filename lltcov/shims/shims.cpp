@@ -98,9 +98,12 @@ std::map<std::string, std::string> write_shims(const std::string& directory)
     std::filesystem::create_directories(directory);
     const std::string wrapper = find_wrapper();
     auto tools = tools_on_path();
-    if (wrapper.empty() || tools.empty()) {
-        warn("no %s", wrapper.empty() ? "lltwrapper beside lltcov and on PATH; install it"
-                                      : "compiler on PATH; set PATH");
+    if (wrapper.empty()) {
+        warn("no lltwrapper beside lltcov and on PATH; install it");
+        return {};
+    }
+    if (tools.empty()) {
+        warn("no compiler on PATH; set PATH");
         return {};
     }
     // All or none: a directory of other programs shall not get some of the shims.

@@ -14,7 +14,7 @@ namespace
 
 void nothing(int /*signal*/) {}
 
-/// The lines of a process's state that tell of blocked and ignored signals.
+/// The lines of a process's state about blocked and ignored signals.
 std::string signals_of(const std::string& state)
 {
     const std::size_t begin = state.find("SigBlk:");

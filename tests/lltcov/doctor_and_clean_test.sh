@@ -1,7 +1,7 @@
 #!/bin/bash
 # lltcov doctor and lltcov clean on a small project that is built through shims: a sound project is
 # called so, each fault is found alone, and clean removes what the build and the runs left.
-# shellcheck disable=SC2016 # texts that are evaluated later
+# shellcheck disable=SC2016,SC2317 # texts that are evaluated later, and what they call
 # shellcheck source=tests/common.sh
 . "$(dirname "$0")/../common.sh"
 set -e
@@ -9,6 +9,12 @@ said=$work/out
 
 # status COMMAND...: its exit status; what it says is in $said
 status() { "$@" >"$said" 2>&1 && echo 0 || echo $?; }
+
+# cure: does what the doctor says
+cure() {
+    expect "there is a cure in '$(cat "$said")'" yes "$(grep -q '; .*type: ' "$said" && echo yes)"
+    eval "$(sed -n 's/.*type: //p' "$said")"
+}
 
 # finds TEXT BREAK [MEND]: after BREAK, the doctor's only findings have TEXT (a pattern)
 finds() {
@@ -20,11 +26,11 @@ finds() {
     expect "'${3:-}' mends '$2'" 0 "$(status lltcov doctor)"
 }
 
-# sets TEXT NAME VALUE: the same for a variable
-sets() { finds "$1" "was=\$$2 && export $2=$3" "export $2=\"\$was\""; }
+# sets TEXT NAME VALUE: the same for a variable, which the doctor cures
+sets() { finds "$1" "was=\$$2 && export $2=$3" "cure && $2=\"\$was\""; }
 
 # --- a sound project
-mkdir project other
+mkdir project other home
 cd project
 echo 'int twice(int a) { return a + a; }' >twice.c
 echo 'int twice(int); int main(void) { return twice(21) != 42; }' >main.c
@@ -43,35 +49,36 @@ expect 'a sound project' 0 "$(status lltcov doctor)"
 expect 'is called so' 'nothing found: 2 modules' "$(grep -o '^nothing found: 2 modules' "$said")"
 
 # --- settings
-finds 'TimerPolicy is not set; source' 'unset TimerPolicy' 'export TimerPolicy=0'
-sets "settings: TimerPolicy is '2'; set it to one of 0 1" TimerPolicy 2
+finds 'TimerPolicy is not set; type: ' 'unset TimerPolicy' cure
+sets "settings: TimerPolicy is '2', not one of 0 1; type: export TimerPolicy=0" TimerPolicy 2
 sets "settings: qmr_coverage_stub_mold is '10'" qmr_coverage_stub_mold 10
 sets "settings: qmr_coverage_stub_mold is '3'" qmr_coverage_stub_mold 3 # its stubs declare nothing
 finds "TimeInterval is '0' although TimerPolicy is 1" 'TimerPolicy=1 TimeInterval=0' \
-    'TimerPolicy=0 TimeInterval=60'
-finds "SignalNUM is '65'" 'SignalPolicy=1 SignalNUM=65' 'SignalPolicy=0 SignalNUM=10'
+    'cure && TimerPolicy=0'
+finds "SignalNUM is '65'" 'SignalPolicy=1 SignalNUM=65' 'cure && SignalPolicy=0'
 sets "settings: lltwrapper_cfg is '5'" lltwrapper_cfg 5
-sets "settings: LLTCOV_COUNT is 'all'; set it to one of lines branches conditions" LLTCOV_COUNT all
+sets "settings: LLTCOV_COUNT is 'all', not one of branches lines conditions" LLTCOV_COUNT all
 sets "project path: qmr_current_prj_path '.' is relative" qmr_current_prj_path .
 ln -s "$work/project" "$work/a b"
-sets 'project path: .* has a blank' qmr_current_prj_path "'$work/a b'"
-sets "project path: .*gone' does not exist" qmr_current_prj_path "$work/gone"
-finds 'sockets: .*g_TUSKSockBindPort for the stub of libtwice' 'LLT_DISABLE_SOCKET=0' \
-    'LLT_DISABLE_SOCKET=1'
+export HOME=$work/home
+finds 'project path: .* has a blank' "qmr_current_prj_path='$work/a b'" \
+    'cure && lltcov doctor >"$said" && rm -r .lltcov "$HOME/project" && cd "$work/project" && enter_project "$PWD"'
+finds "project path: .*gone' does not exist" 'export qmr_current_prj_path=$work/gone' \
+    'cure && lltcov doctor >"$said" && rm -r .lltcov && enter_project "$PWD"'
+finds 'sockets: .*g_TUSKSockBindPort for the stub of libtwice' 'LLT_DISABLE_SOCKET=0' cure
 finds "places: '.*nowhere', where programs write" 'lltcovRootpath=$work/nowhere' \
-    'lltcovRootpath=$PWD/llt_result'
+    'cure && lltcovRootpath=$PWD/llt_result'
 
 # --- tools
-finds "shims: '.*shims' is on PATH, but LLT_WRAP is off" 'LLT_WRAP=0' 'LLT_WRAP=1'
+finds "shims: '.*shims' is on PATH, but LLT_WRAP is off" 'LLT_WRAP=0' cure
 finds "shims: '/[^']*gcc' stands before its shim" 'was=$PATH && PATH=$work/other:$PATH &&
-    ln -s "$(sed -n "s/^real=\([^ ]*\) .*/\1/p" "$work/shims/gcc")" "$work/other/gcc"' 'PATH=$was && rm "$work/other/gcc"'
+    ln -s "$(sed -n "s/^real=\([^ ]*\) .*/\1/p" "$work/shims/gcc")" "$work/other/gcc"' 'cure && lltcov doctor >"$said" && PATH=$was && rm "$work/other/gcc"'
 finds "shims: '.*odd-elf-gnu-gcc' stands for .*'/nowhere/gcc', which is gone" \
     'sed "s|^# Shim of lltcov: [^,]*|# Shim of lltcov: /nowhere/gcc|" "$work/shims/gcc" \
-        >"$work/shims/odd-elf-gnu-gcc"' 'rm "$work/shims/odd-elf-gnu-gcc"'
+        >"$work/shims/odd-elf-gnu-gcc"' cure
 finds "programs: '.*other/lltcc' is used, not" 'was=$PATH && PATH=$work/other:$PATH &&
-    cp "$work/shims/gcc" "$work/other/lltcc"' 'PATH=$was'
-finds "programs: LLTCOV_RUNTIME names '/nowhere'" 'export LLTCOV_RUNTIME=/nowhere' \
-    'unset LLTCOV_RUNTIME'
+    cp "$work/shims/gcc" "$work/other/lltcc"' 'cure && lltcov doctor >"$said" && PATH=$was'
+finds "programs: LLTCOV_RUNTIME names '/nowhere'" 'export LLTCOV_RUNTIME=/nowhere' cure
 
 # --- what the build left
 records=LLTTEMP/codemeasure
@@ -96,7 +103,7 @@ finds "modules: .*libtwice/codemeasure/db/.tab' is missing or damaged\|dumps: .*
 dump=$(echo llt_result/libtwice.*)
 finds "dumps: .*$dump" "cp $dump saved && echo x >$dump" "mv saved $dump"
 finds "leftovers: '.*/.lltwrapper-aB3dE6'" 'mkdir sub.d && touch -d "1 hour ago" sub.d/.lltwrapper-aB3dE6' \
-    'rm -r sub.d'
+    'cure && rmdir sub.d'
 
 # --- clean
 # cleans WORDS TEXT: lltcov clean WORDS prints TEXT last

@@ -70,7 +70,7 @@ export isOverlappedCompile=0
 mkdir keep && : >keep/mine && cp -r foo_exe/codemeasure keep && rm foo && mkdir foo_exe_2
 expect 'a directory with more in it stays' '1 keep/mine' "$(gcc main.o foo.a -o keep >"$said" 2>&1; echo $? keep/mi*)"
 rm -rf keep* foo_exe && : >foo_exe
-expect 'a file in the place of a program' "0 '$PWD/foo_exe' stands where the work area of 'foo'" \
+expect 'a file where a program would be' "0 '$PWD/foo_exe' stands where the work area of 'foo'" \
     "$(gcc main.o lib.o -o foo 2>"$said" >"$work/out"; echo $? "$(grep -o "'[^']*' stands .* of 'foo'" "$said")")"
 expect 'another name is taken' 'foo_exe_2 2/2 total 2/2' "$(lltcov clean >/dev/null; ./foo; hits)"
 

@@ -38,7 +38,7 @@ inline std::string word(std::uint64_t value)
     return std::string(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
-/// The lines of a dump that tell of its sources, and the counts of one run.
+/// The lines of a dump about its sources, and the counts of one run.
 inline std::string source_lines(const std::string& symbol, const Counters& counters)
 {
     const std::string bytes = std::to_string(counters.size() * 8);

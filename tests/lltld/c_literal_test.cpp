@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(CLiteral, HoldsAnyText)
+TEST(CLiteral, EscapesTextForCAndJsonAndFormats)
 {
     const struct {
         const char* what;

@@ -13,6 +13,7 @@ needs ccache
 make_tree() {
     mkdir "$work/tree"
     cp -r "$root/commonfunc" "$work/tree"
+    rm "$work/tree/commonfunc/own_files.cpp" # it needs what its own build defines
     cd "$work/tree" || exit
     cat >main.cpp <<'C'
 #include "commonfunc/text.h"

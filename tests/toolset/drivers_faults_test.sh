@@ -61,7 +61,7 @@ expect 'which is said' 'lltld: records of 3000 counter arrays are gone in all' "
 
 # --- no room for records, no tools
 chmod -R u+w LLTTEMP && mv LLTTEMP away && : >LLTTEMP
-expect 'a file in the place of records' '0 0' "$(compile; echo $? "$(counted twice.o)")"
+expect 'a file where records would be' '0 0' "$(compile; echo $? "$(counted twice.o)")"
 expect 'is said once' 1 "$(grep -c "^lltcc: compiled without coverage: cannot create '$PWD/LLTTEMP" "$said")"
 rm LLTTEMP && mv away LLTTEMP
 expect 'no compiler' '127 lltcc:' "$(compiler=/nowhere/gcc; compile; echo $? "$(grep -o '^lltcc:' "$said" | head -1)")"

@@ -162,7 +162,7 @@ link libgone gcc -shared other.o libbye.a -Wl,-u,beta -o libgone.so
 check_row goes "1 1" "" "gcc main.o ./libgone.so -o goes"
 expect "late destructors count" "1 1" "$(counts libbye bye)"
 
-# The functions that the compiler puts in the place of fork and exec are there without a runtime, too.
+# The functions that the compiler puts in place of fork and exec are there without a runtime, too.
 cat > execs.c <<'C'
 #include <sys/wait.h>
 #include <unistd.h>

@@ -92,7 +92,7 @@ rm -rf root
 for how in 1 6 2; do LLTCOV_ROOT=root ./static flags $how; done
 expect "what joins by or" "3 0 7 8" "$(words root/program-m.* | tail -n 4 | xargs)"
 
-# Which names the compiler puts in the place of those functions is told by the compiler.
+# Which names the compiler puts in place of those functions is told by the compiler.
 cat > replaced.c <<'C'
 #include <unistd.h>
 int main(int n, char** v)

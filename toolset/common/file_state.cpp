@@ -1,5 +1,5 @@
 // States are compared as texts, and are the same only on the machine and file system that made
-// them: a copied tree is looked at as a changed one.
+// them: a copied tree counts as a changed one.
 #include "toolset/common/file_state.h"
 
 #include "commonfunc/file_io.h"

@@ -1,5 +1,5 @@
 // What a program reads and writes goes through files without names: unlike pipes they need no
-// second process or thread, and nothing stays behind when a build is stopped.
+// second process or thread, and nothing is left when a build is stopped.
 #include "toolset/common/process.h"
 
 #include "commonfunc/env.h"

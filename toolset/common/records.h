@@ -8,14 +8,14 @@
 #include <string_view>
 #include <vector>
 
-/// A C identifier of at most 31 characters: the source's name, cut to 14, and a number that is
-/// another one as soon as one of the texts is.
+/// A C identifier of at most 31 characters: the source's name, cut to 14, and a number that
+/// changes with any of the texts.
 std::string symbol_of(const std::string& source, const std::vector<std::string>& texts);
 
 /// The records in the object's section; none when it has no section, or one that is damaged.
 std::vector<Record> records_of(std::string_view object);
 
-/// Whether the source is known to be what was compiled; after a restored record it is held against
+/// Whether the source is known to be what was compiled; after a restored record it is compared with
 /// the time of the object.
 enum class SourceState { as_compiled, unknown };
 

@@ -1,4 +1,4 @@
-// One file for all turns, of which each locks a byte: nothing is left behind for each of them, and
+// One file for all turns, of which each locks a byte: no file is left for each of them, and
 // a lock ends with its process.
 #include "toolset/common/turn_lock.h"
 

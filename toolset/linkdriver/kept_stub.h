@@ -9,8 +9,8 @@
 
 /// The stub in the module's work area, and what it is made of: the command and its inputs, the
 /// files that compiles have left for the sources of these objects, the settings, and this program,
-/// all as they are now. Inputs without coverage count too: runs of a program that another one takes
-/// the place of are told by the build id, which the stub holds.
+/// all as they are now. Inputs without coverage count too: runs of a program that another one
+/// replaces are told apart by the build id, which the stub holds.
 class KeptStub
 {
 public:

@@ -1,4 +1,4 @@
-// Linker scripts may stand in the place of a library: "INPUT(b.o -lm)", "GROUP ( libb.a )", with
+// A linker script may stand in for a library: "INPUT(b.o -lm)", "GROUP ( libb.a )", with
 // AS_NEEDED ( ... ) inside. Words are separated by white space or commas; see "Commands Dealing
 // with Files" in the manual of GNU ld.
 #include "toolset/linkdriver/link_file.h"

@@ -25,7 +25,7 @@ bool choose_work_area(const std::string& wanted, const std::string& output,
 void make_room_for_output(const std::string& project, const std::string& output);
 
 /// Lists the libraries in the work area: a later build of another library of the same name takes
-/// their work areas, and their runs are told by this list alone.
+/// their work areas, and only this list identifies their runs.
 void record_libraries(const std::vector<LinkedLibrary>& libraries);
 
 /// Brings the work area up to date with these objects and assembles the stub that registers their

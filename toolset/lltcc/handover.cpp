@@ -81,7 +81,7 @@ HandedOver handed_over()
 {
     HandedOver out;
     if (!is_within_compile()) {
-        throw std::runtime_error("this is lltcc in the place of an assembler: only lltcc calls it");
+        throw std::runtime_error("this is lltcc in place of an assembler: only lltcc calls it");
     }
     out.begun = read_records(env_text(RECORD)).at(0);
     out.notes = env_text(NOTES) + "0";

@@ -5,7 +5,7 @@
  *
  * Where the dumps go: the directory of the environment variable LLTCOV_ROOT when that is set and
  * not empty; else the root that the stub names; else "llt_result" beside the module's work area.
- * It is created when it is missing. What a dump file holds is written in FORMATS.md.
+ * It is created when it is missing. What a dump file holds is described in lltwrapper-formats(5).
  *
  * The runtime prints nothing and leaves exit statuses alone. Only when counts are lost, because no
  * dump file can be written, one line of the process on standard error says so, and none if the

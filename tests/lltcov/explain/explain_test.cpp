@@ -1,5 +1,5 @@
-// The built lltcov asked about commands; the words that it finds held against those of a shell, and
-// its forwarded commands against those of the built lltwrapper.
+// The built lltcov asked about commands; the words that it finds compared with those of a shell,
+// and its forwarded commands against those of the built lltwrapper.
 #include "lltcov/explain/explain_words.h"
 #include "tests/lltld/work_area.h"
 

@@ -36,7 +36,7 @@ std::string without_time(std::string text)
 
 } // namespace
 
-TEST(ReportFormats, Lcov)
+TEST(ReportFormats, LcovHasLinesFunctionsBranchesAndConditions)
 {
     EXPECT_EQ(as_lcov(sample()), "TN:\nSF:/p/s/a.cpp\nFN:3,_Z1fi\nFNDA:2,_Z1fi\nFNF:1\nFNH:1\n"
                                  "BRDA:3,0,0,2\nBRDA:3,0,1,0\nBRDA:3,1,0,-\nBRF:3\nBRH:1\n"
@@ -72,7 +72,7 @@ TEST(ReportFormats, LcovHasASectionForEachTestAndNumbersBlocksAlikeInAll)
                                "DA:4,2\nLF:1\nLH:1\nend_of_record\n");
 }
 
-TEST(ReportFormats, Json)
+TEST(ReportFormats, JsonOfLinesHasNoBranches)
 {
     EXPECT_EQ(as_json(sample_of_lines()),
               R"text({"format": "lltcov", "version": 1, "project": "/p",
@@ -102,7 +102,7 @@ TEST(ReportFormats, JsonOfBranchesAndConditions)
     }
 }
 
-TEST(ReportFormats, Cobertura)
+TEST(ReportFormats, CoberturaHasPathsInTheProjectAndRates)
 {
     EXPECT_EQ(without_time(as_cobertura(sample())), R"text(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE coverage SYSTEM "http://cobertura.sourceforge.net/xml/coverage-04.dtd">
@@ -128,7 +128,7 @@ TEST(ReportFormats, Cobertura)
 )text");
 }
 
-TEST(ReportText, HoldsAnyBytes)
+TEST(ReportText, ReplacesBytesThatJsonAndXmlCannotHold)
 {
     const struct {
         std::string text, json, xml;

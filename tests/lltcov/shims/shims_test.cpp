@@ -1,4 +1,4 @@
-// Shims with recorder tools behind them: which calls go through the wrapper, and with which words.
+// Shims of recorder tools: which calls go through the wrapper, and with which words.
 #include "tests/fixture.h"
 
 #include <filesystem>
@@ -148,6 +148,8 @@ TEST_F(Shims, OnlyCallsThatFillAnArchiveAreWrapped)
            {"ar rcs x.lib x.o", false},
            {"ar rcs lib+.a x.o", false}, // no module name
            {"ar rcs d.e/lib-x_1.a x.o", true},
+           {"ar rcs libx.a x*y.o", false}, // a pattern to the shell
+           {"ar rcs libx.a x#~.o", true},
            {"ar --version", false},
            {"ar -M", false}});
 }
@@ -263,7 +265,7 @@ TEST_F(Shims, LaunchersAreLeftOutOfAWrappedBuild)
     EXPECT_EQ(calls, "[ccache][gcc][-c][x.c]\n");
 }
 
-TEST_F(Shims, AreCleanScripts)
+TEST_F(Shims, PassShellcheck)
 {
     if (std::system("PATH=$PATH:/usr/bin command -v shellcheck >/dev/null") != 0) {
         GTEST_SKIP() << "no shellcheck";
