@@ -18,9 +18,8 @@
  * What counts:
  *   - exit        dumped by the stub's destructor and once more, if counts have changed since,
  *                 after the last destructor of the program
- *   - _exit, _Exit   with LLTCOV_ENDS=calls or =all in the environment, dumped before, when called in
- *                 what is linked with coverage; a program that has shut itself in (seccomp) may be
- *                 killed for it
+ *   - _exit, _Exit   with LLTCOV_ENDS=calls or =all in the environment, dumped before, when called
+ * in what is linked with coverage; a program that has shut itself in (seccomp) may be killed for it
  *   - quick_exit  likewise, after the handlers of the program
  *   - abort, a fatal signal   dumped with LLTCOV_ENDS=all in the environment, unless the program
  *                 handles the signal itself; then it ends the process as without, with the same
