@@ -17,3 +17,8 @@ std::string own_file(const std::string& name)
     }
     return "";
 }
+
+std::string installed_drivers()
+{
+    return program_directory() + "/" LLT_DRIVERS_FROM_BIN;
+}

@@ -21,14 +21,12 @@ constexpr int NOT_FOUND = 127;
 
 void put_drivers_on_path()
 {
-    const std::string driver = own_file("lltcc");
     const std::string path = env_text("PATH");
-    const std::string directory = driver.substr(0, driver.find_last_of('/'));
-    if (driver.empty() || path.empty() ||
-        (":" + path + ":").find(":" + directory + ":") != path.npos) {
-        return;
+    const std::string directory = installed_drivers();
+    if (!path.empty() && (":" + path + ":").find(":" + directory + ":") == path.npos &&
+        is_program(directory + "/lltcc")) {
+        ::setenv("PATH", (path + ":" + directory).c_str(), 1);
     }
-    ::setenv("PATH", (path + ":" + directory).c_str(), 1);
 }
 
 void warn_of_missing_driver(const std::string& command, int status)

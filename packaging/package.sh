@@ -27,9 +27,9 @@ logged() {
 }
 logged cmake -S "$root" --preset package -B "$build"
 logged cmake --build "$build" -j "$(nproc)"
-(cd "$build" && logged cpack -B "$packages/work")
-mv "$packages"/work/lltwrapper[-_]* "$packages"
-rm -rf "$packages/work"
+(cd "$build" && logged cpack -B "$packages/made")
+mv "$packages"/made/lltwrapper[-_]* "$packages"
+rm -rf "$packages/made"
 ls -1 "$packages"/lltwrapper*
 
 # lintian's own warning about root is none of the packages'.
