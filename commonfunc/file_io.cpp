@@ -124,6 +124,11 @@ const char* why_not_read()
     return errno != 0 ? std::strerror(errno) : "it is no regular file, or became shorter meanwhile";
 }
 
+bool means_absent(int error)
+{
+    return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == ELOOP;
+}
+
 Reading read_in_pieces(const std::string& path, const TakePiece& take, std::size_t piece_size)
 {
     Opened file;

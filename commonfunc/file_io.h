@@ -25,6 +25,9 @@ Reading read_file_into(const std::string& path, const RoomFor& room);
 /// The reason that `errno` gives after such a reading, as text.
 const char* why_not_read();
 
+/// True for the errors that say that there can be no such file; after others there may be one.
+bool means_absent(int error);
+
 /// What takes a piece of a file; false when it wants no more.
 using TakePiece = std::function<bool(const char* piece, std::size_t size)>;
 

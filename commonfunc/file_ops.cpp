@@ -3,12 +3,14 @@
 // "rm -rf" would name a parent directory.
 #include "commonfunc/file_ops.h"
 
+#include "commonfunc/file_io.h"
 #include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -43,7 +45,15 @@ int QMRFileExists(const char* path)
 int QMRPathIsDirectory(const char* path)
 {
     struct stat info = {};
-    return ::stat(path, &info) == 0 && S_ISDIR(info.st_mode) ? 1 : 0;
+    if (::stat(path, &info) == 0) {
+        return S_ISDIR(info.st_mode) ? 1 : 0;
+    }
+    if (!means_absent(errno)) {
+        warn(
+            "cannot look at '%s': %s; it is taken for no directory, mend that and run the step again",
+            path, std::strerror(errno));
+    }
+    return 0;
 }
 
 int QMRCreateDirectory(const char* path)

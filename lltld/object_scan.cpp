@@ -98,10 +98,8 @@ void SymbolCollector::take(const char* piece, std::size_t size)
 void warn_if_not_read(const std::string& path, Reading reading)
 {
     const int error = errno;
-    const bool is_absent =
-        error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == ELOOP;
     const bool is_silent = reading == Reading::done || reading == Reading::empty ||
-                           (reading == Reading::missing && is_absent) ||
+                           (reading == Reading::missing && means_absent(error)) ||
                            (reading == Reading::failed && error == EISDIR);
     if (!is_silent) {
         warn(

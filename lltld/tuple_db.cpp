@@ -15,6 +15,7 @@
 #include "lltld/inst_file_list.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -68,21 +69,18 @@ int ReadOldInstInfoFromDb(const char* path, std::vector<_STInstInfo>& out, InstT
         }
         return true;
     };
-    switch (read_in_pieces(path, take, PIECE_SIZE)) {
-    case Reading::missing:
-    case Reading::empty:
+    const Reading reading = read_in_pieces(path, take, PIECE_SIZE);
+    if (reading == Reading::empty || (reading == Reading::missing && means_absent(errno))) {
         return 1;
-    case Reading::not_opened:
-        std::printf("fopen '%s' error, in FUNCTION 'ReadOldInstInfoFromDb'\n", path);
-        return 0;
-    case Reading::no_memory:
-    case Reading::failed:
+    }
+    if (reading != Reading::done) {
         warn("'%s' is not read: %s; data of superseded sources stay in '%s'", path, why_not_read(),
              g_lxprj->szLLTTEMP);
+        if (reading == Reading::not_opened) {
+            std::printf("fopen '%s' error, in FUNCTION 'ReadOldInstInfoFromDb'\n", path);
+        }
         out.resize(before);
         return 0;
-    case Reading::done:
-        break;
     }
     if (size % RECORD_SIZE != 0) {
         warn("'%s' is cut after %zu bytes; data of superseded sources may stay in '%s'", path, size,

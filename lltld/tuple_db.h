@@ -19,7 +19,7 @@ using InstTexts = std::deque<std::string>;
 
 /// Appends every record of the file to `out`, and its texts to `texts`; an incomplete last record
 /// is filled up with zeros. Returns 1, also when there is no file, or 0, with nothing appended to
-/// `out`, when it cannot be read (a message tells when it cannot be opened).
+/// `out`, when it cannot be read (a warning says why).
 int ReadOldInstInfoFromDb(const char* path, std::vector<_STInstInfo>& out, InstTexts& texts);
 
 /// Writes the file anew from `instFileList`. Returns 1, or 0 when it cannot be opened. On any
