@@ -9,7 +9,6 @@
 set -e
 # shellcheck source=tests/toolset/against_gcov.sh
 . "$root/tests/toolset/against_gcov.sh"
-toolset=$root/toolset
 
 # name, prefix of the tools, program that runs the code, stub modes, options
 targets() {
@@ -30,16 +29,6 @@ can_build() {
     [ -z "$2" ] || command -v "${2%% *}" >"$work/why"
 }
 
-# make_runtime PREFIX OPTIONS: the coverage runtime of a target
-make_runtime() {
-    rm -rf "$LLTCOV_RUNTIME"
-    mkdir "$LLTCOV_RUNTIME"
-    cd "$LLTCOV_RUNTIME" || return
-    # shellcheck disable=SC2086 # several options
-    "$1gcc" $2 -std=c99 -D_GNU_SOURCE -O2 -fPIC -fvisibility=hidden -Wall -Wextra -Werror \
-        -I"$toolset/.." -c "$toolset"/runtime/*.c && "$1ar" rcs liblltcov_rt.a ./*.o
-}
-
 # The program through which hello_test.sh runs hello stands beside it.
 hello_commands() {
     # shellcheck disable=SC2016 # variables of the build
@@ -51,7 +40,8 @@ hello_commands() {
 # test_target NAME PREFIX EMULATOR MODES OPTIONS
 test_target() {
     export emulator=${3:+$3 -L /usr/${2%-}} flags qmr_coverage_stub_mold
-    make_runtime "$2" "$5" || return
+    # shellcheck disable=SC2086 # several options
+    "$root/packaging/runtime.sh" "$LLTCOV_RUNTIME/liblltcov_rt.a" "$2" $5 -Wall -Wextra -Werror || return
     for flags in '-O0 -g' '-O2 -g'; do
         with_gcov "$work/source" "$(hello_commands)" "$2" "$5" || return
         for qmr_coverage_stub_mold in ${4//,/ }; do

@@ -32,15 +32,18 @@ namespace
 /// Set for everything that is run from here: the tool may call a wrapped linker itself.
 constexpr char GUARD[] = "LLTLD_RUNS";
 
-/// The static runtime: `LLTCOV_RUNTIME` (the file or its directory), or that of the target that the
-/// tool's name begins with, or of this machine, as installed or in a build tree. Empty when it is
-/// not found.
-std::string find_runtime(const std::string& tool)
+/// The static runtime: `LLTCOV_RUNTIME` (the file or its directory), or that of "-m32", or of the
+/// target that the tool's name begins with, or of this machine, as installed or in a build tree.
+/// Empty when it is not found.
+std::string find_runtime(const Words& command)
 {
     const std::string file = "liblltcov_rt.a";
     const std::string named = env_text("LLTCOV_RUNTIME");
     Words candidates = {named, named + "/" + file};
-    const std::string name = tool.substr(tool.rfind('/') + 1);
+    if (std::find(command.begin(), command.end(), "-m32") != command.end()) {
+        candidates.push_back(own_file("m32/" + file));
+    }
+    const std::string name = command[0].substr(command[0].rfind('/') + 1);
     for (std::size_t end = name.rfind('-'); end != name.npos && end > 0;
          end = name.rfind('-', end - 1)) {
         candidates.push_back(own_file(name.substr(0, end) + "/" + file));
@@ -178,7 +181,7 @@ int link_module(const LinkCommand& link, LinkCoverage& coverage, const std::stri
     if (!link.has_c_library) {
         return link_without_coverage(link, coverage, true, "the runtime needs a C library (-lc)");
     }
-    const std::string runtime = find_runtime(link.words[0]);
+    const std::string runtime = find_runtime(link.words);
     if (runtime.empty()) {
         return link_without_coverage(link, coverage, true,
                                      "liblltcov_rt.a is not found, set LLTCOV_RUNTIME");
