@@ -80,8 +80,10 @@ int run_program(const Words& words, const Streams& streams)
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
     std::vector<Redirection> redirections;
+    int error = 0;
     const auto redirect = [&](int target, const std::string& text, std::string* result) {
         redirections.push_back({target, anonymous_file(text), result});
+        error = redirections.back().file < 0 ? errno : error;
         ::posix_spawn_file_actions_adddup2(&actions, redirections.back().file, target);
     };
     if (streams.input != nullptr) {
@@ -99,8 +101,10 @@ int run_program(const Words& words, const Streams& streams)
     const ChangedEnvironment environment(streams.environment);
     pid_t child = 0;
     int status = -1;
-    const int error = ::posix_spawnp(&child, words[0].c_str(), &actions, nullptr,
-                                     pointers(words).data(), environment.variables());
+    if (error == 0) { // else it would read and write what this program does
+        error = ::posix_spawnp(&child, words[0].c_str(), &actions, nullptr, pointers(words).data(),
+                               environment.variables());
+    }
     while (error == 0 && ::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     for (const Redirection& one : redirections) {
