@@ -78,6 +78,9 @@ private:
         } else if (key == "assembler") {
             record_.assembler.emplace_back(lines_.rest_of_line());
         } else if (key == "array") {
+            if (!record_.functions.empty()) {
+                lines_.fail("the size of the array stands after counters in it");
+            }
             record_.array_bytes = number("size of the array", MAX_BYTES);
             record_.or_bytes = number("size of its end", record_.array_bytes);
         } else if (key == "version") {

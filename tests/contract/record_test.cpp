@@ -122,6 +122,8 @@ TEST(Record, ThatIsNotSoundIsRefused)
         {"counters within others", changed("counters 8 2 24", "counters 8 2 20"),
          "not in the array"},
         {"counters without a function", changed("function 1 2 3 f\n", ""), "of no function"},
+        {"a smaller array after them",
+         changed("counters 8 2 24\n", "counters 8 2 24\narray 16 0\n"), "after counters"},
         {"an end beyond the array", changed("array 40 16", "array 40 48"), "size of its end"},
         {"half a counter", changed("array 40 16", "array 41 16"), "whole counters"},
         {"half a map", changed("map /re=al=/recorded", "map /real"), "no '='"},
