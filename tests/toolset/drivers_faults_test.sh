@@ -48,6 +48,18 @@ line=$'line\nend.c' && cp twice.c "$line"
 expect 'a line end' '0 0' "$(compile "$line"; echo $? "$(counted twice.o)")"
 expect 'is said' 'lltcc: compiled without coverage: a word of the command holds a line end' "$(cat "$said")"
 
+# --- where programs are looked for: a compile that finds our assembler where it looks for the compiler's own
+mkdir other
+printf '%s\n' '#!/bin/sh' "env | grep -c LLTCC_RECORD >'$work/handed'" 'exec as "$@"' >other/as && chmod +x other/as
+works "another assembler" 'compile twice.c twice.o "-B$work/p/other" && join'
+handed=$(cat "$work/handed")
+expect "is no part of the compile" 0 "$handed"
+if [ "$handed" = 0 ]; then # else it would start itself for ever
+    works "ours by -B" 'compile twice.c twice.o "-B$programs/lltcc.d" && join'
+    works "ours by PATH" 'PATH=$programs/lltcc.d:$PATH compile && join'
+fi
+expect "ours, plain compile" 0 "$(PATH=$programs/lltcc.d:$PATH $compiler -c twice.c -o twice.o; echo $?)"
+
 # --- options of the assembler, and what it alone takes
 expect "a listing is the compile's" $'2\n0' "$({ compile main.c main.o -v -Wa,-alh && compile twice.c twice.o -v -Wa,-alh; } | grep -c 'LISTING.*page 1$'; join; grep -c 'LISTING\|version' "$work/out" "$said" | grep -vc ':0$')"
 : >f.s

@@ -4,6 +4,8 @@
 #include "toolset/lltcc/assembler.h"
 
 #include "commonfunc/file_io.h"
+#include "commonfunc/file_ops.h"
+#include "commonfunc/path_search.h"
 #include "commonfunc/text.h"
 #include "contract/names.h"
 #include "contract/record.h"
@@ -12,10 +14,14 @@
 #include "toolset/counters/counter_text.h"
 #include "toolset/lltcc/handover.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <fcntl.h>
+#include <filesystem>
+#include <stdexcept>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -145,4 +151,18 @@ int run_assembler(const Words& arguments)
         }
         return 0; // of a failure the compiler would tell, before it is clear that it is one
     }
+}
+
+void run_next_assembler(char** argv)
+{
+    const std::string own = program_directory() + "/lltcc.d/as";
+    const auto is_own = [&](const std::string& directory) {
+        std::error_code unused;
+        return std::filesystem::equivalent(directory + "/as", own, unused);
+    };
+    const std::vector<std::string> all = path_directories();
+    const auto after = std::find_if(all.rbegin(), all.rend(), is_own).base();
+    const std::string next = find_program({after, all.end()}, "as");
+    ::execv(next.c_str(), argv);
+    throw std::runtime_error("there is no assembler after lltcc's own on PATH");
 }

@@ -42,5 +42,6 @@ struct HandedOver {
 /// True when a compile has called this process: it was handed something.
 bool is_within_compile();
 
-/// What this process was handed; throws `std::runtime_error` when it was called by something else.
+/// What this process was handed, within a compile; once, as programs that it starts are not handed
+/// it.
 HandedOver handed_over();

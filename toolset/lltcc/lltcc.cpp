@@ -6,6 +6,7 @@
 #include "toolset/common/process.h"
 #include "toolset/lltcc/assembler.h"
 #include "toolset/lltcc/driver.h"
+#include "toolset/lltcc/handover.h"
 #include "toolset/lltcc/stub_role.h"
 
 #include <exception>
@@ -20,6 +21,9 @@ int main(int argc, char** argv)
     try {
         const Words arguments(argv + 1, argv + argc);
         if (base_name(argv[0]) == "as") {
+            if (!is_within_compile()) {
+                run_next_assembler(argv);
+            }
             return run_assembler(arguments);
         }
         if (argc > 2 && arguments[0] == STUB_ROLE) {
