@@ -18,6 +18,7 @@
 #include "toolset/linkdriver/lost_records.h"
 #include "toolset/linkdriver/module_stub.h"
 #include "toolset/linkdriver/plain_functions.h"
+#include "toolset/linkdriver/plain_object.h"
 #include "toolset/linkdriver/source_step.h"
 
 #include <algorithm>
@@ -151,6 +152,11 @@ int link_with_coverage(const LinkCommand& link, const LinkCoverage& coverage,
         }
     }
     if (link_plainly(link, coverage, unseen) == 0) {
+        // A linker that was killed has not refused, and make would keep the output.
+        if (run_program(with_runtime(link, coverage, stub, runtime), unseen) == 0) {
+            return 0;
+        }
+        link_plainly(link, coverage, unseen);
         notice(
             "'%s' is linked all the same, but reports no coverage: it does not link with the runtime '%s', see above",
             link.output.c_str(), runtime.c_str());
@@ -160,10 +166,10 @@ int link_with_coverage(const LinkCommand& link, const LinkCoverage& coverage,
 }
 
 /// The link when no stub or runtime can be had.
-int link_without_coverage(const LinkCommand& link, const LinkCoverage& coverage, bool has_area,
+int link_without_coverage(const LinkCommand& link, const LinkCoverage& coverage, bool has_settings,
                           const char* reason)
 {
-    if (has_area && link_plainly(link, coverage) == 0) {
+    if (has_settings && link_plainly(link, coverage) == 0) {
         notice("'%s' reports no coverage: %s", link.output.c_str(), reason);
         return 0;
     }
@@ -176,7 +182,7 @@ int link_without_coverage(const LinkCommand& link, const LinkCoverage& coverage,
 int link_module(const LinkCommand& link, LinkCoverage& coverage, const std::string& name)
 {
     if (name.empty() || !choose_work_area(name, link.output, coverage.modules)) {
-        return link_without_coverage(link, coverage, false, "its work area cannot be created");
+        return link_without_coverage(link, coverage, true, "its work area cannot be created");
     }
     if (!link.has_c_library) {
         return link_without_coverage(link, coverage, true, "the runtime needs a C library (-lc)");

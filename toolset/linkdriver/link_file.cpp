@@ -54,7 +54,11 @@ void tell_if_not_read(const std::string& path, Reading reading)
 FileKind kind_of(const std::string& path)
 {
     struct stat status = {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (::stat(path.c_str(), &status) != 0) {
+        tell_if_not_read(path, means_absent(errno) ? Reading::missing : Reading::not_opened);
+        return FileKind::missing;
+    }
+    if (!S_ISREG(status.st_mode)) {
         return FileKind::missing;
     }
     char start[ELF_TYPE + 2] = {};

@@ -9,11 +9,9 @@
 #include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
-#include "commonfunc/shell.h"
 #include "commonfunc/text.h"
 #include "commonfunc/text_lines.h"
 #include "contract/linked_libraries.h"
-#include "contract/names.h"
 #include "contract/places.h"
 #include "contract/project_root.h"
 #include "contract/record.h"
@@ -28,12 +26,11 @@
 #include "lltld/work_area.h"
 #include "toolset/common/file_state.h"
 #include "toolset/common/process.h"
-#include "toolset/counters/counter_text.h"
 #include "toolset/linkdriver/kept_stub.h"
 #include "toolset/linkdriver/module_table.h"
+#include "toolset/linkdriver/plain_object.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <iterator>
@@ -45,8 +42,6 @@ namespace
 /// Work areas of one name that are looked at.
 constexpr int MAX_AREAS = 1000;
 
-/// The file without suffix that defines arrays for a link without coverage, in obj/ of a work area.
-constexpr char PLAIN_ARRAYS[] = "plain_arrays";
 /// Bytes of a module name that are used.
 constexpr std::size_t NAME_LENGTH = 200;
 
@@ -84,13 +79,6 @@ void empty_work_area()
     remove_entries(area + "/ini", "");
 }
 
-/// Position-independent, for it may go into a shared library; kernel code cannot be. It runs once.
-std::string stub_options(const std::string& command)
-{
-    const bool is_kernel = command.find("-mcmodel=kernel") != command.npos;
-    return std::string(is_kernel ? "" : " -fPIC") + " -O0 -g0 -fno-lto -w";
-}
-
 /// The assembler of the objects, as the first source's record has it.
 Words assembler_of_module()
 {
@@ -126,23 +114,6 @@ std::string assemble_table()
     Words command = assembler_of_module();
     command.insert(command.end(), {"-o", object});
     return !text.empty() && run_program(command, {&text}) == 0 ? object : "";
-}
-
-/// The definition of a symbol's counter array, as bytes; empty when its size is not known. 8 bytes
-/// per point are enough in every stub mode.
-std::string plain_array(const std::string& symbol)
-{
-    _SOURCEFILE_TAB table;
-    std::string line;
-    if (QMRFileExists(temp_tab_path(symbol.c_str()).c_str()) != 0 &&
-        GetOneSourceFileTabInfo2(temp_tab_path(symbol.c_str()).c_str(), &table) != 0 &&
-        table.elementcount > 0) {
-        const std::int64_t bytes = std::max(table.objlist->instnum, 1) * std::int64_t{8};
-        line = "__attribute__((weak, aligned(" + std::to_string(ARRAY_ALIGNMENT) +
-               "))) char " ARRAY_PREFIX + symbol + "[" + std::to_string(bytes) + "];\n";
-    }
-    release_table(table);
-    return line;
 }
 
 } // namespace
@@ -222,7 +193,7 @@ std::string make_stub(const LinkCommand& link, const std::vector<ScannedObject>&
     kept.forget();
     const std::size_t warnings = warnings_printed();
     empty_work_area();
-    remove_entries(std::string(g_lxprj->szCovDictPath) + "/obj", PLAIN_ARRAYS);
+    remove_entries(std::string(g_lxprj->szCovDictPath) + "/obj", PLAIN_OBJECT);
     if (register_scanned_objects(objects) == 0 || !update_tuple_database() ||
         TidyCoverageDB() == 0) {
         return "";
@@ -233,37 +204,4 @@ std::string make_stub(const LinkCommand& link, const std::vector<ScannedObject>&
         kept.keep();
     }
     return stub;
-}
-
-std::string make_plain_object(const std::vector<ScannedObject>& objects,
-                              const std::string& functions)
-{
-    std::string source = functions;
-    for (const ScannedObject& object : objects) {
-        for (const CoverageSymbol& symbol : object.symbols) {
-            const std::string line = plain_array(symbol.name);
-            if (line.empty()) {
-                notice(
-                    "'%s' needs a counter array of unknown size: its record '%s' is gone; compile it again",
-                    object.path.c_str(), temp_tab_path(symbol.name.c_str()).c_str());
-                return "";
-            }
-            if (source.find(line) == source.npos) {
-                source += line;
-            }
-        }
-    }
-    const std::string path = std::string(g_lxprj->szCovDictPath) + "/obj/" + PLAIN_ARRAYS;
-    if (replace_file(path + ".c", source) != Writing::done) {
-        return "";
-    }
-    // The recorded command may be what is wrong.
-    for (const std::string& command : {g_lxprj->strCompileCmd, std::string("cc")}) {
-        if (!command.empty() &&
-            run_helper(command + stub_options(command) + " -c " + shell_word(path + ".c") + " -o " +
-                       shell_word(path + ".o")) == 0) {
-            return path + ".o";
-        }
-    }
-    return "";
 }

@@ -32,9 +32,3 @@ void record_libraries(const std::vector<LinkedLibrary>& libraries);
 /// counters; nothing is done where the last link has left both as they would be. Returns the stub
 /// object, or an empty path after the library's messages.
 std::string make_stub(const LinkCommand& link, const std::vector<ScannedObject>& objects);
-
-/// An object of the counter arrays of these objects and of `functions`, a text that takes the
-/// runtime's place, so that a link succeeds where the runtime cannot be. Needs the work area.
-/// Returns its path, or an empty path when a size is not known or it does not compile.
-std::string make_plain_object(const std::vector<ScannedObject>& objects,
-                              const std::string& functions);

@@ -146,21 +146,6 @@ void leave_records_of(const Compilation& compilation, const Record& begun)
     }
 }
 
-/// The compile without instrumentation after one with it has failed. What the compiler has to say
-/// was said already, unless the assembler role stood in its way.
-int compile_plainly(const Words& command, const std::string& source, const std::string& trouble)
-{
-    std::string errors;
-    const int status = run_program(command, {nullptr, nullptr, &errors});
-    if (status == 0) {
-        notice("compiled without coverage: %s: %s",
-               trouble.empty() ? "the compiler refuses to count" : trouble.c_str(), source.c_str());
-    } else if (!trouble.empty()) {
-        std::fputs(errors.c_str(), stderr);
-    }
-    return status;
-}
-
 /// What the compiler is not to count: what the user has named, and its own headers where that
 /// changes no count of other files. When it optimises, functions of those headers hold lines of the
 /// user's, which it has put into them before it places the counters.
@@ -174,13 +159,13 @@ std::string uncounted(const Compilation& compilation)
 /// Runs the compile that counts and leaves its records; its status, and in `trouble` why it must be
 /// repeated without counting: objects without records could not be linked.
 int compile_counting(const Compilation& compilation, const CompileInput& input,
-                     std::string& trouble)
+                     std::string& trouble, std::string* errors = nullptr)
 {
     try {
         const Record begun = begun_record(compilation, input);
         const Handover handover(begun, uncounted(compilation));
         const int status = run_program(instrumented(compilation, input),
-                                       {nullptr, nullptr, nullptr, handover.environment()});
+                                       {nullptr, nullptr, errors, handover.environment()});
         trouble = handover.trouble();
         if (status == 0 && trouble.empty()) {
             leave_records_of(compilation, begun);
@@ -190,6 +175,32 @@ int compile_counting(const Compilation& compilation, const CompileInput& input,
         trouble = error.what();
         return 1;
     }
+}
+
+/// The compile after one that counts has failed. What the compiler has to say was said already,
+/// unless the assembler role stood in its way.
+int compile_plainly(const Compilation& compilation, const CompileInput& input, const Words& plain,
+                    std::string trouble)
+{
+    std::string errors;
+    int status = run_program(plain, {nullptr, nullptr, &errors});
+    if (status == 0 && trouble.empty()) {
+        // A compiler that was killed has not refused, and make would keep the object.
+        std::string errors_again;
+        if (compile_counting(compilation, input, trouble, &errors_again) == 0 && trouble.empty()) {
+            std::fputs(errors_again.c_str(), stderr);
+            return 0;
+        }
+        status = run_program(plain, {nullptr, nullptr, &errors});
+    }
+    if (status == 0) {
+        notice("compiled without coverage: %s: %s",
+               trouble.empty() ? "the compiler refuses to count" : trouble.c_str(),
+               input.path.c_str());
+    } else if (!trouble.empty()) {
+        std::fputs(errors.c_str(), stderr);
+    }
+    return status;
 }
 
 /// `plain` is the same compile as it was wrapped.
@@ -206,7 +217,7 @@ int compile_input(const Compilation& compilation, const CompileInput& input, con
     }
     std::string trouble;
     const int status = compile_counting(compilation, input, trouble);
-    return status != 0 || !trouble.empty() ? compile_plainly(plain, input.path, trouble) : 0;
+    return status == 0 && trouble.empty() ? 0 : compile_plainly(compilation, input, plain, trouble);
 }
 
 /// Why the sources cannot be instrumented; empty when they can.
