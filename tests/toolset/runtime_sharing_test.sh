@@ -1,5 +1,7 @@
 #!/bin/bash
 # The files that many processes share: at once, while some are killed or stopped, and damaged ones.
+# usage: runtime_sharing_test.sh PROGRAMS      RUNS in the environment: how many, 64 at a time
+runs=${RUNS:-3000}
 # shellcheck source=tests/toolset/runtime_fixture.sh
 . "$(dirname "$0")/runtime_fixture.sh"
 build static "$exec_part" "$binaries/liblltcov_rt.a" -ldl -pthread
@@ -13,8 +15,8 @@ slot() { echo "root/program-m.Q1.$hash.$1.lltcov"; }
 
 # many at once
 rm -rf root
-seq 3000 | xargs -P 64 -n 1 ./static exit
-expect "64 at once" "0=3000 of 3000" "$(sums program-m)"
+seq "$runs" | xargs -P 64 -n 1 ./static exit
+expect "64 at once" "0=$runs of $runs" "$(sums program-m)"
 expect "in few files" yes "$([ "$(files)" -le 16 ] && echo yes)"
 expect "with one beside each" "$(files)" "$(files '.*.tmp')"
 
