@@ -62,53 +62,80 @@ needs_project() {
 }
 )SH";
 
-/// Sets `step` when the call compiles or links, `rewrite` when a word cannot stand as it is.
+/// Sets `step` when the call compiles or links, `rewrite` when a word cannot stand as it is. A link
+/// of objects is never left to the real tool: those that count need what the wrapper adds.
 inline constexpr char SCAN_COMPILER[] = R"SH(
 case $PWD/ in
     */CMakeFiles/CMakeScratch/* | */CMakeFiles/CMakeTmp/* | */CMakeFiles/_CMakeLTOTest-* | \
         */CMakeFiles/*/CompilerId* | */meson-private/*) exec "$real" "$@" ;;
 esac
-step='' input='' list='' rewrite='' option=''
+step='' trial='' input='' objects='' lists='' rewrite='' option=''
 for word; do
-    case $option$word in
-        # Its output is read, it makes no code, or a configure step tries something.
-        - | -E | -S | -M | -MM | -fsyntax-only | -'###' | --version | --help* | --target-help | \
-            -print-* | --print-* | -dumpmachine | -dumpversion | -dumpfullversion | -dumpspecs | \
-            c-header | c++-header | -xc-header | -xc++-header | /dev/* | \
-            conftest.* | *meson-private/*) exec "$real" "$@" ;;
-        -c | -o) step=yes ;;
-        -o*) step=yes rewrite=yes ;;
-        -Xlinker?*) rewrite=yes ;;
-        @*) list=${word#@} ;;
-        *.[cCioa] | *.cc | *.cp | *.cxx | *.cpp | *.CPP | *.c++ | *.ii) input=yes ;;
+    case $option in
+        '')
+            case $word in
+                # Its output is read, or it makes no code.
+                -E | -S | -M | -MM | -fsyntax-only | -'###' | --version | --help* | \
+                    --target-help | -print-* | --print-* | -dumpmachine | -dumpversion | \
+                    -dumpfullversion | -dumpspecs | -xc-header | -xc++-header) exec "$real" "$@" ;;
+                # A configure step tries something.
+                /dev/* | -o/dev/* | conftest.* | *meson-private/*) trial=yes ;;
+                -) trial=${trial:-stdin} ;;
+                -c) step=-c ;;
+                -o) step=${step:--o} ;;
+                -o*) step=${step:--o} rewrite=yes ;;
+                @*) lists=yes ;;
+                *.[oa]) objects=yes input=yes ;;
+                *.[cCi] | *.cc | *.cp | *.cxx | *.cpp | *.CPP | *.c++ | *.ii) input=yes ;;
+            esac
+            ;;
+        -o) case $word in /dev/* | conftest.* | *meson-private/*) trial=yes ;; esac ;;
+        -x) case $word in c-header | c++-header) exec "$real" "$@" ;; esac ;;
+        -Xlinker) rewrite=yes ;;
     esac
-    case $word in
-        -Xlinker) option=$word ;;
-        '' | *[!A-Za-z0-9_@%+=:,./^-]*) option='' rewrite=yes ;;
+    case $option$word in
+        -o | -x | -MF | -MT | -MQ | -include | -imacros | -Xlinker) option=$word ;;
         *) option='' ;;
     esac
+    case $word in '' | *[!A-Za-z0-9_@%+=:,./^-]*) rewrite=yes ;; esac
 done
+if [ -n "$trial" ] && { [ -z "$objects" ] || [ "$step" = -c ]; }; then
+    [ "$trial" = yes ] || run_plainly 'its source comes from standard input' "$@"
+    exec "$real" "$@"
+fi
 
-# The wrapper looks for -c and -o in the command only, not in a response file.
-if [ -z "$step" ] && [ -r "$list" ]; then
+# scan_list FILE: a response file and those that it names
+scan_list() {
+    [ -r "$1" ] && [ "$files" != .................... ] || return 0
+    files=$files.
+    # shellcheck disable=SC2013 # words it is
+    for word in $(cat "$1"); do
+        word=${word#[\"\']} word=${word%[\"\']}
+        case $option$word in
+            -E | -S | -M | -MM | -fsyntax-only) step=none ;;
+            -c) step=${step%-o} step=${step:--c} ;;
+            -o?*) output=${word#-o} ;;
+            @*) scan_list "${word#@}" ;;
+            *.[cCioa] | *.cc | *.cp | *.cxx | *.cpp | *.CPP | *.c++ | *.ii) input=yes ;;
+        esac
+        case $option$word in -o) option=-o ;; *) option='' ;; esac
+    done
+}
+# The wrapper looks for -c and -o in the command only.
+if [ -n "$lists" ] && [ "$step" != -c ]; then
     set -f
-    output='' option=''
-    while read -r line || [ -n "$line" ]; do
-        for word in $line; do
-            case $option$word in
-                -E | -S | -M | -MM) exec "$real" "$@" ;;
-                -c) step=-c ;;
-                -o?*) output=${word#-o} ;;
-            esac
-            case $word in -o) option=$word ;; *) option='' ;; esac
-        done
-    done <"$list"
+    output='' files='' option=''
+    for word; do
+        case $word in @*) scan_list "${word#@}" ;; esac
+    done
     case $step$output in
+        none*) exec "$real" "$@" ;;
         -c*) set -- "$@" -c ;;
-        *[\"\'\\]*) exec "$real" "$@" ;;
+        -o*) ;;
+        # The last one counts: this one only names the link for the wrapper.
         ?*)
-            set -- "$@" -o "$output"
-            step=-o
+            step=-o output=${output%%[!A-Za-z0-9_@%+=:,./^-]*}
+            set -- -o "${output:-a.out}" "$@"
             ;;
     esac
 fi
@@ -136,6 +163,10 @@ done
 )SH";
 
 inline constexpr char RUN_STEP[] = R"SH(needs_project "$@"
+# Up to its first dot the name of such an output is empty, and nothing would be linked.
+for word; do
+    case ${word##*/} in .[!.]* | -o.[!.]*) export LLTLD_AVOID_SAME_NAME=1 ;; esac
+done
 # escape WORD WHERE: $word, such that the wrapper's shell makes WORD of it
 escape() {
     word='' rest=$1

@@ -88,6 +88,9 @@ TEST_F(Shims, OnlyStepsThatMakeCodeAreWrapped)
     write_file("link.rsp", "x.o -oapp");
     write_file("output.rsp", "x.o -o\n app");
     write_file("quoted.rsp", "x.o -o 'a\\ b'");
+    write_file("words.rsp", "\"x.o\" '-o' \"app\"");
+    write_file("nested.rsp", "'@link.rsp' @nested.rsp");
+    write_file("asks.rsp", "-c -E");
     check({{"gcc -c x.c", true},
            {"g++ -O2 -MMD -MF x.d x.o -o x", true},
            {"clang-14 -c x.c -o x.o", true},
@@ -96,10 +99,14 @@ TEST_F(Shims, OnlyStepsThatMakeCodeAreWrapped)
            {"gcc x.o -Xlinker -E -o x", true, "gcc x.o -Wl,-E -o x"},
            {"gcc x.o -Xlinker -rpath,a -o x", true},
            {"gcc @compile.rsp", true, "gcc @compile.rsp -c"},
-           {"gcc @link.rsp", true, "gcc @link.rsp -o app"},
-           {"gcc @output.rsp", true, "gcc @output.rsp -o app"},
+           {"gcc @link.rsp", true, "gcc -o app @link.rsp"},
+           {"gcc @output.rsp", true, "gcc -o app @output.rsp"},
            {"gcc @link.rsp -o x", true},
-           {"gcc @quoted.rsp", false},
+           {"gcc @words.rsp", true, "gcc -o app @words.rsp"},
+           {"gcc @nested.rsp -lm", true, "gcc -o app @nested.rsp -lm"},
+           {"gcc @compile.rsp @link.rsp -o y.o", true, "gcc @compile.rsp @link.rsp -o y.o -c"},
+           {"gcc @quoted.rsp", true, "gcc -o a @quoted.rsp"},
+           {"gcc @asks.rsp -o x", false},
            {"gcc @missing.rsp", false},
            {"gcc -E x.c -o x.i", false},
            {"gcc -S x.c", false},
@@ -110,9 +117,15 @@ TEST_F(Shims, OnlyStepsThatMakeCodeAreWrapped)
            {"gcc -dumpmachine", false},
            {"gcc -v", false},
            {"gcc -v -I x", false},
-           {"gcc -xc - -c -o x.o", false},
+           {"gcc -c -x c - -o /dev/null", false},
            {"gcc -c -x c /dev/null -o x.o", false},
            {"gcc -c x.c -o /dev/null", false},
+           {"gcc -c x.c -o/dev/null", false},
+           {"gcc -MMD -MF /dev/null -include /dev/null -MT - -c x.c", true},
+           {"gcc -MD -MF - -c x.c", true},
+           {"gcc x.o -o /dev/null", true},
+           {"gcc -x c - -x none libx.a -o x", true},
+           {"gcc conftest.c x.o -o conftest", true},
            {"gcc -x c++-header x.h -o x.h.gch", false},
            {"gcc -o conftest conftest.c", false},
            {"g++ /b/meson-private/sanity.cc -o /b/meson-private/sanity.exe", false},
@@ -120,6 +133,10 @@ TEST_F(Shims, OnlyStepsThatMakeCodeAreWrapped)
            {"ld -E -S -ox x.o", true, "ld --export-dynamic --strip-debug -o x x.o"},
            {"ld -r -o x.o y.o", false},
            {"ld -v", false}});
+    EXPECT_EQ(run("LLT_WRAP=1 exec gcc -xc - -c -o x.o"), 0);
+    EXPECT_EQ(
+        out,
+        "lltwrapper: 'gcc' runs without coverage: its source comes from standard input\ngcc ran\n");
     for (const char* trial : {"CMakeFiles/CMakeScratch/t", "CMakeFiles/_CMakeLTOTest-C/bin",
                               "CMakeFiles/3.25.1/CompilerIdC", "b/meson-private"}) {
         fs::create_directories(trial);
@@ -176,6 +193,10 @@ TEST_F(Shims, WordsComeThroughTheWrapperAsTheyAre)
         EXPECT_EQ(run("LLT_WRAP=1 exec gcc " + words), 0) << out;
         EXPECT_EQ(calls.substr(calls.find("/gcc]") + 1), plain.substr(1) + "\n");
         EXPECT_EQ(calls.find("[lltcc]") == 0, words.find("-c ") != words.npos);
+    }
+    for (const char* output : {"-o d.e/.hidden", "-o.hidden"}) {
+        EXPECT_EQ(run(std::string("LLT_WRAP=1 exec gcc x.o ") + output), 0);
+        EXPECT_NE(calls.find("[-projectname][_hidden]"), calls.npos) << calls;
     }
     EXPECT_EQ(run("LLT_WRAP=1 RECORDER_END=3 exec ar rc libx.a x.o"), 3) << "real exit status";
 }
