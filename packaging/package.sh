@@ -1,13 +1,13 @@
 #!/bin/bash
 # Makes the packages, the same byte for byte each time: .deb and .rpm, the parts for other projects'
 # build files apart, and .tar.gz with everything.
-# usage: package.sh [BUILD [PACKAGES]]      directories: build/package, build/packages
+# usage: package.sh      builds in build/package, packages come to build/packages
 # The time in them is SOURCE_DATE_EPOCH, else that of the last commit, else that of the change log.
 set -euo pipefail
 unset CDPATH
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-build=${1:-$root/build/package}
-packages=${2:-$root/build/packages}
+build=$root/build/package
+packages=$root/build/packages
 
 if [ -z "${SOURCE_DATE_EPOCH:-}" ]; then
     SOURCE_DATE_EPOCH=$(git -C "$root" log -1 --format=%ct 2>/dev/null || stat -c %Y "$root/CHANGELOG.md")
@@ -15,7 +15,6 @@ fi
 export SOURCE_DATE_EPOCH LC_ALL=C TZ=UTC
 umask 022
 mkdir -p "$packages"
-packages=$(cd "$packages" && pwd)
 log=$packages/log
 rm -rf "${packages:?}"/*
 
@@ -27,9 +26,10 @@ logged() {
 }
 logged cmake -S "$root" --preset package -B "$build"
 logged cmake --build "$build" -j "$(nproc)"
-(cd "$build" && logged cpack -B "$packages/made")
-mv "$packages"/made/lltwrapper[-_]* "$packages"
-rm -rf "$packages/made"
+made=$(mktemp -d) # rpmbuild takes no path with a blank
+trap 'rm -rf "$made"' EXIT
+(cd "$build" && logged cpack -B "$made")
+mv "$made"/lltwrapper[-_]* "$packages"
 ls -1 "$packages"/lltwrapper*
 
 # lintian's own warning about root is none of the packages'.

@@ -43,7 +43,16 @@ endforeach()
 install(FILES debian/lltwrapper.overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
         RENAME lltwrapper COMPONENT debian EXCLUDE_FROM_ALL)
 
-# --- RPM; times of files and of the build are the source's
+# --- times of files are the source's
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/times.cmake [[
+execute_process(COMMAND find "${CPACK_TEMPORARY_DIRECTORY}" -exec touch -h -d "@$ENV{SOURCE_DATE_EPOCH}" {} +
+                COMMAND_ERROR_IS_FATAL ANY)
+]])
+if(DEFINED ENV{SOURCE_DATE_EPOCH})
+  set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_BINARY_DIR}/times.cmake)
+endif()
+
+# --- RPM; the time of the build, too
 set(CPACK_RPM_COMPONENT_INSTALL ON)
 set(CPACK_RPM_MAIN_COMPONENT lltwrapper)
 set(CPACK_RPM_FILE_NAME RPM-DEFAULT)

@@ -10,6 +10,7 @@ suite=$1
 shift
 [ "$(id -u)" = 0 ] || { echo 'a bare root needs root rights' >&2 && exit 1; }
 checkout=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+[[ $checkout != *[[:space:]]* ]] || { echo "debootstrap takes no path with a blank: check from a clone in another directory than '$checkout'" >&2 && exit 1; }
 roots=$checkout/build/roots
 base=$roots/$suite
 root=$roots/run.$suite.$$

@@ -29,6 +29,7 @@ expect 'nothing to uninstall' 1 "$("$root/packaging/uninstall.sh" place >"$said"
 # --- the CMake package: of a project that asks for it, of one that is not edited
 PATH=$work/kept/bin:${PATH#"$programs:"}
 mkdir project && cd project || exit
+expect 'explain finds the installed driver' '' "$(lltcov explain -- gcc -c a.c -o a.o | grep "driver 'lltcc'")"
 echo '#include <string.h>
 int one(void) { return strcmp(TEXT, "a \"b\"") == 0; }' >one.c
 echo 'extern "C" int one(void); int main() { return one() - 1; }' >main.cpp

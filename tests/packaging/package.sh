@@ -11,11 +11,11 @@ trap 'rm -rf "$other"' EXIT
 
 "$root/packaging/package.sh"
 git clone -q "$root" "$other/a b"
-"$other/a b/packaging/package.sh" "$other/build" "$other/packages"
+"$other/a b/packaging/package.sh"
 for package in "$root"/build/packages/lltwrapper*; do
-    cmp "$package" "$other/packages/$(basename "$package")"
+    cmp "$package" "$other/a b/build/packages/$(basename "$package")"
 done
-[ "$(find "$other/packages" -name 'lltwrapper*' | wc -l)" = 5 ]
+[ "$(find "$other/a b/build/packages" -name 'lltwrapper*' | wc -l)" = 5 ]
 
 suite=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
 BRING=build/packages "$root/tests/in_root.sh" "$suite" tests/packaging/in_bare_root.sh
