@@ -214,7 +214,7 @@ std::string cure_of(const std::string& path, int error)
     case ENFILE:
         return "raise the limit on open files (ulimit -n)";
     default:
-        return "check that its directory is there, and build again";
+        return "check that its directory is there, and try again";
     }
 }
 

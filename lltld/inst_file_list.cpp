@@ -3,6 +3,8 @@
 // lives no longer than the one operation that records them all.
 #include "lltld/inst_file_list.h"
 
+#include "commonfunc/message.h"
+
 #include <cstdio>
 #include <new>
 
@@ -20,6 +22,8 @@ int append(const std::string& name)
     auto* node = new (std::nothrow) _InstFile;
     if (node == nullptr) {
         std::puts("Allocate memory failed!");
+        warn("no memory is left for the counters of '%s'; run the step again with more",
+             name.c_str());
         return 0;
     }
     WriteInstFileNameTolist(name.c_str(), &instFileList, node);

@@ -82,7 +82,7 @@ TEST_F(FileReplace, AFailureKeepsTheOldFileAndNamesTheCure)
     EXPECT_EQ(said,
               "lltwrapper: cannot write 't': File too large; raise the limit on the size of files "
               "(ulimit -f)\nlltwrapper: cannot write 'no/t': No such file or directory; check that "
-              "its directory is there, and build again\n");
+              "its directory is there, and try again\n");
     testing::internal::CaptureStderr();
     const auto give_up = [](std::FILE* file) {
         std::fputs("part", file);

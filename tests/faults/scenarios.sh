@@ -84,15 +84,15 @@ begin() {
     cd .. && rm -rf p && cp -a start p && cd p || exit
 }
 
-# A key that could not be written once stands in another place of .prj later.
-in_order() { if [[ $file = */.prj ]]; then sort; else cat; fi; }
-
-# tree: a line for each file, but for the moment of the build
+# tree: a line for each file, but for the moment of the build. A key that could not be written once stands
+# in another place of .prj later. One process: it is called twice for each place.
 tree() {
     find . -printf '%y %m %p %l\n' | sort
-    find . -type f ! -name stub.state | sort | while IFS= read -r file; do
-        echo "$file $(sed -E 's/Q[0-9]{10}/BUID/g; s/^(EndTime_Caddis=).*/\1/' "$file" | in_order | cksum)"
-    done
+    find . -type f ! -name stub.state | sort | perl -MDigest::MD5=md5_hex -lne '
+        open(my $file, "<", $_) or die "$_: $!";
+        my @lines = map { s/Q[0-9]{10}/BUID/gr =~ s/^(EndTime_Caddis=).*/$1/r } <$file>;
+        @lines = sort @lines if m{/[.]prj$};
+        print "$_ ", md5_hex(@lines);'
 }
 
 # disturbed OPTION...: the step under strace with these options; waits for the processes it left. Its
