@@ -3,11 +3,15 @@
 #include "commonfunc/message.h"
 #include "lltcov/common/command_line.h"
 #include "lltcov/common/commands.h"
+#include "lltcov/common/console.h"
 
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <filesystem>
+#include <string>
+#include <system_error>
 
 namespace
 {
@@ -28,8 +32,9 @@ constexpr Command COMMANDS[] = {
      "hit rates of modules, sources or directories", run_status},
     {"export", "--lcov|--json|--cobertura|--gcda DIR [-o FILE] [--allow-empty] [SELECTION]",
      "the coverage of all runs, for other tools", run_export},
-    {"diff", "REVISION|FILE [--allow-empty] [SELECTION]",
-     "which lines of a change, since a git revision or of a diff file, have run", run_diff},
+    {"diff", "REVISION|FILE|- [--allow-empty] [SELECTION]",
+     "which lines of a change, since a git revision or of a diff (- from standard input), have run",
+     run_diff},
     {"merge", "[--map THERE=HERE]... [--prefix NAME] [--project DIR] DIRECTORY...",
      "take the counts of runs on other machines", run_merge},
     {"tests", "[FILE:LINE | --unique] [--map THERE=HERE]... [--project DIR]",
@@ -38,7 +43,7 @@ constexpr Command COMMANDS[] = {
      "what lltwrapper would do with a command; runs nothing", run_explain},
     {"doctor", "[--project DIR]",
      "what is missing or odd in settings, tools and work areas, with cures", run_doctor},
-    {"clean", "[--old | --gone | --all] [--dry-run] [--project DIR]",
+    {"clean", "[--old | --gone | --all] [--dry-run] [--map THERE=HERE]... [--project DIR]",
      "remove the counts of all runs, or what is left of a build", run_clean},
     {"shims", "DIR", "write compilers and archivers that go through lltwrapper on demand",
      run_shims},
@@ -94,18 +99,12 @@ int run_command_named(const char* name, const Arguments& arguments)
             return run_command(command, arguments);
         }
     }
-    std::fprintf(stderr, "lltcov: there is no command '%s'\n", name);
-    print_help(stderr);
+    warn("there is no command '%s'; 'lltcov help' lists them", name);
     return 2;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int run_call(int argc, char** argv)
 {
-    set_warning_name("lltcov");
-    std::signal(SIGCHLD, SIG_DFL); // ignored by the parent, it would hide how programs end
-    std::set_terminate(stop_without_memory);
     if (argc < 2) {
         print_help(stderr);
         return 2;
@@ -122,8 +121,22 @@ int main(int argc, char** argv)
     try {
         return is_about_one ? run_command_named(argv[2], {"--help"})
                             : run_command_named(argv[1], Arguments(argv + 2, argv + argc));
+    } catch (const std::filesystem::filesystem_error& error) {
+        warn("stopped at '%s': %s; check what stands there, and that you may write there",
+             error.path1().c_str(), error.code().message().c_str());
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "lltcov: stopped: %s\n", error.what());
-        return 1;
+        warn("stopped: %s", error.what());
     }
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    set_warning_name("lltcov");
+    std::signal(SIGCHLD, SIG_DFL); // ignored by the parent, it would hide how programs end
+    std::set_terminate(stop_without_memory);
+    const int status = run_call(argc, argv);
+    return finish_output() || status != 0 ? status : 1;
 }

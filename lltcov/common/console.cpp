@@ -76,10 +76,13 @@ void Findings::print() const
 
 bool finish_output()
 {
+    static bool is_said = false;
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
         return true;
     }
-    warn("standard output cannot be written; make room there");
+    if (!std::exchange(is_said, true)) {
+        warn("standard output cannot be written; make room there");
+    }
     return false;
 }
 

@@ -36,7 +36,8 @@ private:
     bool has_problems_ = false;
 };
 
-/// Flushes standard output. False, after a warning, when something could not be written there.
+/// Flushes standard output. False, after a warning at the first time, when something could not be
+/// written there.
 bool finish_output();
 
 /// A line on a terminal at standard error that says how far long work is; nothing elsewhere.

@@ -5,6 +5,7 @@
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"
+#include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/text.h"
 #include "contract/names.h"
@@ -13,8 +14,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <filesystem>
 #include <fnmatch.h>
 #include <memory>
+#include <system_error>
+#include <utility>
 
 namespace
 {
@@ -31,6 +35,32 @@ std::string directory_around()
     return here;
 }
 
+/// Says once that settings in the environment have led away from the project of this directory.
+void warn_of_settings(const std::string& root)
+{
+    static bool is_said = false;
+    const std::string project = project_directory(root);
+    const std::string around = directory_around();
+    if (own_directory(around) != around && around != project && !is_inside(around, project) &&
+        !std::exchange(is_said, true)) {
+        warn(
+            "the project is '%s', of qmr_current_prj_path, not '%s': 'unset qmr_current_prj_path', or --project, chooses that one",
+            project.c_str(), around.c_str());
+    }
+}
+
+/// The data of a project that is named by its directory. Work areas are found by their paths, which
+/// name none through a link.
+std::string data_of(const std::string& directory)
+{
+    const std::string own = own_directory(directory);
+    std::error_code error;
+    if (own != directory && std::filesystem::is_symlink(own, error)) {
+        throw UsageError("'" + own + "' is a symbolic link; put a directory in its place");
+    }
+    return own;
+}
+
 } // namespace
 
 std::string project_root(const CommandLine& line)
@@ -39,13 +69,16 @@ std::string project_root(const CommandLine& line)
     std::string root = is_named ? line.value("--project") : env_text("qmr_current_prj_path");
     if (is_named || root.empty()) {
         root = names_project_file(root) ? split_path(root).directory : root;
-        root = own_directory(root.empty() ? directory_around() : root);
+        root = data_of(root.empty() ? directory_around() : root);
     } else {
         root = root_of_project(root);
     }
     std::string absolute = absolute_path(root);
     if (QMRPathIsDirectory(absolute.c_str()) == 0) {
         throw UsageError("the project's directory '" + root + "' does not exist");
+    }
+    if (!is_named && env_is_filled("qmr_current_prj_path")) {
+        warn_of_settings(absolute);
     }
     return absolute;
 }

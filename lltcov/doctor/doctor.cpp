@@ -52,13 +52,13 @@ std::vector<std::string> files_below(const std::string& root)
     return files;
 }
 
-/// Prints the findings under the check's name; true when there are any.
-bool print(const char* name, const Findings& findings)
+/// Prints the findings under the check's name; the number of lines.
+std::size_t print(const char* name, const Findings& findings)
 {
     for (const std::string& line : findings.lines()) {
         std::printf("%s: %s\n", name, line.c_str());
     }
-    return findings.has_problems();
+    return findings.lines().size();
 }
 
 } // namespace
@@ -91,17 +91,20 @@ int run_doctor(const Arguments& arguments)
         return 1;
     }
     Examined examined = {read_modules(root, reading), files_below(project_directory(root))};
-    bool is_sick = print("modules", reading);
+    std::size_t lines = print("modules", reading);
+    bool is_sick = reading.has_problems();
     for (const Check& check : CHECKS) {
         Findings findings;
         check.look(examined, findings);
-        is_sick = print(check.name, findings) || is_sick;
+        lines += print(check.name, findings);
+        is_sick = is_sick || findings.has_problems();
     }
-    if (!is_sick) {
+    if (lines == 0) {
         const std::size_t modules = examined.data.modules.size();
         std::printf(
             "nothing found: %zu modules in '%s'%s\n", modules, examined.data.directory.c_str(),
-            modules == 0 ? "; if it is built, lltcc has said what it compiles plainly" : "");
+            modules == 0 ? "; what was built before needs 'make clean', then 'lltcov run -- make'"
+                         : "");
     }
     return is_sick ? 1 : 0;
 }

@@ -41,5 +41,5 @@ void check_objects(Examined& examined, Findings& findings);   ///< gone, or comp
 void check_archives(Examined& examined, Findings& findings);  ///< without a stub, of equal stem
 void check_names(Examined& examined, Findings& findings);     ///< too long, no C identifier
 void check_sockets(Examined& examined, Findings& findings);   ///< stubs that start a server
-void check_dumps(Examined& examined, Findings& findings);     ///< damaged, or of another build
+void check_dumps(Examined& examined, Findings& findings);     ///< damaged, of another build, none
 void check_leftovers(Examined& examined, Findings& findings); ///< of interrupted steps

@@ -15,6 +15,7 @@
 #include "lltcov/report/coverage.h"
 #include "lltcov/report/project_data.h"
 #include "lltcov/report/shown_sources.h"
+#include "lltcov/report/whole_project.h"
 #include "lltld/archive_file.h"
 #include "lltld/inst_file_list.h"
 #include "lltld/object_scan.h"
@@ -115,7 +116,8 @@ void check_objects(Examined& examined, Findings& findings)
                                                       "' was filled" + build_again());
         } else if (!holds_symbol(scanned, object.symbol)) {
             findings.add("objects compiled anew", "'" + path + "' was compiled anew since '" +
-                                                      object.area + "' was filled" + build_again());
+                                                      object.area + "' was filled" +
+                                                      build_again("make clean && "));
         }
     }
 }
@@ -200,6 +202,7 @@ void check_dumps(Examined& examined, Findings& findings)
     if (std::any_of(names.begin(), names.end(), is_dump)) {
         add_dumps(examined.data, directory, findings);
     }
+    note_left_out(examined.data, findings);
 }
 
 void check_leftovers(Examined& examined, Findings& findings)

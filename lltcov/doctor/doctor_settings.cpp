@@ -172,6 +172,9 @@ void check_places(Examined& examined, Findings& findings)
 {
     const std::string area = places::temporary_area(examined.data.root);
     const char* const records = "where the compiler driver leaves its records";
+    if (has_no_settings() && QMRPathIsDirectory(area.c_str()) == 0) {
+        return; // they are made by the first build
+    }
     check_directory(area, records, findings);
     for (const char* part : places::FILLED_DIRECTORIES) {
         if (QMRPathIsDirectory(area.c_str()) != 0) {

@@ -10,6 +10,7 @@
 #include "lltcov/explain/explain_step.h"
 #include "lltcov/explain/explain_words.h"
 #include "lltwrapper/classify.h"
+#include "lltwrapper/driver_path.h"
 #include "lltwrapper/mode_dispatch.h"
 #include "lltwrapper/wrapper_state.h"
 
@@ -181,6 +182,7 @@ std::string plain_text(std::string text)
 
 int run_explain(const Arguments& arguments)
 {
+    put_drivers_on_path(); // as the wrapper does
     const ExplainedStep step = explain_step(wrapped_command(arguments));
     const Advice advice = advise(step);
     put("mode", mode_name(step));

@@ -61,8 +61,9 @@ mode_t type_of(const std::string& path)
 class Cleaner
 {
 public:
-    Cleaner(std::string root, Mode mode, Scope scope)
-        : root_(std::move(root)), directory_(project_directory(root_)), mode_(mode), scope_(scope)
+    Cleaner(std::string root, Mode mode, Scope scope, PathMaps maps = {})
+        : root_(std::move(root)), directory_(project_directory(root_)), mode_(mode), scope_(scope),
+          maps_(std::move(maps))
     {
     }
 
@@ -85,7 +86,7 @@ public:
         }
         if (scope_ == Scope::old_runs) {
             Findings unsaid; // of the records, which do not matter here
-            for (const ModuleData& module : read_modules(root_, unsaid).modules) {
+            for (const ModuleData& module : read_modules(root_, unsaid, maps_).modules) {
                 builds_[module.module.area].insert(module.buid);
             }
         }
@@ -184,7 +185,7 @@ private:
     {
         try {
             DumpReader reader = open_dump(path);
-            const std::string named(reader.dump().area);
+            const std::string named = mapped_path(maps_, std::string(reader.dump().area));
             const std::string real = absolute_path(named[0] == '/' ? named : root_ + "/" + named);
             const std::string area = real.empty() ? named : real; // a program has taken its place
             const bool is_ours =
@@ -206,7 +207,7 @@ private:
     /// or holds nothing but directories.
     bool is_wanted_area(const std::string& area) const
     {
-        const std::string output = project_value(area, project_key::OUTPUT);
+        const std::string output = mapped_path(maps_, project_value(area, project_key::OUTPUT));
         if (!output.empty()) {
             return scope_ == Scope::all || type_of(output) == 0;
         }
@@ -240,6 +241,7 @@ private:
     std::string directory_; ///< of the project
     Mode mode_;
     Scope scope_;
+    PathMaps maps_; ///< of what has moved since it was built
     std::size_t dumps_ = 0;
     std::set<std::string> areas_;                         ///< that are removed
     std::map<std::string, std::set<std::string>> builds_; ///< that count, by work area
@@ -251,7 +253,8 @@ private:
 
 int run_clean(const Arguments& arguments)
 {
-    const CommandLine line(arguments, {"--old", "--gone", "--all", "--dry-run"}, {"--project"});
+    const CommandLine line(arguments, {"--old", "--gone", "--all", "--dry-run"},
+                           {"--map", "--project"});
     line.refuse_operands();
     if (line.has("--old") + line.has("--gone") + line.has("--all") > 1) {
         throw UsageError("choose one of --old, --gone and --all");
@@ -261,7 +264,8 @@ int run_clean(const Arguments& arguments)
                         : line.has("--gone") ? Scope::gone
                         : line.has("--old")  ? Scope::old_runs
                                              : Scope::runs;
-    Cleaner cleaner(root, line.has("--dry-run") ? Mode::show : Mode::remove, scope);
+    Cleaner cleaner(root, line.has("--dry-run") ? Mode::show : Mode::remove, scope,
+                    path_maps(line));
     if (!cleaner.find()) {
         warn(
             "'%s' is no project: it has neither LLTTEMP nor work areas, nothing is removed; name the project with --project",

@@ -54,14 +54,31 @@ struct Change {
     ChangedLines lines;
 };
 
-std::optional<Change> change_in(const std::string& file, const std::string& project)
+std::optional<std::string> text_of(const std::string& file)
 {
     std::string text;
+    if (file == "-") {
+        char piece[4096];
+        for (std::size_t size = 1; size > 0; text.append(piece, size)) {
+            size = std::fread(piece, 1, sizeof piece, stdin);
+        }
+        return text;
+    }
     const Reading reading = read_whole_file(file, text);
     if (reading != Reading::done && reading != Reading::empty) {
         warn("cannot read '%s': %s", file.c_str(), why_not_read());
         return std::nullopt;
     }
+    return text;
+}
+
+std::optional<Change> change_in(const std::string& file, const std::string& project)
+{
+    const auto read = text_of(file);
+    if (!read) {
+        return std::nullopt;
+    }
+    const std::string& text = *read;
     ChangedLines lines = changed_lines(text);
     if (lines.empty() && text.find("\n@@ ") == text.npos && !text.empty()) {
         warn("'%s' is no unified diff; name one, or a revision", file.c_str());
@@ -73,7 +90,7 @@ std::optional<Change> change_in(const std::string& file, const std::string& proj
 std::optional<Change> change_since(const std::string& base, const std::string& project)
 {
     std::error_code error;
-    if (std::filesystem::is_regular_file(base, error)) {
+    if (base == "-" || std::filesystem::is_regular_file(base, error)) {
         return change_in(base, project);
     }
     if (program_on_path("git").empty()) {

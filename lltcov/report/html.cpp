@@ -1,5 +1,6 @@
 // Pages are drawn by genhtml, which every system with lcov has; options tell
 // it what it cannot know, such as how names of functions are written.
+#include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"
 #include "commonfunc/path_search.h"
@@ -26,11 +27,15 @@ namespace
 
 constexpr const char* TRACEFILE = "report.info";
 
-/// The directory of the pages, absolute: of "-o", else "html" beside what the build has left.
+/// The directory of the pages, absolute: of "-o", else "html" beside what the build has left,
+/// emptied, as sources may be gone since its pages were drawn.
 std::string directory_of(const CommandLine& line)
 {
     const std::string named = line.value("-o");
-    std::string directory = named.empty() ? kept_place(project_root(line), "html") : named;
+    const std::string directory = named.empty() ? kept_place(project_root(line), "html") : named;
+    if (named.empty()) {
+        remove_tree(directory);
+    }
     std::filesystem::create_directories(directory);
     return absolute_path(directory);
 }

@@ -16,6 +16,7 @@
 #include "lltcov/report/coverage.h"
 #include "lltcov/report/opened_dump.h"
 #include "lltcov/report/project_data.h"
+#include "lltcov/report/whole_project.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -247,6 +248,10 @@ int run_merge(const Arguments& arguments)
     const std::string root = project_root(line);
     const ProjectData data = read_modules(root, findings, path_maps(line));
     const std::string target = dump_root(root);
+    if (!has_modules(data, findings)) {
+        findings.print();
+        return 1;
+    }
     std::error_code error;
     std::filesystem::create_directories(target, error); // else the first file tells why
     Merger merger(data, absolute_path(target), prefix, findings);

@@ -88,9 +88,10 @@ public:
         if (!findings_.has_problems() &&
             std::none_of(data_.modules.begin(), data_.modules.end(), has_runs)) {
             findings_.note("runs",
-                           "no run of this project has left counts in '" + directory +
-                               "' (dumps of other projects there: " + std::to_string(foreign_) +
-                               "); run the tests, or set LLTCOV_ROOT");
+                           "no run of this project has left counts in '" + directory + "'" +
+                               (has_foreign_ ? ", but runs of other projects have" : "") +
+                               "; run the tests, by 'lltcov run -- make check' if that builds "
+                               "them, or set LLTCOV_ROOT");
         }
     }
 
@@ -124,7 +125,7 @@ private:
         if (named[0] != '/' || is_inside(named, data_.root)) {
             ++orphans_[named];
         } else {
-            ++foreign_;
+            has_foreign_ = true;
         }
         return nullptr;
     }
@@ -199,7 +200,7 @@ private:
     std::map<std::string, std::string> area_of_name_; ///< absolute, by what dumps name
     std::map<const ModuleData*, Refused> refused_;
     std::map<std::string, std::size_t> orphans_; ///< by area
-    std::size_t foreign_ = 0;                    ///< dumps of other projects
+    bool has_foreign_ = false;                   ///< dumps of other projects
 };
 
 } // namespace

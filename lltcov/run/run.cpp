@@ -36,6 +36,10 @@ shift 2
 . "$_lltcov_settings"
 export PATH="$_lltcov_shims:$PATH" LLT_WRAP=1
 unset LLT_PROJECT _lltcov_settings _lltcov_shims
+command -v "$1" >/dev/null || {
+    echo "lltcov: there is no program '$1'; for shell functions, '|' and '&&': lltcov run -- sh -c 'COMMANDS'" >&2
+    exit 127
+}
 exec "$@"
 )SH";
 

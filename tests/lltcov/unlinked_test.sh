@@ -11,7 +11,7 @@ gcc -g -O0 -c lib.c -o lib.o && ar rcs libx.a lib.o && gcc -g -O0 -fPIC -c lib.c
     for how in $1; do gcc test.o $how -o test || exit; ./test || exit; done
 SH
 row() { lltcov status 2> said | awk -v name="$1" '$1 == name { print $4, $5, $10, $11 }'; }
-note="lltcov: no program or shared library was linked with '$work/libx.a': nothing in it can run; link a test with it to count it"
+note="lltcov: no program or shared library was linked with '$work/libx.a': nothing in it can run; link a test with it, by lltcov run, to count it"
 # what the tests link | lines, rate and runs of the static library | of the shared one | lines on standard error
 while IFS='|' read -r links static shared says; do
     lltcov clean --all > /dev/null 2>&1

@@ -39,7 +39,7 @@ printf '%s\n' "project('p', 'c')" "one = static_library('one', 'one.c')" \
 printf '%s\n' 'AC_INIT([p], [1])' 'AM_INIT_AUTOMAKE([foreign])' 'AC_PROG_CC' 'AM_PROG_AR' 'LT_INIT' \
     'AC_CONFIG_FILES([Makefile])' 'AC_OUTPUT' >configure.ac
 printf '%s\n' 'lib_LTLIBRARIES = libone.la' 'libone_la_SOURCES = one.c' 'check_PROGRAMS = main' 'main_SOURCES = main.c' \
-    'main_LDADD = libone.la' 'TESTS = main' >Makefile.am
+    'main_LDADD = libone.la' 'main_LDFLAGS = -static' 'TESTS = main' >Makefile.am
 cat >Kbuild.mk <<'M'
 flags = -Wp,-MMD,.$(@F).d -std=gnu11 -fno-common -DKBUILD_BASENAME='"$(basename $@)"' -DKBUILD_MODNAME='"m"' '-Dpr_fmt(f)=f'
 main: main.o built-in.a ; gcc -o $@ main.o -Wl,--whole-archive built-in.a -Wl,--no-whole-archive
