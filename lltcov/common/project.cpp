@@ -53,7 +53,7 @@ void warn_of_settings(const std::string& root)
 /// name none through a link.
 std::string data_of(const std::string& directory)
 {
-    const std::string own = own_directory(directory);
+    std::string own = own_directory(directory);
     std::error_code error;
     if (own != directory && std::filesystem::is_symlink(own, error)) {
         throw UsageError("'" + own + "' is a symbolic link; put a directory in its place");
