@@ -37,8 +37,7 @@ AsmLine line_at(std::string_view text, std::size_t start);
 std::string_view name_at(std::string_view text, std::size_t at);
 
 /// Walks over a text of which only the lines with one of two words matter: calls `read_line` with
-/// the start of each, which returns where the text goes on, and `keep` with start and end of what
-/// lies between.
+/// the start of each, which returns where the text goes on, and `keep` with what lies between.
 template <typename Keep, typename ReadLine>
 void walk_lines(std::string_view text, std::string_view word, std::string_view other, Keep keep,
                 ReadLine read_line)
@@ -48,12 +47,12 @@ void walk_lines(std::string_view text, std::string_view word, std::string_view o
     std::size_t next_other = std::min(text.find(other), text.size());
     while (std::min(next, next_other) < text.size()) {
         const std::size_t start = text.rfind('\n', std::min(next, next_other)) + 1; // npos + 1 is 0
-        keep(done, start);
+        keep(text.substr(done, start - done));
         done = read_line(start);
         next = next < done ? std::min(text.find(word, done), text.size()) : next;
         next_other = next_other < done ? std::min(text.find(other, done), text.size()) : next_other;
     }
-    keep(done, text.size());
+    keep(text.substr(done));
 }
 
 /// Throws `NotInstrumentable` with a part of the text.

@@ -70,21 +70,13 @@ public:
     CounterText read()
     {
         walk_lines(
-            text_, "__prof", "__llvm_pr",
-            [this](std::size_t from, std::size_t to) { keep(from, to); },
+            text_, "__prof", "__llvm_pr", [this](std::string_view between) { out_.keep(between); },
             [this](std::size_t start) { return read_line(start); });
         place_clang_counters(parts_, text_, out_);
         return std::move(out_);
     }
 
 private:
-    void keep(std::size_t from, std::size_t to)
-    {
-        if (from < to) {
-            out_.pieces.push_back({text_.substr(from, to - from)});
-        }
-    }
-
     /// Takes the line apart, the start of a section with what is in it; returns where the text goes
     /// on.
     std::size_t read_line(std::size_t start)
@@ -97,9 +89,9 @@ private:
         }
         if (section == "__llvm_prf_names") {
             read_names(next);
-            keep(start, next);
+            out_.keep(text_.substr(start, next - start));
         } else if (line.is_string() || is_one_of(line.word, {".file", ".ident"})) {
-            keep(start, next);
+            out_.keep(text_.substr(start, next - start));
         } else if (!is_own_attribute(line)) {
             rename(line);
         }
@@ -198,7 +190,7 @@ private:
             }
             at += text.size() - 1;
         }
-        out_.pieces.push_back({whole.substr(done)});
+        out_.keep(whole.substr(done));
     }
 
     /// A slot of the table of addresses has one symbol: "name+24" there is another address.

@@ -30,6 +30,14 @@ struct CounterText {
     std::vector<TextPiece> pieces;
     std::deque<std::string> own_texts; ///< of pieces that do not stand in the text
     RecordedCounters record;
+
+    /// Adds a part of the text as it stands.
+    void keep(std::string_view text)
+    {
+        if (!text.empty()) {
+            pieces.push_back({text});
+        }
+    }
 };
 
 /// Larger arrays are taken for a mistake, in bytes.

@@ -55,7 +55,7 @@ public:
     CounterText read()
     {
         walk_lines(
-            text_, COUNTER, TABLE, [this](std::size_t from, std::size_t to) { keep(from, to); },
+            text_, COUNTER, TABLE, [this](std::string_view between) { out_.keep(between); },
             [this](std::size_t start) { return read_line(start); });
         if (guarded_ != 0) {
             add_own("\t.local\t" + std::string(GUARDED) + "\n\t.comm\t" + std::string(GUARDED) +
@@ -66,13 +66,6 @@ public:
     }
 
 private:
-    void keep(std::size_t from, std::size_t to)
-    {
-        if (from < to) {
-            out_.pieces.push_back({text_.substr(from, to - from)});
-        }
-    }
-
     /// Takes the line apart, a definition with its data; returns where the text goes on.
     std::size_t read_line(std::size_t start)
     {
@@ -82,7 +75,7 @@ private:
         const std::string_view label = line.word.substr(0, line.word.size() - 1);
         const bool is_ours = is_counter(name) || is_table(name);
         if (line.is_string() || is_one_of(line.word, {".file", ".ident"})) {
-            keep(start, next);
+            out_.keep(text_.substr(start, next - start));
         } else if (line.is_label() && (is_counter(label) || is_table(label))) {
             return read_definition(label, start, next);
         } else if (line.word == ".comm" && is_ours) {
@@ -131,7 +124,7 @@ private:
         if (is_of_table) {
             add_own("\t.section\t.lltcov_empty,\"e\",%progbits\n");
         } else {
-            keep(start, next);
+            out_.keep(text_.substr(start, next - start));
         }
     }
 
@@ -220,7 +213,7 @@ private:
             }
             at += name.size() - 1;
         }
-        out_.pieces.push_back({line.substr(done)});
+        out_.keep(line.substr(done));
     }
 
     std::string_view text_;

@@ -84,13 +84,6 @@ protected:
 TEST_F(Shims, OnlyStepsThatMakeCodeAreWrapped)
 {
     write_shims(RECORDER);
-    write_file("compile.rsp", "-O2\n-MF x.d -o x.o -c x.c");
-    write_file("link.rsp", "x.o -oapp");
-    write_file("output.rsp", "x.o -o\n app");
-    write_file("quoted.rsp", "x.o -o 'a\\ b'");
-    write_file("words.rsp", "\"x.o\" '-o' \"app\"");
-    write_file("nested.rsp", "'@link.rsp' @nested.rsp");
-    write_file("asks.rsp", "-c -E");
     check({{"gcc -c x.c", true},
            {"g++ -O2 -MMD -MF x.d x.o -o x", true},
            {"clang-14 -c x.c -o x.o", true},
@@ -98,16 +91,6 @@ TEST_F(Shims, OnlyStepsThatMakeCodeAreWrapped)
            {"gcc x.c -lm", true, "gcc x.c -lm -o a.out"},
            {"gcc x.o -Xlinker -E -o x", true, "gcc x.o -Wl,-E -o x"},
            {"gcc x.o -Xlinker -rpath,a -o x", true},
-           {"gcc @compile.rsp", true, "gcc @compile.rsp -c"},
-           {"gcc @link.rsp", true, "gcc -o app @link.rsp"},
-           {"gcc @output.rsp", true, "gcc -o app @output.rsp"},
-           {"gcc @link.rsp -o x", true},
-           {"gcc @words.rsp", true, "gcc -o app @words.rsp"},
-           {"gcc @nested.rsp -lm", true, "gcc -o app @nested.rsp -lm"},
-           {"gcc @compile.rsp @link.rsp -o y.o", true, "gcc @compile.rsp @link.rsp -o y.o -c"},
-           {"gcc @quoted.rsp", true, "gcc -o a @quoted.rsp"},
-           {"gcc @asks.rsp -o x", false},
-           {"gcc @missing.rsp", false},
            {"gcc -E x.c -o x.i", false},
            {"gcc -S x.c", false},
            {"gcc -MM x.c -o x.d", false},
@@ -145,6 +128,28 @@ TEST_F(Shims, OnlyStepsThatMakeCodeAreWrapped)
     }
     EXPECT_EQ(run("exec ls shims"), 0);
     EXPECT_EQ(out, "ar\narm-none-eabi-gcc-ar-9\nclang-14\ng++\ngcc\nld\n");
+}
+
+TEST_F(Shims, ResponseFilesSayWhatAStepIs)
+{
+    write_shims(RECORDER);
+    write_file("compile.rsp", "-O2\n-MF x.d -o x.o -c x.c");
+    write_file("link.rsp", "x.o -oapp");
+    write_file("output.rsp", "x.o -o\n app");
+    write_file("quoted.rsp", "x.o -o 'a\\ b'");
+    write_file("words.rsp", "\"x.o\" '-o' \"app\"");
+    write_file("nested.rsp", "'@link.rsp' @nested.rsp");
+    write_file("asks.rsp", "-c -E");
+    check({{"gcc @compile.rsp", true, "gcc @compile.rsp -c"},
+           {"gcc @link.rsp", true, "gcc -o app @link.rsp"},
+           {"gcc @output.rsp", true, "gcc -o app @output.rsp"},
+           {"gcc @link.rsp -o x", true},
+           {"gcc @words.rsp", true, "gcc -o app @words.rsp"},
+           {"gcc @nested.rsp -lm", true, "gcc -o app @nested.rsp -lm"},
+           {"gcc @compile.rsp @link.rsp -o y.o", true, "gcc @compile.rsp @link.rsp -o y.o -c"},
+           {"gcc @quoted.rsp", true, "gcc -o a @quoted.rsp"},
+           {"gcc @asks.rsp -o x", false},
+           {"gcc @missing.rsp", false}});
 }
 
 TEST_F(Shims, OnlyCallsThatFillAnArchiveAreWrapped)
