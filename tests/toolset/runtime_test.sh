@@ -132,6 +132,8 @@ expect "a root that is too long" \
 expect "files that may not grow" \
     "lltcov: coverage counts are lost: files may not grow so large (error 27),0," \
     "$(ulimit -f 0; lost root ./static exit)"
+expect "the limit to raise" "let the program write larger files (ulimit -f)" \
+    "$( (ulimit -f 0; LLTCOV_ROOT=root exec ./static exit 2>&1) | sed 's/.*; //')"
 rm -rf root
 # Descriptors that this script was started with would be counted too.
 (for fd in 3 4 5 6 7 8 9; do eval "exec $fd<&-"; done; ulimit -n 4; LLTCOV_ROOT=root exec ./static exit)

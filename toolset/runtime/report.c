@@ -57,6 +57,11 @@ static const char* cure_of(int error)
     switch (error) {
     case ENOMEM:
         return "let the program have more memory";
+    case EMFILE:
+    case ENFILE:
+        return "let the program open a file more (ulimit -n)";
+    case EFBIG:
+        return "let the program write larger files (ulimit -f)";
     case ELOOP:
     case EDESTADDRREQ: /* the environment is its caller's */
         return "link it with lltcovRootpath set to an absolute path without links";
