@@ -25,7 +25,7 @@ namespace
 
 /// Waits with SIGCHLD held back, and without SIGINT and SIGQUIT, which are for the command alone:
 /// to ignore a signal also drops what came of it while it was blocked.
-int wait_for_shell(pid_t shell, sigset_t mask)
+int wait_for_shell(pid_t shell, sigset_t mask, void (*meanwhile)())
 {
     struct sigaction ignored = {}, interrupt = {}, quit = {};
     ignored.sa_handler = SIG_IGN;
@@ -33,6 +33,9 @@ int wait_for_shell(pid_t shell, sigset_t mask)
     ::sigaction(SIGQUIT, &ignored, &quit);
     ::sigaddset(&mask, SIGCHLD);
     ::sigprocmask(SIG_SETMASK, &mask, nullptr);
+    if (meanwhile != nullptr) {
+        meanwhile();
+    }
     int status = 0;
     const pid_t ended = uninterrupted([&] { return ::waitpid(shell, &status, 0); });
     ::sigaction(SIGINT, &interrupt, nullptr);
@@ -45,7 +48,7 @@ int wait_for_shell(pid_t shell, sigset_t mask)
 /// nothing else. All signals are blocked until the first of them, and what the program ignores
 /// while it waits is ignored after the second, so the shell gets signals as they were. A handler
 /// could run in between, with the shared memory: those of the program are empty.
-int run_process(const char* command)
+int run_process(const char* command, void (*meanwhile)())
 {
     const char* const words[] = {"sh", "-c", command, nullptr};
     sigset_t all, mask;
@@ -59,7 +62,7 @@ int run_process(const char* command)
         ::_exit(127);
     }
     const int error = errno;
-    const int status = shell < 0 ? -1 : wait_for_shell(shell, mask);
+    const int status = shell < 0 ? -1 : wait_for_shell(shell, mask, meanwhile);
     ::sigprocmask(SIG_SETMASK, &mask, nullptr);
     if (shell < 0) {
         warn("no process can be started for: %s: %s; raise the limits on processes and memory",
@@ -126,7 +129,7 @@ void write_in_directory(CommandFile& file, const std::string& directory, const s
     }
 }
 
-int run_from_file(const std::string& command)
+int run_from_file(const std::string& command, void (*meanwhile)())
 {
     CommandFile file;
     write_in_memory(file, command);
@@ -142,7 +145,7 @@ int run_from_file(const std::string& command)
             command.size(), std::strerror(errno));
         return -1;
     }
-    return run_process(("exec /bin/sh " + shell_word(file.path)).c_str());
+    return run_process(("exec /bin/sh " + shell_word(file.path)).c_str(), meanwhile);
 }
 
 bool is_plain(char c)
@@ -155,20 +158,20 @@ bool is_plain(char c)
 
 } // namespace
 
-int run_shell(const std::string& command, Flush flush)
+int run_shell(const std::string& command, Flush flush, void (*meanwhile)())
 {
     if (flush == Flush::both) {
         flush_output();
     } else if (flush == Flush::out) {
         std::fflush(stdout);
     }
-    return command.size() <= MAX_ARGUMENT_LENGTH ? run_process(command.c_str())
-                                                 : run_from_file(command);
+    return command.size() <= MAX_ARGUMENT_LENGTH ? run_process(command.c_str(), meanwhile)
+                                                 : run_from_file(command, meanwhile);
 }
 
-int run_helper(const std::string& command)
+int run_helper(const std::string& command, void (*meanwhile)())
 {
-    const int status = run_shell(command, Flush::both);
+    const int status = run_shell(command, Flush::both, meanwhile);
     if (status != -1 && exit_status_of(status) == 127) {
         warn("could not be run: %s; check PATH and the limits on processes and memory",
              beginning_of(command).c_str());

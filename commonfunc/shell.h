@@ -14,12 +14,13 @@ enum class Flush { none, out, both };
 /// 131,071 bytes) is run by the same shell from a file in memory, or, where /proc is missing, from
 /// a private temporary file; -1 (with a warning) when neither can be written. Handlers of the
 /// program must be safe to run in the child, which shares its memory until it is the shell.
-int run_shell(const std::string& command, Flush flush);
+/// `meanwhile` is called while the command runs, if it could be started.
+int run_shell(const std::string& command, Flush flush, void (*meanwhile)() = nullptr);
 
 /// `run_shell` with both streams flushed, for the short commands that the program composes itself
 /// (`mkdir`, `rm`, `cp`). When the command died of SIGINT or SIGQUIT, the program ends by the same
 /// signal: the user wants the build stopped, not this step alone.
-int run_helper(const std::string& command);
+int run_helper(const std::string& command, void (*meanwhile)() = nullptr);
 
 /// The name as one word of a shell command. A name made of letters, digits, `_-./+,:=@%` and
 /// bytes of 128 and more stands as it is, any other is put in single quotes; a name that begins

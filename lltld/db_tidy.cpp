@@ -20,6 +20,10 @@ namespace
 
 constexpr unsigned int CODE_TIDYING_ERROR = 2311;
 
+/// The symbols whose saved objects are not copied yet: from one node of `instFileList` to another.
+const _InstFile* uncopied = nullptr;
+const _InstFile* uncopied_end = nullptr;
+
 /// Copies a file or directory of a record; false when its source is missing.
 bool copy_artefact(const std::string& source, const std::string& destination)
 {
@@ -30,11 +34,12 @@ bool copy_artefact(const std::string& source, const std::string& destination)
     return true;
 }
 
+/// True when the symbol's artefacts are there; the saved object, the largest, is copied later.
 bool copy_artefacts(const char* symbol, int number)
 {
     return copy_artefact(temp_db_dir(symbol), numbered_db_dir(number)) &&
            copy_artefact(temp_ini_path(symbol), ini_path(symbol)) &&
-           copy_artefact(temp_saved_object_path(symbol), saved_object_path(symbol));
+           QMRFileExists(temp_saved_object_path(symbol).c_str()) != 0;
 }
 
 bool tidy_symbols(std::FILE* merged, _SOURCEFILE_TAB& work)
@@ -49,8 +54,11 @@ bool tidy_symbols(std::FILE* merged, _SOURCEFILE_TAB& work)
                     "this error arises when TidyCoverageDB!\n");
             return false;
         }
-        if (g_iSupportSameName == 1 && !copy_artefacts(symbol, counter - 1)) {
-            return false;
+        if (g_iSupportSameName == 1) {
+            if (!copy_artefacts(symbol, counter - 1)) {
+                return false;
+            }
+            uncopied_end = node->pNext;
         }
     }
     return true;
@@ -67,6 +75,7 @@ int TidyCoverageDB()
         warn_not_written(path);
         return 0;
     }
+    uncopied = uncopied_end = instFileList.pHead;
     _SOURCEFILE_TAB work;
     bool done = tidy_symbols(merged, work);
     if (std::fclose(merged) != 0) {
@@ -77,6 +86,15 @@ int TidyCoverageDB()
     release_table(work);
     if (!done) {
         std::remove(path.c_str());
+        copy_saved_objects();
     }
     return done ? 1 : 0;
+}
+
+void copy_saved_objects()
+{
+    for (; uncopied != uncopied_end; uncopied = uncopied->pNext) {
+        const char* const symbol = uncopied->szInstFileName.c_str();
+        copy_tree(temp_saved_object_path(symbol), saved_object_path(symbol));
+    }
 }

@@ -6,6 +6,7 @@
 #include "commonfunc/path_search.h"
 #include "commonfunc/shell.h"
 #include "lltld/cov_paths.h"
+#include "lltld/db_tidy.h"
 #include "lltld/program_objects.h"
 
 #include <cstdio>
@@ -41,7 +42,7 @@ bool run_whole(const std::string& command, std::size_t bound)
             command.size(), bound);
         return false;
     }
-    if (run_helper(command) != 0) {
+    if (run_helper(command, copy_saved_objects) != 0) {
         warn_of_moved_driver(command);
         return false;
     }

@@ -56,6 +56,8 @@ bool bring_archive_up_to_date()
         print_fatal("TidyCoverageDB error\n");
         return false;
     }
-    warn_if_stub_is_stale(Caddis_Coverage_CreateCovInitCodeFile() != 0);
+    const bool compiled = Caddis_Coverage_CreateCovInitCodeFile() != 0;
+    copy_saved_objects(); // if no compile was reached
+    warn_if_stub_is_stale(compiled);
     return true;
 }

@@ -45,6 +45,13 @@ TEST_F(Shell, ALongCommandGivesTheSameResultAndLeavesNoFile)
     }
 }
 
+TEST_F(Shell, WorkMeanwhileIsDoneWhileTheCommandRuns)
+{
+    const auto make = [] { write_file("made", ""); };
+    EXPECT_EQ(run_helper("for i in $(seq 500); do [ -e made ] && exit 3; sleep 0.02; done", make),
+              3 << 8);
+}
+
 TEST_F(Shell, StatusIsThatOfAShellAndAnInterruptedHelperEndsTheProgram)
 {
     EXPECT_EQ(exit_status_of(SIGSEGV | 0x80), 139); // with a core file

@@ -198,6 +198,7 @@ std::string make_stub(const LinkCommand& link, const std::vector<ScannedObject>&
         TidyCoverageDB() == 0) {
         return "";
     }
+    copy_saved_objects();
     std::string stub = assemble_table();
     // What could not be copied now is copied by the next link.
     if (!stub.empty() && warnings_printed() == warnings) {
