@@ -20,7 +20,8 @@
 namespace
 {
 
-constexpr char SETTINGS[] = "source the project's TUSK_INIT.SH";
+constexpr char SETTINGS[] =
+    "source the project's TUSK_INIT.SH, or ask by 'lltcov run -- lltcov explain -- COMMAND'";
 
 void advise_on_project(const ExplainedStep& step, Advice& advice)
 {

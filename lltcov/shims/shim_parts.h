@@ -103,6 +103,8 @@ if [ -n "$trial" ] && { [ -z "$objects" ] || [ "$step" = -c ]; }; then
     [ "$trial" = yes ] || run_plainly 'its source comes from standard input' "$@"
     exec "$real" "$@"
 fi
+[ "$trial" != stdin ] ||
+    echo "lltwrapper: '${0##*/}' links a source from standard input without coverage" >&2
 
 # scan_list FILE: a response file and those that it names
 scan_list() {

@@ -159,7 +159,12 @@ TEST_F(Explain, WhatWillNotDoWhatOneExpectsIsAWarning)
          {"", "gcc '-DX=$Y' -o a", 1, {" 9 [-DX=$Y]", shell + "-DX=$Y]: the shell expands '$'"}},
          {"", "gcc 'a b.o' -o app", 1, {" 9 [a]\n 10 [b.o]", shell + "a], word 10 [b.o]: no ar"}},
          {"", "gcc \"-DX='\" -o app", 2, {"warning the shell refuses the command: '"}},
-         {"-u " + root, "gcc -c a.c", 1, {"warning '" + root + "' is not set"}},
+         {"-u " + root,
+          "gcc -c a.c",
+          1,
+          {"warning '" + root +
+           "' is not set: there is no project to put coverage data in; source the project's "
+           "TUSK_INIT.SH, or ask by 'lltcov run -- lltcov explain -- COMMAND'\n"}},
          {"-u qmr_coverage_stub_mold", "gcc -c a.c", 1, {"warning 'qmr_coverage_stub_mold' is"}},
          {root + "='/a b'", "gcc -c a.c", 1, {" 3 [/a]\n 4 [b]", "warning project path '/a b'"}},
          {root + "=p", "gcc -c a.c", 1, {"warning project path 'p' is relative"}},

@@ -120,6 +120,9 @@ TEST_F(Shims, OnlyStepsThatMakeCodeAreWrapped)
     EXPECT_EQ(
         out,
         "lltwrapper: 'gcc' runs without coverage: its source comes from standard input\ngcc ran\n");
+    EXPECT_EQ(run("LLT_WRAP=1 exec gcc -xc - -xnone y.o -o x"), 0);
+    EXPECT_EQ(out.find("lltwrapper: 'gcc' links a source from standard input without coverage\n"),
+              0U);
     for (const char* trial : {"CMakeFiles/CMakeScratch/t", "CMakeFiles/_CMakeLTOTest-C/bin",
                               "CMakeFiles/3.25.1/CompilerIdC", "b/meson-private"}) {
         fs::create_directories(trial);
