@@ -103,8 +103,9 @@ int run_doctor(const Arguments& arguments)
         const std::size_t modules = examined.data.modules.size();
         std::printf(
             "nothing found: %zu modules in '%s'%s\n", modules, examined.data.directory.c_str(),
-            modules == 0 ? "; what was built before needs 'make clean', then 'lltcov run -- make'"
-                         : "");
+            modules == 0
+                ? "; what was built before needs 'make clean', then 'lltcov run -- make', with CC=gcc if it names its compiler by a path"
+                : "");
     }
     return is_sick ? 1 : 0;
 }

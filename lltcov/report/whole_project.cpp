@@ -90,7 +90,8 @@ bool has_modules(const ProjectData& data, Findings& findings)
         findings.add("projects", "'" + data.directory +
                                      "' holds no module with coverage data; build it " +
                                      "('make clean' if it is built already, then 'lltcov run -- "
-                                     "make'), or name another one with --project");
+                                     "make', with CC=gcc if it names its compiler by a path), or "
+                                     "name another one with --project");
     }
     return !data.modules.empty();
 }

@@ -33,6 +33,11 @@ rm .lltcov && ln -s ../other .lltcov
 says 'data through a link' 2 "'$PWD/.lltcov' is a symbolic link; put a directory in its place" lltcov run -- make
 rm .lltcov
 
+# --- a build that names its compiler by a path; the next one is its cure
+lltcov run -- make -s CC="$(command -v gcc)" >"$said" 2>&1
+says 'a compiler that is named by a path' 1 'with CC=gcc if it names its compiler by a path' lltcov status
+quiet clean
+
 # --- a build whose tests are linked without us
 expect 'a build' 0 "$(lltcov run -- make -s >"$said" 2>&1; echo $?)"
 quiet check
