@@ -18,7 +18,7 @@ begin_results() {
 percent=50 # of a list's times, sorted: where the one is that stands for the list
 
 # begin_bench NAME: makes an empty work directory, build/bench/NAME, for what needs no sample project. Such
-# work is short: of many times the tenth says what it takes when nothing comes between.
+# work is short: the time at a tenth of the sorted list says what it takes when nothing comes between.
 begin_bench() {
     percent=10
     rm -rf "$root/build/bench/$1"
