@@ -36,7 +36,8 @@ protected:
         return WEXITSTATUS(status);
     }
 
-    /// Standard error holds one line of the program's own with this text; for no text none.
+    /// True when standard error has one line of the program's own, with this text in it; for an
+    /// empty text, when it has none.
     bool warns(const std::string& text) const
     {
         const std::string line = "lltwrapper: [^\n]*" + text + "[^\n]*\n";

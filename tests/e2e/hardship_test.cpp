@@ -40,7 +40,7 @@ TEST_F(EndToEnd, AMemberThatCannotBeReadIsNamed)
     }
 }
 
-TEST_F(EndToEnd, LongCommandsLeaveNothingWhenTheyAreStoppedAndSmallStacksDo)
+TEST_F(EndToEnd, LongCommandsRunOnSmallStacksAndLeaveNothingWhenStopped)
 {
     const std::string limits = "ulimit -s 64; ulimit -f 0; ", program = "'" LLTWRAPPER "' ";
     EXPECT_EQ(WEXITSTATUS(std::system((limits + program + "gcc -E a.c >/dev/null").c_str())), 0);

@@ -49,7 +49,7 @@ TEST_F(EndToEnd, EmptyWordsAndLineEndsReachTheShellAsTheyAre)
     EXPECT_NE(::access("p", F_OK), 0); // nothing was made for the archive without a name
 }
 
-TEST_F(EndToEnd, TheSignalThatKilledAToolIsToldOf)
+TEST_F(EndToEnd, TheSignalThatKilledAToolIsNamed)
 {
     for (int signal = 1; signal < 32; ++signal) {
         const bool stops = signal >= SIGSTOP && signal <= SIGTTOU;

@@ -1,4 +1,4 @@
-// The built program as a process: its exit status, its log, and what it stands.
+// The built program as a process: its exit status, its log, and what it withstands.
 #include "tests/e2e/end_to_end.h"
 
 namespace

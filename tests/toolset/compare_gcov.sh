@@ -1,5 +1,5 @@
 #!/bin/bash
-# Tells the truth? Builds and tests a sample project with `gcc --coverage` and through lltwrapper and
+# Does lltcov tell the truth? Builds and tests a sample project with `gcc --coverage` and through lltwrapper and
 # the tool set, and compares lines, functions and branches that gcov and lltcov report, with their
 # counts. Where they differ, gcov is asked again, with the texts of the programs moved by one byte and
 # more: what it counts otherwise then depends on where data lie (hash functions read aligned keys by

@@ -1,8 +1,8 @@
 #!/bin/bash
 # With a real compiler cache: a second build of the same tree, in another project, comes from the
 # cache and has its records and its report; a cache under the compiler's own name serves plain and
-# covered builds in turn; a lost record comes back;
-# an object of the same tree in another directory is no hit.
+# covered builds in turn; a lost record comes back; an object of the same tree in another directory
+# is no hit.
 # shellcheck source=tests/common.sh
 . "$(dirname "$0")/../common.sh"
 unset CCACHE_DISABLE

@@ -2,7 +2,7 @@
 # A compiler, assembler or linker that is killed once, as for want of memory, while it works for coverage: make
 # takes what is there then for whole, so it has coverage, and nothing says otherwise. One that refuses each time
 # costs the coverage, with one line, and so does a work area that cannot be made.
-# usage: killed_tools_test.sh PROGRAMS [GCC]
+# usage: hindered_drivers_test.sh PROGRAMS [GCC]
 # shellcheck source=tests/common.sh
 . "$(dirname "$0")/../common.sh"
 real=$(command -v "${1:-gcc}")

@@ -17,7 +17,7 @@ class CommandLineOfLltcov : public TestDir
 {
 };
 
-TEST_F(CommandLineOfLltcov, HelpIsAnAnswerAndAWrongCallATwo)
+TEST_F(CommandLineOfLltcov, HelpExitsWith0AndAWrongCallWith2)
 {
     const Call calls[] = {
         {"--help", 0, "usage: lltcov COMMAND [", ""},

@@ -1,4 +1,4 @@
-// What lies among the dumps and is none: it is named and left out, and the others count.
+// Files among the dumps that are no dumps: they are named and left out, and the others count.
 #include "tests/lltcov/project_fixture.h"
 
 #include <sys/resource.h>
