@@ -30,16 +30,10 @@ bool equals_nocase(std::string_view a, std::string_view b)
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), are_equal);
 }
 
-bool contains_nocase(std::string_view text, std::string_view needle)
-{
-    return std::search(text.begin(), text.end(), needle.begin(), needle.end(), are_equal) !=
-               text.end() ||
-           needle.empty();
-}
-
 bool names_project_file(const std::string& path)
 {
-    return contains_nocase(path, ".prj");
+    constexpr std::string_view MARK = ".prj";
+    return std::search(path.begin(), path.end(), MARK.begin(), MARK.end(), are_equal) != path.end();
 }
 
 std::string squeeze_percent_pairs(const std::string& text)
@@ -58,6 +52,13 @@ std::string squeeze_percent_pairs(const std::string& text)
 std::string beginning_of(const std::string& text)
 {
     return text.size() <= 200 ? text : text.substr(0, 200) + "...";
+}
+
+std::string hex_digits(std::uint64_t number)
+{
+    char digits[17];
+    format_bounded(digits, "%016llx", static_cast<unsigned long long>(number));
+    return digits;
 }
 
 void QMRStrcpy(char* dst, const char* src, int size)

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <map>
 #include <string>
@@ -21,6 +22,12 @@ bool equals_nocase(std::string_view a, std::string_view b);
 constexpr bool begins_with(std::string_view text, std::string_view start)
 {
     return text.substr(0, start.size()) == start;
+}
+
+/// True when the text ends with `end`.
+constexpr bool ends_with(std::string_view text, std::string_view end)
+{
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
 /// True when the part stands anywhere in the text.
@@ -41,9 +48,6 @@ inline bool is_one_of(std::string_view text, std::initializer_list<std::string_v
     return std::find(list.begin(), list.end(), text) != list.end();
 }
 
-/// True when `needle` occurs in `text` without regard to the case of ASCII letters.
-bool contains_nocase(std::string_view text, std::string_view needle);
-
 /// True when the path names a project file, that is when it holds ".prj" anywhere, also in a
 /// directory name, in any case.
 bool names_project_file(const std::string& path);
@@ -55,6 +59,18 @@ std::string squeeze_percent_pairs(const std::string& text);
 
 /// The first 200 bytes of a text, enough to find a command in the build log.
 std::string beginning_of(const std::string& text);
+
+/// FNV-1a of 64 bits over the text, after what `hash` covers already; by default nothing.
+constexpr std::uint64_t fnv1a(std::string_view text, std::uint64_t hash = 0xCBF29CE484222325U)
+{
+    for (const char c : text) {
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+    }
+    return hash;
+}
+
+/// The number as 16 hexadecimal digits, for file names and coverage symbols.
+std::string hex_digits(std::uint64_t number);
 
 /// Copies at most `size` - 1 characters, fills up with NUL, and always puts a NUL at position
 /// `size` - 1. Does nothing when a pointer is null or `size` is not positive.

@@ -136,8 +136,7 @@ void check_archives(Examined& examined, Findings& findings)
         }
     }
     for (const std::string& path : examined.files) {
-        if (path.size() > 2 && path.compare(path.size() - 2, 2, ".a") == 0 &&
-            read_whole_file(path, content) == Reading::done) {
+        if (ends_with(path, ".a") && read_whole_file(path, content) == Reading::done) {
             archives.add(path, content);
             const std::string place = in_place_of_area(examined.data.root, module_of_archive(path));
             if (!place.empty()) {

@@ -6,6 +6,7 @@
 #include "commonfunc/path_name.h"
 #include "commonfunc/path_search.h"
 #include "commonfunc/shell.h"
+#include "commonfunc/text.h"
 #include "contract/project_root.h"
 #include "lltcov/common/coverage_names.h"
 #include "lltcov/common/tool_kind.h"
@@ -67,8 +68,7 @@ void advise_on_places(const ExplainedStep& step, Advice& advice)
     }
     const std::string output = absolute_path(step.decision.output);
     for (const std::string& word : step.command) {
-        if (step.mode == Mode::link && word.size() > 2 &&
-            word.compare(word.size() - 2, 2, ".a") == 0 &&
+        if (step.mode == Mode::link && ends_with(word, ".a") &&
             output == absolute_path(root) + "/" + module_of_archive(word)) {
             warn_of(output, word);
         }

@@ -2,6 +2,7 @@
 #include "lltcov/report/data_files.h"
 
 #include "commonfunc/file_io.h"
+#include "commonfunc/text.h"
 #include "contract/record.h"
 #include "lltcov/common/project.h"
 #include "lltcov/report/gcov_files.h"
@@ -20,7 +21,7 @@ std::string stem_of(const std::string& object, const std::string& root)
     const std::string plain = std::filesystem::path(object).lexically_normal();
     std::string stem = shown_path(plain, root);
     stem.erase(0, stem.find_first_not_of('/'));
-    const bool has_suffix = stem.size() > 2 && stem.compare(stem.size() - 2, 2, ".o") == 0;
+    const bool has_suffix = stem.size() > 2 && ends_with(stem, ".o");
     return has_suffix ? stem.substr(0, stem.size() - 2) : stem;
 }
 

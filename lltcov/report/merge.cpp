@@ -4,6 +4,7 @@
 #include "commonfunc/directory.h"
 #include "commonfunc/file_io.h"
 #include "commonfunc/path_name.h"
+#include "commonfunc/text.h"
 #include "commonfunc/text_lines.h"
 #include "contract/dump_file.h"
 #include "contract/dump_format.h"
@@ -20,13 +21,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <exception>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <system_error>
 #include <unordered_map>
 #include <utility>
@@ -34,18 +33,6 @@
 
 namespace
 {
-
-/// The name, 16 hexadecimal digits long, of a text (FNV-1a).
-std::string short_name(std::string_view text)
-{
-    std::uint64_t hash = 0xcbf29ce484222325U;
-    for (const char c : text) {
-        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3U;
-    }
-    char name[17];
-    std::snprintf(name, sizeof name, "%016llx", static_cast<unsigned long long>(hash));
-    return name;
-}
 
 /// Whether the counters can be those from before and more; the last `or_words` join by "or".
 bool has_grown(const Counters& now, const Counters& before, std::size_t or_words)
@@ -205,7 +192,7 @@ private:
     void add(const std::string& bytes, const std::string& origin)
     {
         for (std::size_t number = 0;; ++number) {
-            const std::string path = target_ + "/merged." + short_name(origin) + "." +
+            const std::string path = target_ + "/merged." + hex_digits(fnv1a(origin)) + "." +
                                      std::to_string(number) + DUMP_SUFFIX;
             std::string before;
             const bool is_new = read_whole_file(path, before) != Reading::done;

@@ -81,19 +81,15 @@ std::string percent(const Rate& rate)
     return std::to_string(thousandths / 10) + "." + std::to_string(thousandths % 10);
 }
 
-std::string json_rate(const Rate& rate)
-{
-    return "{\"hit\": " + std::to_string(rate.hit) + ", \"total\": " + std::to_string(rate.total) +
-           "}";
-}
-
 std::string json_rates(const Rates& rates, const Rates& all, Counting counting)
 {
     std::string out;
     for (const RateName& name : RATE_NAMES) {
         if (is_shown(name, all, counting)) {
+            const Rate& rate = rates.*name.rate;
             out += (out.empty() ? "\"" : ", \"") + std::string(name.name) +
-                   "\": " + json_rate(rates.*name.rate);
+                   "\": {\"hit\": " + std::to_string(rate.hit) +
+                   ", \"total\": " + std::to_string(rate.total) + "}";
         }
     }
     return out;

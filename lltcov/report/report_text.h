@@ -12,11 +12,8 @@ std::string json_string(const std::string& text);
 /// it is 100.0, and 0.0 only when nothing is.
 std::string percent(const Rate& rate);
 
-/// `{"hit": HIT, "total": TOTAL}`
-std::string json_rate(const Rate& rate);
-
-/// `"NAME": RATE` of each rate that the report shows, separated by ", "; `all` are those of the
-/// whole report.
+/// `"NAME": {"hit": HIT, "total": TOTAL}` of each rate that the report shows, separated by ", ";
+/// `all` are those of the whole report.
 std::string json_rates(const Rates& rates, const Rates& all, Counting counting);
 
 /// The text as content or attribute value of XML 1.0.

@@ -1,7 +1,7 @@
-// A pattern is one of a shell, whose "*" takes "/" too. It names sources relative to the project,
+// A pattern is one of a shell, but its "*" takes "/" too. It names sources relative to the project,
 // or by their absolute paths, and directories with all that is in them; one without a slash names
-// them in any directory, unless it begins with "./". Sources are read for their marks when they
-// are shown: a changed source is not shown at all.
+// them in any directory, unless it begins with "./". Sources are searched for marks when they are
+// shown; a source that has changed since its compile is not shown at all.
 #include "lltcov/report/selection.h"
 
 #include "commonfunc/file_io.h"
@@ -41,8 +41,8 @@ bool matches(const std::string& pattern, const std::string& path)
            ::fnmatch((pattern + "/*").c_str(), path.c_str(), 0) == 0;
 }
 
-/// True when a pattern names the source; `shown` is its path in the project. Where the project
-/// itself is does not matter then.
+/// True when a pattern names the source; `shown` is its path in the project. The directories above
+/// the project are not compared with a pattern that has no slash.
 bool is_named(const Words& patterns, const std::string& path, const std::string& shown)
 {
     const std::string names = shown == path ? path : "/" + shown;
@@ -97,11 +97,9 @@ std::vector<Mark> marks_in(std::string_view line, std::string_view kind)
     for (std::size_t at = line.find(MIDDLE); at != line.npos; at = line.find(MIDDLE, at + 1)) {
         const std::string_view before = line.substr(0, at);
         const std::string_view after = line.substr(at + MIDDLE.size());
-        const bool begins = std::any_of(
-            std::begin(BEGINNINGS), std::end(BEGINNINGS), [&](std::string_view beginning) {
-                return before.size() >= beginning.size() &&
-                       before.substr(before.size() - beginning.size()) == beginning;
-            });
+        const bool begins =
+            std::any_of(std::begin(BEGINNINGS), std::end(BEGINNINGS),
+                        [&](std::string_view beginning) { return ends_with(before, beginning); });
         for (const auto& [end, mark] : ENDS) {
             if (begins && after.substr(0, kind.size()) == kind &&
                 after.substr(kind.size(), end.size()) == end) {

@@ -31,4 +31,22 @@ TEST_F(Text, ComparesAsciiLettersOfEitherCase)
     EXPECT_FALSE(equals_nocase("ab", "a"));
     EXPECT_FALSE(equals_nocase("\xC4", "\xE4"));
     EXPECT_TRUE(names_project_file("/a.PrJ.d/b"));
+    EXPECT_FALSE(names_project_file("/a.pr/j"));
+}
+
+TEST_F(Text, EndsWithAWholeEndOnly)
+{
+    EXPECT_TRUE(ends_with("lib.a", ".a"));
+    EXPECT_TRUE(ends_with(".a", ".a"));
+    EXPECT_FALSE(ends_with("a", ".a"));
+    EXPECT_FALSE(ends_with("lib.ab", ".a"));
+}
+
+TEST_F(Text, HashIsFnv1aOf64BitsInSixteenDigits)
+{
+    // Values that were published with the algorithm.
+    EXPECT_EQ(hex_digits(fnv1a("")), "cbf29ce484222325");
+    EXPECT_EQ(hex_digits(fnv1a("a")), "af63dc4c8601ec8c");
+    EXPECT_EQ(hex_digits(fnv1a("bar", fnv1a("foo"))), "85944171f73967e8");
+    EXPECT_EQ(hex_digits(0xA), "000000000000000a");
 }

@@ -6,7 +6,6 @@
 
 #include <cctype>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <vector>
 
@@ -52,15 +51,9 @@ DriverCall read_driver_call(const Words& arguments)
 
 std::string hash_name(const Words& texts)
 {
-    std::uint64_t hash = 0xCBF29CE484222325U;
-    const auto mix = [&](unsigned char byte) { hash = (hash ^ byte) * 0x100000001B3U; };
+    std::uint64_t hash = fnv1a("");
     for (const std::string& text : texts) {
-        for (const char c : text) {
-            mix(static_cast<unsigned char>(c));
-        }
-        mix(0xFF); // where one text ends and the next begins
+        hash = fnv1a("\xFF", fnv1a(text, hash)); // where one text ends and the next begins
     }
-    char digits[17];
-    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
-    return digits;
+    return hex_digits(hash);
 }

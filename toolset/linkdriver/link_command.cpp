@@ -34,14 +34,9 @@ struct Wanted {
     bool is_static; ///< no shared library will do
     bool is_path;
 };
+
 /// Scripts may name scripts; a ring of them ends here.
 constexpr std::size_t MAX_WANTED = 10000;
-
-bool ends_with(const std::string& text, const std::string& end)
-{
-    return text.size() >= end.size() &&
-           text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
 
 /// "ld", "ld.gold", "x86_64-linux-gnu-ld", "ld.lld-14", "mold".
 bool names_linker(const std::string& tool)
