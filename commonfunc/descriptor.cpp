@@ -1,5 +1,5 @@
-// A stream has its descriptor as cookie. The C library's own streams lose what they were to read or
-// write when a signal interrupts them.
+// Streams made by fopencookie(3), whose cookie is the descriptor: those of fopen(3) lose data when
+// a signal interrupts a read or write.
 #include "commonfunc/descriptor.h"
 
 #include <cstdint>

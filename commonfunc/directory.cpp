@@ -1,4 +1,4 @@
-// A stream is read to its end at once, so that what is done with the names cannot disturb it.
+// A directory is read to its end at once, so that what is done with the names cannot disturb it.
 #include "commonfunc/directory.h"
 
 #include "commonfunc/descriptor.h"

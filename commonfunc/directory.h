@@ -33,10 +33,11 @@ using Directory = std::unique_ptr<DIR, int (*)(DIR*)>;
 /// Opens the directory, with further flags of open(2); null with `errno` when that fails.
 Directory open_directory(const Place& place, int flags = 0);
 
-/// The names in the directory, in byte order, without "." and ".."; a null one, and one that cannot
-/// be read, has none, which is reported unless it is missing. All are read before the first is
-/// given: removal would disturb a directory that is being read. `path` is for the message.
+/// The names in the directory, in byte order, without "." and "..". Those that cannot be read are
+/// missing, all of them for a null directory; a warning says so, unless there is no such directory.
+/// All names are read before any is used, as removing entries would disturb the reading. `path` is
+/// for the message; for a null directory `errno` says why it could not be opened.
 std::vector<std::string> names_of(const Directory& directory, const std::string& path);
 
-/// The same of the directory of that path.
+/// The same for the directory of that path.
 std::vector<std::string> names_in(const std::string& path);

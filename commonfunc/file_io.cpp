@@ -1,4 +1,5 @@
-// Only regular files are opened, so that nothing blocks; a file has the size that it has then.
+// Only regular files are opened, so that nothing blocks. A file is read up to the size that it had
+// when it was opened.
 #include "commonfunc/file_io.h"
 
 #include <algorithm>
@@ -56,7 +57,7 @@ void open_for_reading(const std::string& path, Opened& file)
     }
 }
 
-/// False on an error, and, with `errno` 0, when the file ends before: it became shorter.
+/// False on an error, and, with `errno` 0, when the file has become shorter and ends too early.
 bool read_exactly(int fd, char* out, std::size_t size)
 {
     for (std::size_t done = 0; done < size;) {

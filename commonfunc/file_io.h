@@ -16,10 +16,11 @@ enum class Reading { done, missing, not_opened, empty, no_memory, failed };
 /// when no system call failed.
 Reading read_whole_file(const std::string& path, std::string& content);
 
-/// Room for a file's bytes; null when there is none.
+/// Gives memory for `size` bytes; null when there is none.
 using RoomFor = std::function<char*(std::size_t size)>;
 
-/// The same to where `room` says, which is asked once, for a file that is not empty.
+/// The same into the memory that `room` gives; it is called at most once, and not for an empty
+/// file.
 Reading read_file_into(const std::string& path, const RoomFor& room);
 
 /// The reason that `errno` gives after such a reading, as text.
@@ -28,7 +29,7 @@ const char* why_not_read();
 /// True for the errors that say that there can be no such file; after others there may be one.
 bool means_absent(int error);
 
-/// What takes a piece of a file; false when it wants no more.
+/// Takes a piece of a file; false when it wants no more.
 using TakePiece = std::function<bool(const char* piece, std::size_t size)>;
 
 /// The same for a file of any size in bounded memory: its bytes are given in pieces of at most

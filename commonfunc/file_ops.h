@@ -33,10 +33,10 @@ int QMRGetCurrProcName(char* out);
 /// Same as `QMRGetCurrProcName`.
 int GetCurrProcName(char* out);
 
-/// The directory of the path that `QMRGetCurrProcName` gives, of which `path_length` bytes are
-/// looked at; "." when it cannot be told.
+/// The directory in the first `path_length` bytes of the path that `QMRGetCurrProcName` gives; "."
+/// when there is none.
 std::string cut_program_directory(std::size_t path_length);
 
-/// The directory of the running executable, by the path that it was started by where /proc is
-/// missing; "." when it cannot be told.
+/// The directory of the running executable; where /proc is missing, that of the path by which it
+/// was started; "." when neither is known.
 std::string program_directory();

@@ -54,10 +54,12 @@ std::string path_beside(const std::string& path)
 }
 
 /// What stands under the path of an opened file.
-enum class Beside { own, foreign, other };
+enum class Beside {
+    own,     ///< that file
+    foreign, ///< that file, which is another user's or has further names
+    other    ///< another file, or none: another writer has been there in the meantime
+};
 
-/// Own is the file itself, foreign when it is another user's or has further names; other is what
-/// another writer has left there in the meantime, nothing for example.
 Beside look_beside(int fd, const std::string& path)
 {
     struct stat opened = {};
@@ -108,7 +110,8 @@ int open_locked(const std::string& path)
     return -1;
 }
 
-/// Gives the new file owner and group of the old one, if there is one; false when it may not.
+/// Gives the new file owner and group of the old one, if there is one; false when the process may
+/// not do that.
 bool keep_owner(int fd, const struct stat* old)
 {
     struct stat made = {};
@@ -120,8 +123,8 @@ bool keep_owner(int fd, const struct stat* old)
 /// What writes the content to a descriptor, which it leaves open; false with `errno` on failure.
 using WriteTo = std::function<bool(int fd)>;
 
-/// Writes and has the system say what it does not keep. Closing another descriptor of the file
-/// tells that, too, and leaves it locked.
+/// Writes, and closes another descriptor of the file: some systems tell only then that they could
+/// not keep what was written, and the file itself stays open and locked.
 bool write_and_flush(int fd, const WriteTo& write)
 {
     if (!write(fd)) {
@@ -131,7 +134,7 @@ bool write_and_flush(int fd, const WriteTo& write)
     return other < 0 || ::close(other) == 0 || errno == EINTR;
 }
 
-/// Nothing is done when no file can be made beside. `old` is what it replaces, null for nothing.
+/// Does nothing when no file can be made beside. `old` is the file that is replaced, null for none.
 Writing write_beside_and_rename(const std::string& path, const WriteTo& write,
                                 const struct stat* old)
 {

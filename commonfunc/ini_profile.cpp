@@ -32,11 +32,11 @@ struct IniText {
     bool opened = false;
     bool too_large = false;    ///< the file holds more than one buffer does
     bool rest_dropped = false; ///< something stands after a 0xFF or NUL
-    int error = 0;             ///< why it is not known though it is there
+    int error = 0;             ///< why an existing file could not be read; 0 when it was
 };
 
-/// True when there is such a file, but not what it holds: a text that is written then would lack
-/// it.
+/// True when the file exists but its content could not be read: a text that is written now would
+/// lack that content.
 bool is_unknown(const IniText& loaded)
 {
     return loaded.error == EMFILE || loaded.error == ENFILE || loaded.error == EIO ||

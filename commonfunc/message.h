@@ -38,12 +38,11 @@ void set_warning_name(const char* program);
 /// write. For what the build engineer should know: what, where, what to do.
 void warn(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-/// How many such lines this process has printed: whether all went well is seen where nothing was
-/// to be warned of.
+/// How many such lines this process has printed. Work that leaves the number as it was went well.
 std::size_t warnings_printed();
 
-/// While it lives, what the functions above would print is kept here: to know what an operation
-/// says without saying it. One at a time.
+/// While it lives, it keeps what the functions above would print: to learn what an operation says
+/// without printing it. One at a time.
 class HeldMessages
 {
 public:

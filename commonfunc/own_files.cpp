@@ -1,5 +1,6 @@
-// The build tree has everything beside the programs, but for the runtime. In an installation the
-// way from directory to directory is fixed by the build, so that it can be moved as a whole.
+// In the build tree everything lies beside the programs, except the runtime. In an installation the
+// build fixes the relative path from each directory to the others, so that it can be moved as a
+// whole.
 #include "commonfunc/own_files.h"
 
 #include "commonfunc/file_ops.h"

@@ -1,4 +1,4 @@
-// Only for looking at what they name: the command itself is passed on as it is.
+// Response files are read only to see what they name: the command itself is passed on as it is.
 #include "commonfunc/response_file.h"
 
 #include "commonfunc/file_io.h"

@@ -25,7 +25,7 @@ std::uint64_t word_of(const char* bytes, std::string_view order)
     return word;
 }
 
-/// Where the header ends of which this is the start, or `npos`.
+/// Where the header ends that these bytes begin with; `npos` when that is beyond them.
 std::size_t end_of_header(std::string_view start)
 {
     const std::size_t last_line = start.find("\n" DUMP_COUNTS " ");
@@ -37,7 +37,7 @@ std::size_t end_of_header(std::string_view start)
 class HeaderReader
 {
 public:
-    /// Of the file, `rest` bytes follow the text.
+    /// `rest` is the number of bytes that follow the text in the file.
     HeaderReader(std::string_view text, std::uint64_t rest, Dump& dump)
         : lines_(text), rest_(rest), dump_(dump)
     {

@@ -17,7 +17,7 @@ struct DumpedSource {
     std::vector<std::uint64_t> counters; ///< the words of its array, when they were read
 };
 
-/// The content of a dump file. Its texts are parts of the header, so it can be moved only.
+/// The content of a dump file. Its texts are views into the header, so it can be moved, not copied.
 struct Dump {
     Dump() = default;
     Dump(Dump&&) = default;
@@ -33,9 +33,8 @@ struct Dump {
     std::vector<DumpedSource> sources;
 };
 
-/// A dump file that is read piece by piece: the header at once, arrays when they are asked for. So
-/// a file that is no dump costs little, however large it is, and a dump no more than its readers
-/// have use for.
+/// A dump file that is read piece by piece: the header at once, an array when it is asked for. So a
+/// file that is no dump costs little memory, however large it is.
 class DumpReader
 {
 public:
@@ -62,5 +61,6 @@ private:
 /// The dump of a whole file in memory, its counters read.
 Dump read_dump(std::string_view bytes);
 
-/// The bytes of a sound dump with another work area and name of its test; an empty one is none.
+/// The bytes of a sound dump with another work area and another name of its test; with an empty
+/// `test`, of no test.
 std::string moved_dump(std::string_view bytes, const std::string& area, const std::string& test);

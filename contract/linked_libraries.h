@@ -1,7 +1,6 @@
-// The static libraries of a link that have a stub, as they were when they were linked: libraries of
-// one stem share a work area, the last one that is built has it, and only the list
-// identifies the runs of the others. The link driver writes it into its module's work area, lltcov
-// reads it:
+// The static libraries of a link that have a stub, as they were when they were linked. Libraries of
+// one stem share a work area, which describes the one built last; only this list identifies the
+// runs of the others. The link driver writes it into its module's work area, lltcov reads it:
 //
 //     lltlibraries 1                     format and its version
 //     library /p/debug/libdemo.a         a library; the lines after it are about it

@@ -1,7 +1,7 @@
-/* What the object that a link adds tells the runtime of the module: data alone, with a symbol of
- * this name in each module. The link driver writes it as a text for the compiler's assembler
- * (toolset/linkdriver/module_table.cpp), in the order of the members, which have the same places on
- * every target: addresses first. */
+/* The table that describes a link's module to the runtime: an object of data alone, which the link
+ * driver adds to each module. It writes the table as a text for the compiler's assembler
+ * (toolset/linkdriver/module_table.cpp), in the order of these members, which have the same places
+ * on every target: addresses first. */
 #ifndef CONTRACT_MODULE_TABLE_H
 #define CONTRACT_MODULE_TABLE_H
 

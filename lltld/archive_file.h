@@ -25,6 +25,6 @@ inline constexpr std::string_view THIN_ARCHIVE_MAGIC = "!<thin>\n";
 /// True when the bytes, of which only the first eight matter, are those of an archive.
 bool is_archive(std::string_view bytes);
 
-/// Reads the bytes of an archive; nothing is in one that is none. What is cut off or does not make
-/// sense is left out.
+/// Reads the bytes of an archive; empty for bytes that are none. Members that are cut off or make
+/// no sense are left out.
 ArchiveFile read_archive_file(std::string_view bytes);

@@ -9,7 +9,7 @@
 /// Elements of the declared counter array of a source with `instnum` points.
 std::int64_t array_length(const CounterMode& mode, std::int32_t instnum);
 
-/// By how much the running start index goes on after a source with `instnum` points.
+/// By how much the running start index advances after a source with `instnum` points.
 std::uint64_t start_advance(const CounterMode& mode, std::int32_t instnum);
 
 /// Bytes of the counter buffer stated at registration.

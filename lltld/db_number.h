@@ -1,5 +1,5 @@
-// Pass 2 over the merged table: numbering of the points, the counter arrays of the
-// stub, and the keys of the work area's project file.
+// Pass 2 over the merged table: numbering of the points, the counter arrays of the stub, and the
+// keys of the work area's project file.
 #pragma once
 
 #include "lltld/source_tab.h"

@@ -1,5 +1,5 @@
-// Four targets per symbol. Kept: the saved object is the one entry named exactly as the symbol,
-// the after area holds entries with suffixes, so only there the name is a beginning.
+// Four places per symbol. Kept: the saved object has exactly the symbol's name; entries of the
+// after area have suffixes, so there all names that begin with the symbol and a full stop go.
 #include "lltld/expired_inst.h"
 
 #include "commonfunc/Caddis_func.h"

@@ -29,8 +29,8 @@ private:
 };
 
 /// Searches `data` for the NUL-terminated pattern by a `PatternSearch`; the match, or null.
-/// Attempts start at offsets below `len` only; one may read beyond it, which
-/// a NUL after the data makes safe. An empty pattern matches when `len` is at least 1.
+/// Attempts start at offsets below `len` only; one may read beyond it, which a NUL after the data
+/// makes safe. An empty pattern matches when `len` is at least 1.
 const char* QMRstrstr(const char* data, const char* pattern, unsigned long len);
 
 /// Sets `*found` to 1 or 0: whether the pattern occurs in the file. Returns 1, or 0 when the file

@@ -19,10 +19,10 @@ namespace
 {
 
 /// Room for the stub's paths after the recorded command, and for a whole second-stage command.
-constexpr std::size_t ROOM_BEHIND_PREFIX = 1023;
+constexpr std::size_t ROOM_AFTER_PREFIX = 1023;
 constexpr std::size_t SECOND_STAGE_LENGTH = 2047;
 
-/// The recorded command names its driver by the path of the time when the sources were compiled.
+/// The recorded command names its driver by the path that it had when the sources were compiled.
 void warn_of_moved_driver(const std::string& command)
 {
     const std::string driver = command.substr(0, command.find(' '));
@@ -81,7 +81,7 @@ int LD_CompileCovInitCodeFile()
         return 0;
     }
     const std::string prefix = text.c_str();
-    const std::size_t bound = text.size() + ROOM_BEHIND_PREFIX;
+    const std::size_t bound = text.size() + ROOM_AFTER_PREFIX;
     bool done = false;
     if (g_lltusercmd[0] != '\0') {
         done = run_two_stages(prefix, bound, g_lltusercmd, " -o ");

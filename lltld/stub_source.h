@@ -1,6 +1,5 @@
-// The stub of a module: a C source that declares the counter arrays of its
-// sources, registers them with the coverage runtime when the module is loaded, and has them dumped
-// when it is unloaded.
+// The stub of a module: a C source that declares the counter arrays of its sources, registers them
+// with the coverage runtime when the module is loaded, and has them dumped when it is unloaded.
 #pragma once
 
 #include "lltld/source_tab.h"

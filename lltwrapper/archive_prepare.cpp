@@ -39,6 +39,7 @@ bool inspect(const std::string& argument, ScannedObject& object)
     return scan_object(path, object) && !object.has_test_loader && !object.symbols.empty();
 }
 
+/// Kept: in this case of letters alone, while the scan of classify takes them in any case.
 bool is_suffix_option(const std::string& argument)
 {
     const char* const options[] = {"-objsuffix", "-binsuffix", "-arsuffix", "-artool"};

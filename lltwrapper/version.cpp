@@ -1,6 +1,6 @@
-// The only file with build-time macros, so that nothing else changes from build to build. A build
-// that is to be repeated byte for byte, by SOURCE_DATE_EPOCH, defines the time: not every compiler
-// heeds that.
+// The only file with build-time macros, so that nothing else changes from build to build. With
+// SOURCE_DATE_EPOCH the build defines the time, so that it can be repeated byte for byte: not every
+// compiler heeds that variable.
 #include "lltwrapper/version.h"
 
 #include "commonfunc/message.h"
