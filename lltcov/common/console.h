@@ -40,7 +40,7 @@ private:
 /// written there.
 bool finish_output();
 
-/// A line on a terminal at standard error that says how far long work is; nothing elsewhere.
+/// A line that says how far long work is, where standard error is a terminal; nothing elsewhere.
 class Progress
 {
 public:

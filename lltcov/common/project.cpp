@@ -35,7 +35,8 @@ std::string directory_around()
     return here;
 }
 
-/// Says once that settings in the environment have led away from the project of this directory.
+/// Says once that the settings in the environment are those of another project than this
+/// directory's.
 void warn_of_settings(const std::string& root)
 {
     static bool is_said = false;
@@ -49,8 +50,8 @@ void warn_of_settings(const std::string& root)
     }
 }
 
-/// The data of a project that is named by its directory. Work areas are found by their paths, which
-/// name none through a link.
+/// The root of the data of a project that is named by its directory. Throws for a symbolic link:
+/// dumps name their work area by its real path, which would not be below the link.
 std::string data_of(const std::string& directory)
 {
     std::string own = own_directory(directory);

@@ -13,11 +13,11 @@ struct Module {
     std::string area; ///< ROOT/NAME/codemeasure, absolute
 };
 
-/// The root of the project's data, absolute: of the option "--project", else of
-/// "qmr_current_prj_path" (whose project file, when it names one, stands for its directory, and
-/// whose platform's subdirectory counts where one tree is built for several), else the current
-/// directory or the nearest above it that has ".lltcov". What is named by hand stands for its
-/// directory ".lltcov" where it has one.
+/// The root of the project's data, absolute: that of the option "--project", else that of
+/// "qmr_current_prj_path" (a project file stands for its directory; where one tree is built for
+/// several platforms, the platform's subdirectory counts), else the current directory or the
+/// nearest above it that has ".lltcov". The directory of the option, and the current one, stand for
+/// their directory ".lltcov" where they have one.
 std::string project_root(const CommandLine& line);
 
 /// A directory that was `there` when programs were built or ran, and is `here`: absolute, without
@@ -37,8 +37,8 @@ std::string mapped_path(const PathMaps& maps, const std::string& path);
 /// DIRECTORY/.lltcov where the settings have made it, else the directory itself.
 std::string own_directory(const std::string& directory);
 
-/// Where the companion keeps something of this name: in ".lltcov", else in LLTTEMP, as what lies
-/// beside that may be the user's.
+/// Where lltcov keeps something of this name: in ".lltcov", else in LLTTEMP, since what lies beside
+/// LLTTEMP may be the user's.
 std::string kept_place(const std::string& root, const std::string& name);
 
 /// True for DIRECTORY/.lltcov itself.
@@ -57,8 +57,7 @@ std::string dump_root(const std::string& root);
 /// True for the name of a dump file.
 bool is_dump(const std::string& name);
 
-/// True for the name of a file that lies beside a dump for the next that writes it
-/// (".NAME.lltcov.tmp").
+/// True for the name of a file that lies beside a dump for its next writer (".NAME.lltcov.tmp").
 bool is_spare_dump(const std::string& name);
 
 /// True for a path below the directory, both absolute and without "." and "..".

@@ -1,5 +1,5 @@
-// The environment as TUSK_INIT.SH sets it: the wrapper and the drivers read most of it without a
-// word, an unset switch counts as 0.
+// The environment as TUSK_INIT.SH sets it: the wrapper and the drivers read most of it without
+// complaint, and an unset switch counts as 0.
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/path_name.h"
@@ -23,7 +23,7 @@ namespace
 
 struct Setting {
     const char* name;
-    const char* values; ///< the sound ones, after blanks; the first is that of the settings
+    const char* values; ///< sound values, a blank before each; TUSK_INIT.SH sets the first one
     bool is_required;
 };
 
@@ -43,7 +43,7 @@ struct Selected {
     const char* by;
     const char* name;
     int largest;
-    const char* usual; ///< that of the settings
+    const char* usual; ///< the value that TUSK_INIT.SH sets
 };
 
 constexpr Selected SELECTED[] = {

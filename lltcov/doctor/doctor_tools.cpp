@@ -1,5 +1,4 @@
-// Programs are found on PATH, by the wrapper's shell, which comes to those of the installation
-// last.
+// Programs are looked for as the wrapper's shell does: on PATH, and last in the installation.
 #include "commonfunc/env.h"
 #include "commonfunc/file_ops.h"
 #include "commonfunc/file_tree.h"

@@ -38,7 +38,8 @@ private:
 pid_t start_program(const std::vector<std::string>& words, const TemporaryDirectory& directory,
                     const std::string& name);
 
-/// Waits for it; its exit status as a shell's `$?`, 127 for 0. Throws as `start_program` does.
+/// Waits for a process that `start_program` gave; its exit status as a shell's `$?`, or 127 for a
+/// program that could not be started. Throws as `start_program` does.
 int wait_for_program(pid_t program);
 
 /// How many programs the machine runs side by side.

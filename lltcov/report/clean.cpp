@@ -85,8 +85,8 @@ public:
             }
         }
         if (scope_ == Scope::old_runs) {
-            Findings unsaid; // of the records, which do not matter here
-            for (const ModuleData& module : read_modules(root_, unsaid, maps_).modules) {
+            Findings ignored; // damaged records do not matter here
+            for (const ModuleData& module : read_modules(root_, ignored, maps_).modules) {
                 builds_[module.module.area].insert(module.buid);
             }
         }
@@ -243,8 +243,8 @@ private:
     Scope scope_;
     PathMaps maps_; ///< of what has moved since it was built
     std::size_t dumps_ = 0;
-    std::set<std::string> areas_;                         ///< that are removed
-    std::map<std::string, std::set<std::string>> builds_; ///< that count, by work area
+    std::set<std::string> areas_;                         ///< work areas that are removed
+    std::map<std::string, std::set<std::string>> builds_; ///< builds that count, by work area
     bool temporary_ = false;
     std::size_t warnings_ = warnings_printed(); ///< before all this
 };

@@ -1,4 +1,4 @@
-// What a build leaves behind in the counts of a project.
+// The part of "lltcov clean" that follows each build through "lltcov run".
 #pragma once
 
 #include <string>

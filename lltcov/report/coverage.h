@@ -22,7 +22,7 @@ constexpr std::uint64_t sum_of_counts(std::uint64_t a, std::uint64_t b)
 /// The counters of an object, as they lie in its array.
 using Counters = std::vector<std::uint64_t>;
 
-/// Adds a run's counters to the sum, which becomes as long. The last `or_words` join by "or".
+/// Adds a run's counters to the sum, which grows to their number. The last `or_words` join by "or".
 void join_counters(Counters& sum, const Counters& run, std::size_t or_words);
 
 /// What a report shows; each has what stands before it too. Lines bring functions along.

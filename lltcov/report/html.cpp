@@ -1,5 +1,5 @@
-// Pages are drawn by genhtml, which every system with lcov has; options tell
-// it what it cannot know, such as how names of functions are written.
+// Pages are drawn by genhtml, which every system with lcov has; options tell it what it cannot
+// know, such as how names of functions are written.
 #include "commonfunc/file_tree.h"
 #include "commonfunc/message.h"
 #include "commonfunc/path_name.h"

@@ -1,5 +1,4 @@
-// Dump files on disk, which programs may be writing, and which may be anything else by their
-// content.
+// Dump files on disk: programs may be writing them, and their content may be anything.
 #pragma once
 
 #include "contract/dump_file.h"

@@ -68,8 +68,8 @@ public:
         data_.modules.push_back(std::move(entry));
     }
 
-    /// Adds the libraries that links took and whose work areas belong to others of the same name by
-    /// now. Of a library that was built several times the build that was linked last is meant.
+    /// Adds the libraries that links took and whose work areas other libraries of the same name
+    /// have taken over since. A library that was built several times counts as it was linked last.
     void read_displaced()
     {
         std::vector<std::tuple<std::time_t, long, std::string>> lists;

@@ -96,7 +96,8 @@ public:
     }
 
 private:
-    /// Tests leave programs behind, and runs of them, that are gone when they end: no problem.
+    /// A problem only while the module's output is there: tests build programs, run them and remove
+    /// them.
     void tell(const ModuleData& module, const char* kind, const std::string& line)
     {
         QMRFileExists(module.output.c_str()) != 0 ? findings_.add(kind, line)

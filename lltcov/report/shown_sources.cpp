@@ -1,6 +1,6 @@
-// Objects of clang are read one by one to know their sources, and those that are shown in full once
-// more together. The source's record holds size and time of the text that was compiled. Headers
-// have no record: one that is newer than the compilation counts as changed.
+// Objects of clang are read one by one to know their sources; those that are shown in full are then
+// read once more, together. The source's record holds size and time of the text that was compiled.
+// Headers have no record: one that is newer than the compilation counts as changed.
 #include "lltcov/report/shown_sources.h"
 
 #include "commonfunc/env.h"

@@ -50,7 +50,8 @@ void pass_on(int signal)
     ::kill(static_cast<pid_t>(command_process), signal);
 }
 
-/// The environment's own project, when there is no other wish, else the directory's.
+/// Where the data of the call's project go: the project is that of "--project", else that of the
+/// environment, else that of the current directory.
 struct Place {
     std::string directory; ///< of the project; empty for the environment's
     std::string data;      ///< what the tool set writes is below it

@@ -16,8 +16,8 @@ fi
 )SH";
 
 /// What the real tool runs is found without this directory, and is wrapped here or not at all.
-/// `${0%/*}` is the directory as PATH has it, which is how a masquerading compiler cache behind the
-/// shim would find the shim again.
+/// `${0%/*}` is the directory as PATH has it, by which a compiler cache under the compiler's name,
+/// later on PATH, would find the shim again.
 inline constexpr char LEAVE_PATH[] = R"SH(unset LLT_WRAP
 case :$PATH: in
     *:"${0%/*}":*)

@@ -1,7 +1,7 @@
 // A directory is filled under a temporary name and then takes its place; where an older one stands
-// (the same source compiled again), the two change places and the old one goes. What is there
-// already as it would be written stays: on disks, files that take the place of others cost most of
-// what a compile pays for its records.
+// (the same source compiled again), the two change places and the old one goes. A file that already
+// is as it would be written stays: on disks, files that take the place of others cost most of what
+// a compile pays for its records.
 #include "toolset/common/records.h"
 
 #include "commonfunc/file_io.h"
@@ -58,7 +58,7 @@ void make_directories(const std::string& path)
     }
 }
 
-/// The source's extension, or that of C for one that is no usual one.
+/// The source's extension, or that of C in place of an unusual one.
 std::string extension_in_table(const std::string& source)
 {
     const std::string suffix = suffix_of(source);

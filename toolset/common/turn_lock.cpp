@@ -1,5 +1,5 @@
-// One file for all turns, of which each locks a byte: no file is left for each of them, and
-// a lock ends with its process.
+// One file for all turns, each of which locks one byte of it: no file is left for each turn, and a
+// lock ends with its process.
 #include "toolset/common/turn_lock.h"
 
 #include <cerrno>

@@ -8,7 +8,8 @@
 class TurnLock
 {
 public:
-    /// `area` is the temporary area, `turn` a text for what is to be done by one at a time.
+    /// `area` is the temporary area, `turn` a text that names what only one process may do at a
+    /// time.
     TurnLock(const std::string& area, const std::string& turn);
     ~TurnLock();
     TurnLock(const TurnLock&) = delete;

@@ -19,7 +19,7 @@
 #include <utility>
 #include <vector>
 
-// Names are to be plain text; the assembler is to be a program of its own.
+// Names must be plain text, and the assembler a program of its own.
 const char* const CLANG_OPTIONS[] = {"-fprofile-instr-generate",
                                      "-fcoverage-mapping",
                                      "-fno-integrated-as",

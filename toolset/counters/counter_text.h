@@ -1,5 +1,5 @@
 // An assembly text in which the compiler counts, taken apart: what its counters are, and the text
-// without the compiler's own tables, such that the counters can be put into one array of our own.
+// without the compiler's own tables, so that the counters can be put into one array of our own.
 #pragma once
 
 #include "contract/record.h"
@@ -53,8 +53,8 @@ CounterText read_gcc_text(std::string_view text);
 /// The same for clang with the options of `CLANG_OPTIONS`.
 CounterText read_clang_text(std::string_view text);
 
-/// What clang is to be called with, up to a null pointer. They are of the compilation alone: in a
-/// link they would bring clang's own runtime.
+/// The options that clang is called with, a null pointer at the end. They are for compilations
+/// only: in a link they would bring clang's own runtime.
 extern const char* const CLANG_OPTIONS[];
 
 /// The text with "ARRAY+OFFSET" where the counters stood; `array` is the whole name.

@@ -20,8 +20,8 @@ bool load_settings();
 bool choose_work_area(const std::string& wanted, const std::string& output,
                       const std::set<std::string>& taken);
 
-/// Where the output is to be written into the project's root and a library's work area has that
-/// place, removes it, with a notice.
+/// Removes a library's work area that stands in the place of the output, which the link is about to
+/// write into the project's root; a notice says so.
 void make_room_for_output(const std::string& project, const std::string& output);
 
 /// Lists the libraries in the work area: a later build of another library of the same name takes

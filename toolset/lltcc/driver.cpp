@@ -146,9 +146,9 @@ void leave_records_of(const Compilation& compilation, const Record& begun)
     }
 }
 
-/// What the compiler is not to count: what the user has named, and its own headers where that
-/// changes no count of other files. When it optimises, functions of those headers hold lines of the
-/// user's, which it has put into them before it places the counters.
+/// What the compiler must not count, as regular expressions: what the user has named, and its own
+/// headers where that changes no count of other files. When it optimises, it puts lines of the
+/// user's into functions of those headers before it places the counters.
 std::string uncounted(const Compilation& compilation)
 {
     const CompileCommand& command = compilation.command;

@@ -18,13 +18,14 @@
  * What counts:
  *   - exit        dumped by the stub's destructor and once more, if counts have changed since,
  *                 after the last destructor of the program
- *   - _exit, _Exit   with LLTCOV_ENDS=calls or =all in the environment, dumped before, when called
- * in what is linked with coverage; a program that has shut itself in (seccomp) may be killed for it
+ *   - _exit, _Exit   with LLTCOV_ENDS=calls or =all in the environment dumped before the call, in
+ *                 code that is linked with coverage; a program that may open no files (seccomp) may
+ *                 be killed for it
  *   - quick_exit  likewise, after the handlers of the program
  *   - abort, a fatal signal   dumped with LLTCOV_ENDS=all in the environment, unless the program
- *                 handles the signal itself; then it ends the process as without, with the same
- *                 status. A thread whose stack has overflowed needs an alternate stack; the first
- *                 one has one
+ *                 handles the signal itself; the process then ends with the same status as without.
+ *                 After a stack overflow only in a thread with an alternate stack; this runtime
+ *                 gives the first thread one
  *   - SIGKILL     nothing is dumped: call lltcov_dump before, or have a timer dump (the setting
  *                 TimerPolicy)
  *   - fork        the parent's counts are dumped and the child begins at zero, so that no count is

@@ -1,5 +1,5 @@
-/* A path is gone along directory by directory, each looked up in the one that is open: so nobody
- * can put a link into it meanwhile. */
+/* A path is followed directory by directory, each looked up in the one that is open: so nobody can
+ * put a link into it meanwhile. */
 #include "secure.h"
 
 #include <errno.h>
