@@ -79,8 +79,7 @@ for word; do
                     --target-help | -print-* | --print-* | -dumpmachine | -dumpversion | \
                     -dumpfullversion | -dumpspecs | -xc-header | -xc++-header) exec "$real" "$@" ;;
                 # A configure step tries something.
-                /dev/* | -o/dev/* | conftest.* | conftest[0-9].* | conftest__.* | \
-                    *meson-private/*) trial=yes ;;
+                /dev/* | -o/dev/* | conftest.* | conftest[0-9_]*.* | *meson-private/*) trial=yes ;;
                 -) trial=${trial:-stdin} ;;
                 -c) step=-c ;;
                 -o) step=${step:--o} ;;
@@ -91,11 +90,7 @@ for word; do
             esac
             ;;
         -o)
-            case $word in
-                /dev/* | conftest.* | conftest[0-9].* | conftest__.* | *meson-private/*)
-                    trial=yes
-                    ;;
-            esac
+            case $word in /dev/* | conftest.* | conftest[0-9_]*.* | *meson-private/*) trial=yes ;; esac
             ;;
         -x) case $word in c-header | c++-header) exec "$real" "$@" ;; esac ;;
         -Xlinker) rewrite=yes ;;
