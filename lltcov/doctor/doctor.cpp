@@ -27,6 +27,7 @@ constexpr Check CHECKS[] = {
     {"places", check_places},
     {"programs", check_programs},
     {"shims", check_shims},
+    {"builds", check_builds},
     {"sources", check_sources},
     {"objects", check_objects},
     {"archives", check_archives},

@@ -36,6 +36,7 @@ void check_shims(Examined& examined, Findings& findings);    ///< and the switch
 
 // --- what the build and the runs left
 
+void check_builds(Examined& examined, Findings& findings);    ///< configured for other compilers
 void check_sources(Examined& examined, Findings& findings);   ///< edited since they were compiled
 void check_objects(Examined& examined, Findings& findings);   ///< gone, or compiled anew
 void check_archives(Examined& examined, Findings& findings);  ///< without a stub, of equal stem

@@ -54,8 +54,8 @@ public:
     void add(const std::string& path, const std::string& content)
     {
         const std::string module = module_of_archive(path);
-        // A member's name ends with a slash, here or in the table of long names.
-        const bool has_stub = contains(content, STUB_PREFIX + module + ".o/");
+        // Of whatever name: the archive may have been renamed since, or hold members of others.
+        const bool has_stub = contains(content, STUB_PREFIX);
         if (!is_archive(content) || (!has_stub && !contains(content, ARRAY_PREFIX))) {
             return;
         }
@@ -112,8 +112,8 @@ void check_objects(Examined& examined, Findings& findings)
         const std::string& path = object.record.object;
         ScannedObject scanned;
         if (!scan_object(path, scanned)) {
-            findings.add("objects that are gone", "'" + path + "' is gone since '" + object.area +
-                                                      "' was filled" + build_again());
+            findings.add("objects that are gone", "'" + path + "' is gone or renamed since '" +
+                                                      object.area + "' was filled" + build_again());
         } else if (!holds_symbol(scanned, object.symbol)) {
             findings.add("objects compiled anew", "'" + path + "' was compiled anew since '" +
                                                       object.area + "' was filled" +
@@ -130,7 +130,7 @@ void check_archives(Examined& examined, Findings& findings)
         if (read_whole_file(module.output, content) == Reading::missing) {
             findings.add("modules without output",
                          "'" + module.output + "' of module " + module.module.name + " is gone" +
-                             cured_by("lltcov clean --gone", "if it stays so"));
+                             cured_by("lltcov clean --gone", "if it was not renamed"));
         } else if (is_archive(content)) {
             archives.add(module.output, content);
         }

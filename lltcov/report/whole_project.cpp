@@ -91,7 +91,8 @@ bool has_modules(const ProjectData& data, Findings& findings)
                                      "' holds no module with coverage data; build it " +
                                      "('make clean' if it is built already, then 'lltcov run -- "
                                      "make', with CC=gcc if it names its compiler by a path), or "
-                                     "name another one with --project");
+                                     "name another one with --project; 'lltcov doctor' may know "
+                                     "why");
     }
     return !data.modules.empty();
 }

@@ -79,7 +79,7 @@ for word; do
                     --target-help | -print-* | --print-* | -dumpmachine | -dumpversion | \
                     -dumpfullversion | -dumpspecs | -xc-header | -xc++-header) exec "$real" "$@" ;;
                 # A configure step tries something.
-                /dev/* | -o/dev/* | conftest.* | *meson-private/*) trial=yes ;;
+                /dev/* | -o/dev/* | conftest.* | conftest[0-9_]*.* | *meson-private/*) trial=yes ;;
                 -) trial=${trial:-stdin} ;;
                 -c) step=-c ;;
                 -o) step=${step:--o} ;;
@@ -89,7 +89,9 @@ for word; do
                 *.[cCi] | *.cc | *.cp | *.cxx | *.cpp | *.CPP | *.c++ | *.ii) input=yes ;;
             esac
             ;;
-        -o) case $word in /dev/* | conftest.* | *meson-private/*) trial=yes ;; esac ;;
+        -o)
+            case $word in /dev/* | conftest.* | conftest[0-9_]*.* | *meson-private/*) trial=yes ;; esac
+            ;;
         -x) case $word in c-header | c++-header) exec "$real" "$@" ;; esac ;;
         -Xlinker) rewrite=yes ;;
     esac

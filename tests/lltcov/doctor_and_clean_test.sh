@@ -89,6 +89,8 @@ finds "objects: '.*twice.o' was compiled anew" 'mv twice.o saved && LLT_WRAP=0 g
     'mv saved twice.o'
 finds "archives: '.*libtwice.a' of module libtwice is gone" 'mv libtwice.a saved' \
     'mv saved libtwice.a'
+finds "archives: '.*libtwice.a' of module libtwice is gone; if it was not renamed, type: " \
+    'mv libtwice.a libother.a' 'mv libother.a libtwice.a'
 finds "archives: '.*libtwice.a' has instrumented members and no stub" \
     'mv libtwice.a saved && LLT_WRAP=0 ar rcs libtwice.a twice.o' 'mv saved libtwice.a'
 finds "archives: '.*lib+.a' has .* no stub: .*; its name must be" \

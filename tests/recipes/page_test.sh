@@ -52,6 +52,8 @@ cd "$work" || exit
 cmake --install "$programs" --prefix "$work/local" >"$said" 2>&1 || skip 'no installation'
 PATH=$work/local/bin:${PATH#"$programs:"}
 
+before_configured() { (cmake -S . -B out && cmake --build out) >"$said" 2>&1; }
+
 before_cross() {
     sed "s|/usr/local|$work/local|; s|./dev install|BUILD='$programs' '$root/packaging/install.sh'|" "$work/block.1" >block.sh
     sh -e block.sh >"$said" 2>&1
@@ -119,7 +121,7 @@ done <<'END'
 GNU make|1|make|-
 Ninja|1|ninja|-
 CMake|1|cmake|-
-CMake|2|cmake|-
+CMake|2|cmake|configured
 Meson|1|meson|-
 Autoconf, Automake and libtool|1|autoreconf libtoolize automake|-
 Makefiles in the manner of Kbuild|1|make|-
