@@ -14,7 +14,12 @@ done
 
 found=$(iwyu_tool -j "$(nproc)" -p "$1" "${rooms[@]}" -- "${options[@]}" 2>&1 |
     awk -v noise="$noise" '
-        / should (add|remove) these lines:$/ { what = $3; file = $1; next }
+        / should (add|remove) these lines:$/ {
+            what = $(NF - 2)
+            file = $0
+            sub(/ should [a-z]* these lines:$/, "", file)
+            next
+        }
         /^The full include-list|^---$/ { what = "" }
         what && /#include/ {
             sub(/^- /, "")

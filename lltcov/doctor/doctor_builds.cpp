@@ -4,12 +4,16 @@
 #include "commonfunc/file_io.h"
 #include "commonfunc/shell.h"
 #include "commonfunc/text.h"
+#include "lltcov/common/console.h"
 #include "lltcov/doctor/doctor.h"
+#include "lltcov/report/project_data.h"
 #include "lltcov/shims/shim_text.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace
 {
